@@ -1,0 +1,25 @@
+#pragma once
+
+#include "menuitem.h"
+
+#include <QList>
+#include <QString>
+
+/// One open menu. The same record is the whole-document state kept by undo and redo.
+struct MenuDocument
+{
+    QList<MenuItem> items;
+    /// 0 shows all items, 1 hides copy-command links, 2 hides items without commands, 3 hides both.
+    qint32 hideMode = 0;
+    QString filePath;
+    /// Number of the newest key given out; never lowered, so keys are never given out twice.
+    qint16 lastIndex = 0;
+    qint16 windowIndex = 0;
+    bool saved = false;
+
+    /// The upper bound of the item array (item count - 1).
+    int upperBound() const { return int(items.size()) - 1; }
+
+    friend bool operator==(const MenuDocument& left, const MenuDocument& right);
+    friend bool operator!=(const MenuDocument& left, const MenuDocument& right) { return !(left == right); }
+};
