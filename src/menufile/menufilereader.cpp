@@ -1,0 +1,342 @@
+#include "menufilereader.h"
+
+#include "editing/copylinks.h"
+#include "menufile/windows1252codec.h"
+#include "model/errortable.h"
+#include "model/int16.h"
+#include "model/menudocument.h"
+#include "model/runtimeerror.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QVarLengthArray>
+
+#include <new>
+
+namespace {
+
+constexpr char marker = char(0xB7);
+constexpr int markersPerLevel = 3;
+
+/// A reading failure: where, why, and the run-time error behind it.
+struct ReadFailure
+{
+    int line;
+    int errorNumber;
+    QString reason;
+};
+
+/// Hands out the lines of a file in memory one by one. A line ends at CR LF, LF or CR; a last
+/// line without an end still counts, an end at the very end of the file starts no new line.
+class LineCursor
+{
+public:
+    explicit LineCursor(const QByteArray& bytes)
+        : m_data(bytes.constData())
+        , m_size(bytes.size())
+    {
+    }
+
+    /// The next line, or false at the end of the file.
+    bool next(QByteArrayView& line)
+    {
+        if (m_position >= m_size) {
+            return false;
+        }
+        const qsizetype start = m_position;
+        qsizetype end = start;
+        while (end < m_size && m_data[end] != '\r' && m_data[end] != '\n') {
+            ++end;
+        }
+        m_position = end;
+        if (m_position < m_size && m_data[m_position] == '\r') {
+            ++m_position;
+            if (m_position < m_size && m_data[m_position] == '\n') {
+                ++m_position;
+            }
+        } else if (m_position < m_size) {
+            ++m_position; // a lone LF
+        }
+        ++m_lineNumber;
+        line = QByteArrayView(m_data + start, end - start);
+        return true;
+    }
+
+    int lineNumber() const { return m_lineNumber; }
+
+private:
+    const char* m_data;
+    qsizetype m_size;
+    qsizetype m_position = 0;
+    int m_lineNumber = 0;
+};
+
+/// Whether the line, lower-cased, equals `tag` (lower-case ASCII). Tags are ASCII and no
+/// Windows-1252 letter outside ASCII lower-cases to an ASCII letter, so comparing the bytes
+/// ASCII-case-insensitively decides exactly what lower-casing the decoded line would.
+bool isTag(QByteArrayView line, QLatin1String tag)
+{
+    if (line.size() != tag.size()) {
+        return false;
+    }
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        char character = line[i];
+        if (character >= 'A' && character <= 'Z') {
+            character = char(character - 'A' + 'a');
+        }
+        if (character != tag[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The text before the ":" of a command line as a number: optional blanks, an optional sign and
+/// decimal digits. Anything else is not a number (13), a value beyond 16 bits overflows (6).
+qint16 parseItemNumber(QByteArrayView text, int lineNumber)
+{
+    const QByteArrayView trimmed = text.trimmed();
+    qsizetype position = 0;
+    bool negative = false;
+    if (position < trimmed.size() && (trimmed[position] == '+' || trimmed[position] == '-')) {
+        negative = trimmed[position] == '-';
+        ++position;
+    }
+    if (position == trimmed.size()) {
+        throw ReadFailure { lineNumber, ErrorNumber::TypeMismatch,
+                            QStringLiteral("item number \"%1\" is not a number").arg(Windows1252Codec::decode(text)) };
+    }
+    qint64 value = 0;
+    for (; position < trimmed.size(); ++position) {
+        const char digit = trimmed[position];
+        if (digit < '0' || digit > '9') {
+            throw ReadFailure {
+                lineNumber, ErrorNumber::TypeMismatch,
+                QStringLiteral("item number \"%1\" is not a number").arg(Windows1252Codec::decode(text))
+            };
+        }
+        if (value <= 32768) {
+            value = value * 10 + (digit - '0');
+        }
+    }
+    if (negative) {
+        value = -value;
+    }
+    if (value < -32768 || value > 32767) {
+        throw ReadFailure {
+            lineNumber, ErrorNumber::Overflow,
+            QStringLiteral("item number %1 is too large").arg(Windows1252Codec::decode(text.trimmed()))
+        };
+    }
+    return static_cast<qint16>(value);
+}
+
+/// Reads the item lines of the [Menu] section. The tree numbers come out exactly as the
+/// definitions give them (parent: the nearest earlier item one level up; siblingOrder: the count
+/// of items so far with the same parent), but in linear time.
+class ItemSectionReader
+{
+public:
+    explicit ItemSectionReader(MenuDocument& document)
+        : m_document(document)
+    {
+    }
+
+    void addItemLine(QByteArrayView line, int lineNumber)
+    {
+        qsizetype markers = 0;
+        while (markers < line.size() && line[markers] == marker) {
+            ++markers;
+        }
+        // A line made of markers only counts one more than its length: its caption is empty.
+        const qint64 markerCount = markers == line.size() ? line.size() + 1 : markers;
+        const qint64 level = markerCount / markersPerLevel;
+        if (level > 32767) {
+            throw ReadFailure { lineNumber, ErrorNumber::Overflow, QStringLiteral("item is nested too deeply") };
+        }
+
+        MenuItem item;
+        item.caption = Windows1252Codec::decode(line.sliced(std::min<qsizetype>(markerCount, line.size())));
+        item.level = static_cast<qint16>(level);
+        item.parent = parentFor(item.level);
+        item.childCount = 0;
+        item.copyKey = QStringLiteral("-1");
+        item.copiesCommands = false;
+
+        const qint16 index = m_counter;
+        if (item.parent >= 0) {
+            MenuItem& parent = m_document.items[item.parent];
+            parent.childCount = Int16::incremented(parent.childCount, "readMenuFile");
+        }
+        qint16& siblings = m_siblingCounts[item.parent];
+        siblings = Int16::incremented(siblings, "readMenuFile");
+        item.siblingOrder = siblings;
+        m_document.items.append(std::move(item));
+        m_lastIndexAtLevel[qint32(level)] = index;
+
+        if (m_counter == 32767) {
+            throw ReadFailure { lineNumber, ErrorNumber::Overflow, QStringLiteral("holds more than 32767 items") };
+        }
+        ++m_counter;
+    }
+
+private:
+    qint16 parentFor(qint16 level) const { return m_lastIndexAtLevel.value(qint32(level) - 1, -1); }
+
+    MenuDocument& m_document;
+    qint16 m_counter = 0;
+    QHash<qint32, qint16> m_lastIndexAtLevel;
+    QHash<qint16, qint16> m_siblingCounts;
+};
+
+void addCommandLine(MenuDocument& document, QByteArrayView line, int lineNumber)
+{
+    const qsizetype colon = line.indexOf(':');
+    const qsizetype equals = line.indexOf('=');
+    if (colon < 0) {
+        throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
+                            QStringLiteral("command line has no \":\"") };
+    }
+    if (equals < 0) {
+        throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
+                            QStringLiteral("command line has no \"=\"") };
+    }
+    if (equals < colon) {
+        throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
+                            QStringLiteral("command line has \"=\" before \":\"") };
+    }
+    const QByteArrayView numberText = line.first(colon);
+    const qint32 index = qint32(parseItemNumber(numberText, lineNumber)) - 1;
+    if (index < 0 || index >= document.items.size()) {
+        throw ReadFailure { lineNumber, ErrorNumber::SubscriptOutOfRange,
+                            QStringLiteral("item number %1 names no item").arg(Windows1252Codec::decode(numberText)) };
+    }
+    Command command;
+    command.extension = Windows1252Codec::decode(line.sliced(colon + 1, equals - colon - 1));
+    command.command = Windows1252Codec::decode(line.sliced(equals + 1));
+    document.items[index].commands.append(std::move(command));
+}
+
+/// Advances to the next line or fails: the file ended before `expectedTag`.
+void nextLineOrFail(LineCursor& cursor, QByteArrayView& line, const char* expectedTag)
+{
+    if (!cursor.next(line)) {
+        throw ReadFailure { 0, ErrorNumber::InputPastEndOfFile,
+                            QStringLiteral("ends before %1").arg(QLatin1String(expectedTag)) };
+    }
+}
+
+void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& document)
+{
+    // Text before [Menu] is ignored; the magic line is the first one tested.
+    while (!isTag(line, QLatin1String("[menu]"))) {
+        nextLineOrFail(cursor, line, "[Menu]");
+    }
+
+    ItemSectionReader itemReader(document);
+    while (!isTag(line, QLatin1String("[/menu]"))) {
+        nextLineOrFail(cursor, line, "[/Menu]");
+        if (line.isEmpty() || isTag(line, QLatin1String("[/menu]"))) {
+            continue;
+        }
+        itemReader.addItemLine(line, cursor.lineNumber());
+    }
+
+    // Text between the sections is ignored; the [/Menu] line is the first one tested.
+    while (!isTag(line, QLatin1String("[commands]"))) {
+        nextLineOrFail(cursor, line, "[Commands]");
+    }
+
+    while (!isTag(line, QLatin1String("[/commands]"))) {
+        nextLineOrFail(cursor, line, "[/Commands]");
+        if (line.isEmpty() || isTag(line, QLatin1String("[/commands]"))) {
+            continue;
+        }
+        addCommandLine(document, line, cursor.lineNumber());
+    }
+
+    if (document.items.isEmpty()) {
+        throw ReadFailure { 0, ErrorNumber::SubscriptOutOfRange, QStringLiteral("holds no item") };
+    }
+}
+
+MenuReadResult failure(const ReadFailure& reason)
+{
+    MenuReadResult result;
+    result.code = MenuReadResult::Failed;
+    result.line = reason.line;
+    result.reason = reason.reason;
+    result.errorNumber = reason.errorNumber;
+    return result;
+}
+
+} // namespace
+
+QString notMenuFileMessage()
+{
+    return QStringLiteral("This is not a valid KELV Menu file !");
+}
+
+MenuReadResult readMenuBytes(const QByteArray& bytes, bool detectCopies, MenuDocument& document)
+{
+    document.items.clear();
+    document.lastIndex = 0;
+
+    LineCursor cursor(bytes);
+    QByteArrayView line;
+    // An empty file has no magic line either: it is not a menu file.
+    if (!cursor.next(line) || line != QByteArrayView("KELV - Menu")) {
+        MenuReadResult result;
+        result.code = MenuReadResult::NotAMenuFile;
+        result.line = 1;
+        result.reason = notMenuFileMessage();
+        return result;
+    }
+
+    try {
+        readSections(cursor, line, document);
+        for (qsizetype i = 0; i < document.items.size(); ++i) {
+            document.items[i].key = QLatin1Char('E') + QString::number(i);
+        }
+        document.lastIndex = Int16::checked(document.items.size() - 1, "readMenuFile");
+        if (detectCopies) {
+            normalizeCopyLinks(document);
+        }
+    } catch (const ReadFailure& reason) {
+        return failure(reason);
+    } catch (const RunTimeError& error) {
+        return failure(ReadFailure { 0, error.number(), error.description() });
+    } catch (const std::bad_alloc&) {
+        return failure(ReadFailure { 0, ErrorNumber::OutOfMemory, errorDescription(ErrorNumber::OutOfMemory) });
+    }
+
+    MenuReadResult result;
+    result.code = MenuReadResult::Read;
+    return result;
+}
+
+MenuReadResult readMenuFile(const QString& path, bool detectCopies, MenuDocument& document)
+{
+    QByteArray bytes;
+    {
+        // The whole file is read at once and closed at the end of this scope, so no handle stays
+        // open whatever happens next.
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            const bool exists = QFileInfo::exists(path);
+            return failure(ReadFailure { 0, exists ? ErrorNumber::PathFileAccessError : ErrorNumber::FileNotFound,
+                                         QStringLiteral("cannot be opened: %1").arg(file.errorString()) });
+        }
+        try {
+            bytes = file.readAll();
+        } catch (const std::bad_alloc&) {
+            return failure(ReadFailure { 0, ErrorNumber::OutOfMemory, QStringLiteral("is too large to read") });
+        }
+        if (file.error() != QFileDevice::NoError) {
+            return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
+                                         QStringLiteral("cannot be read: %1").arg(file.errorString()) });
+        }
+    }
+    return readMenuBytes(bytes, detectCopies, document);
+}
