@@ -9,3 +9,9 @@ struct MenuDocument;
 /// Links to a removed item are switched off, the linking items keeping their own commands.
 /// Removing the only item leaves a fresh item "New item 1" with key "E0".
 void deleteItemTree(MenuDocument& document, const QString& key);
+
+/// The menu-document half of the editor's Delete command: closes the gap that the item leaves among
+/// its siblings, removes it with its branch (or, when it is the only item, resets it in place to the
+/// fresh item "New item 1" / "E0"), then makes the copy-command links canonical again.
+/// Throws RunTimeError 9 when `key` names no item.
+void removeItemBranch(MenuDocument& document, const QString& key);
