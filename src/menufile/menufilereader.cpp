@@ -145,6 +145,10 @@ public:
 
     void addItemLine(QByteArrayView line, int lineNumber)
     {
+        // The item counter is a 16-bit number: item 32,768 cannot be numbered.
+        if (m_counter == 32767) {
+            throw ReadFailure { lineNumber, ErrorNumber::Overflow, QStringLiteral("holds more than 32767 items") };
+        }
         qsizetype markers = 0;
         while (markers < line.size() && line[markers] == marker) {
             ++markers;
@@ -227,6 +231,16 @@ void nextLineOrFail(LineCursor& cursor, QByteArrayView& line, const char* expect
     }
 }
 
+/// Runs the handling of one line; a run-time error inside it is reported at that line.
+template <typename LineHandler> void withLineNumber(int lineNumber, LineHandler handleLine)
+{
+    try {
+        handleLine();
+    } catch (const RunTimeError& error) {
+        throw ReadFailure { lineNumber, error.number(), error.description() };
+    }
+}
+
 void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& document)
 {
     // Text before [Menu] is ignored; the magic line is the first one tested.
@@ -240,7 +254,7 @@ void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& documen
         if (line.isEmpty() || isTag(line, QLatin1String("[/menu]"))) {
             continue;
         }
-        itemReader.addItemLine(line, cursor.lineNumber());
+        withLineNumber(cursor.lineNumber(), [&] { itemReader.addItemLine(line, cursor.lineNumber()); });
     }
 
     // Text between the sections is ignored; the [/Menu] line is the first one tested.
@@ -253,7 +267,7 @@ void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& documen
         if (line.isEmpty() || isTag(line, QLatin1String("[/commands]"))) {
             continue;
         }
-        addCommandLine(document, line, cursor.lineNumber());
+        withLineNumber(cursor.lineNumber(), [&] { addCommandLine(document, line, cursor.lineNumber()); });
     }
 
     if (document.items.isEmpty()) {

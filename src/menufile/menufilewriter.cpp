@@ -3,7 +3,6 @@
 #include "menufile/windows1252codec.h"
 #include "model/errortable.h"
 #include "model/int16.h"
-#include "model/itemlookup.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 
@@ -27,8 +26,8 @@ struct SaveEntry
     qint16 depth;
 };
 
-/// The items of `bucket` in the order the tree walk visits them: for ord = 1 .. limit, every item
-/// with that siblingOrder in array order. Items with an order outside 1..limit are not visited.
+/// Puts `bucket` in the order the tree walk visits it: for ord = 1 .. limit, every item with that
+/// siblingOrder, in array order among items that share one. Other items are dropped.
 void orderSiblings(QList<qint32>& bucket, const QList<MenuItem>& items, qint32 limit)
 {
     bucket.removeIf([&items, limit](qint32 index) {
@@ -55,7 +54,14 @@ QList<SaveEntry> buildSaveOrder(const MenuDocument& document)
             children[parent].append(i);
         }
     }
-    orderSiblings(topLevel, items, countTopLevel(document));
+    // The top level is walked up to its highest order rather than only up to the number of
+    // top-level items, so that an item after a gap in the top-level numbering (orders 1, 2, 4) is
+    // still saved: the file keeps every top-level item even where the tree view stops at the gap.
+    qint32 highestTopOrder = 0;
+    for (const qint32 index : std::as_const(topLevel)) {
+        highestTopOrder = std::max<qint32>(highestTopOrder, items.at(index).siblingOrder);
+    }
+    orderSiblings(topLevel, items, highestTopOrder);
 
     QList<SaveEntry> order;
     order.reserve(items.size());

@@ -1,0 +1,464 @@
+#include "menufixtures.h"
+
+#include "menufile/menufilereader.h"
+#include "model/itemlookup.h"
+#include "model/menudocument.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QStringList exampleLines()
+{
+    const QString dots = markers(3);
+    return { QStringLiteral("KELV - Menu"),
+             QString(),
+             QStringLiteral("[Menu]"),
+             QString(),
+             QStringLiteral("Archive"),
+             dots + QStringLiteral("Pack"),
+             dots + QStringLiteral("Unpack"),
+             QStringLiteral("Delete"),
+             QString(),
+             QStringLiteral("[/Menu]"),
+             QString(),
+             QStringLiteral("[Commands]"),
+             QString(),
+             QStringLiteral("0002:zip=pack.exe a $fs-001$"),
+             QStringLiteral("0002:rar=pack.exe r $fs-001$"),
+             QStringLiteral("0003:zip=pack.exe a $fs-001$"),
+             QStringLiteral("0003:rar=pack.exe r $fs-001$"),
+             QStringLiteral("0004:=del $fs-001$"),
+             QString(),
+             QStringLiteral("[/Commands]") };
+}
+
+/// A menu file of the given item lines and command lines, in the canonical layout.
+QByteArray menuFile(const QStringList& itemLines, const QStringList& commandLines)
+{
+    QStringList lines { QStringLiteral("KELV - Menu"), QString(), QStringLiteral("[Menu]"), QString() };
+    lines += itemLines;
+    lines += { QString(), QStringLiteral("[/Menu]"), QString(), QStringLiteral("[Commands]"), QString() };
+    lines += commandLines;
+    lines += { QString(), QStringLiteral("[/Commands]") };
+    return menuFileFromLines(lines);
+}
+
+MenuReadResult read(const QByteArray& bytes, MenuDocument& document, bool detectCopies = false)
+{
+    return readMenuBytes(bytes, detectCopies, document);
+}
+
+void compareFailure(const MenuReadResult& result, int line, const QString& reason, int errorNumber)
+{
+    QCOMPARE(result.code, MenuReadResult::Failed);
+    QCOMPARE(result.line, line);
+    QCOMPARE(result.reason, reason);
+    QCOMPARE(result.errorNumber, errorNumber);
+}
+
+int openFileDescriptorCount()
+{
+    return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size());
+}
+
+} // namespace
+
+class TestMenuFileReader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsTheExampleMenu()
+    {
+        MenuDocument document;
+        const MenuReadResult result = read(menuFileFromLines(exampleLines()), document);
+        QVERIFY(result.ok());
+        QVERIFY(result.reason.isEmpty());
+        QCOMPARE(document.items.size(), qsizetype(4));
+        QCOMPARE(document.lastIndex, qint16(3));
+
+        const MenuItem& archive = document.items.at(0);
+        QCOMPARE(archive.caption, QStringLiteral("Archive"));
+        QCOMPARE(archive.key, QStringLiteral("E0"));
+        QCOMPARE(archive.level, qint16(0));
+        QCOMPARE(archive.parent, qint16(-1));
+        QCOMPARE(archive.childCount, qint16(2));
+        QCOMPARE(archive.siblingOrder, qint16(1));
+        QCOMPARE(archive.commandUpperBound(), 0);
+
+        const MenuItem& unpack = document.items.at(2);
+        QCOMPARE(unpack.caption, QStringLiteral("Unpack"));
+        QCOMPARE(unpack.key, QStringLiteral("E2"));
+        QCOMPARE(unpack.level, qint16(1));
+        QCOMPARE(unpack.parent, qint16(0));
+        QCOMPARE(unpack.siblingOrder, qint16(2));
+        QCOMPARE(unpack.commandUpperBound(), 2);
+        QCOMPARE(unpack.commands.at(1), (Command { QStringLiteral("zip"), QStringLiteral("pack.exe a $fs-001$") }));
+        QCOMPARE(unpack.commands.at(2), (Command { QStringLiteral("rar"), QStringLiteral("pack.exe r $fs-001$") }));
+
+        const MenuItem& del = document.items.at(3);
+        QCOMPARE(del.parent, qint16(-1));
+        QCOMPARE(del.siblingOrder, qint16(2));
+        QCOMPARE(del.commands.at(1), (Command { QString(), QStringLiteral("del $fs-001$") }));
+
+        for (const MenuItem& item : std::as_const(document.items)) {
+            QCOMPARE(item.copyKey, QStringLiteral("-1"));
+            QVERIFY(!item.copiesCommands);
+            QVERIFY(item.lastCopyKey.isEmpty());
+            QCOMPARE(item.commands.at(0), Command {});
+        }
+    }
+
+    void sectionTagsInAnyLetterCaseReadTheSame()
+    {
+        MenuDocument lowerCase;
+        QStringList lines = exampleLines();
+        lines[2] = QStringLiteral("[menu]");
+        lines[9] = QStringLiteral("[/menu]");
+        lines[11] = QStringLiteral("[commands]");
+        lines[19] = QStringLiteral("[/commands]");
+        QVERIFY(read(menuFileFromLines(lines), lowerCase).ok());
+
+        MenuDocument mixedCase;
+        lines[2] = QStringLiteral("[MENU]");
+        lines[9] = QStringLiteral("[/mEnU]");
+        lines[11] = QStringLiteral("[COMMANDS]");
+        lines[19] = QStringLiteral("[/Commands]");
+        QVERIFY(read(menuFileFromLines(lines), mixedCase).ok());
+        QCOMPARE(mixedCase, lowerCase);
+
+        MenuDocument canonical;
+        QVERIFY(read(menuFileFromLines(exampleLines()), canonical).ok());
+        QCOMPARE(canonical, lowerCase);
+    }
+
+    void tagWithTrailingBlankIsNoTagAndReadingRunsToTheEnd()
+    {
+        MenuDocument document;
+        QStringList lines = exampleLines();
+        lines[2] = QStringLiteral("[Menu] ");
+        compareFailure(read(menuFileFromLines(lines), document), 0, QStringLiteral("ends before [Menu]"), 62);
+
+        // A closing tag with a blank is an item line, so everything after it becomes items.
+        lines = exampleLines();
+        lines[9] = QStringLiteral("[/Menu] ");
+        compareFailure(read(menuFileFromLines(lines), document), 0, QStringLiteral("ends before [/Menu]"), 62);
+
+        lines = exampleLines();
+        lines[19] = QStringLiteral(" [/Commands]");
+        compareFailure(read(menuFileFromLines(lines), document), 20, QStringLiteral("command line has no \":\""), 5);
+
+        lines = exampleLines();
+        lines[11] = QStringLiteral("[Commands]\t");
+        compareFailure(read(menuFileFromLines(lines), document), 0, QStringLiteral("ends before [Commands]"), 62);
+    }
+
+    void blankLinesAndTextOutsideTheSectionsAreIgnored()
+    {
+        MenuDocument expected;
+        QVERIFY(read(menuFileFromLines(exampleLines()), expected).ok());
+
+        const QString dots = markers(3);
+        const QStringList lines { QStringLiteral("KELV - Menu"),
+                                  QStringLiteral("written by hand"),
+                                  QStringLiteral("[Commands]"),
+                                  QStringLiteral("[menu]"),
+                                  QString(),
+                                  QString(),
+                                  QStringLiteral("Archive"),
+                                  QString(),
+                                  dots + QStringLiteral("Pack"),
+                                  dots + QStringLiteral("Unpack"),
+                                  QString(),
+                                  QStringLiteral("Delete"),
+                                  QStringLiteral("[/menu]"),
+                                  QStringLiteral("0001:zip=ignored between the sections"),
+                                  QString(),
+                                  QStringLiteral("[commands]"),
+                                  QStringLiteral("0002:zip=pack.exe a $fs-001$"),
+                                  QString(),
+                                  QStringLiteral("0002:rar=pack.exe r $fs-001$"),
+                                  QStringLiteral("0003:zip=pack.exe a $fs-001$"),
+                                  QString(),
+                                  QString(),
+                                  QStringLiteral("0003:rar=pack.exe r $fs-001$"),
+                                  QStringLiteral("0004:=del $fs-001$"),
+                                  QStringLiteral("[/commands]"),
+                                  QStringLiteral("anything after the end") };
+        MenuDocument document;
+        QVERIFY(read(menuFileFromLines(lines), document).ok());
+        QCOMPARE(document, expected);
+    }
+
+    void lineEndsMayBeCrLfLfOrCr()
+    {
+        MenuDocument expected;
+        QVERIFY(read(menuFileFromLines(exampleLines()), expected).ok());
+        for (const char* lineEnd : { "\n", "\r" }) {
+            MenuDocument document;
+            QVERIFY(read(menuFileFromLines(exampleLines(), lineEnd), document).ok());
+            QCOMPARE(document, expected);
+        }
+        // Mixed ends, and a last line without any end.
+        QByteArray mixed = menuFileFromLines(exampleLines(), "\r\n");
+        mixed.replace("Pack\r\n", "Pack\n");
+        mixed.replace("[Menu]\r\n", "[Menu]\r");
+        mixed.chop(2);
+        MenuDocument document;
+        QVERIFY(read(mixed, document).ok());
+        QCOMPARE(document, expected);
+    }
+
+    void markersGiveLevelsAndAreStripped()
+    {
+        MenuDocument document;
+        const QByteArray bytes
+            = menuFile({ QStringLiteral("Top"), markers(4) + QStringLiteral("x"), markers(2) + QStringLiteral("y"),
+                         markers(3), markers(6), markers(1) + QStringLiteral("a") + markers(3) },
+                       {});
+        QVERIFY(read(bytes, document).ok());
+        QCOMPARE(document.items.at(1).caption, QStringLiteral("x"));
+        QCOMPARE(document.items.at(1).level, qint16(1));
+        QCOMPARE(document.items.at(2).caption, QStringLiteral("y"));
+        QCOMPARE(document.items.at(2).level, qint16(0));
+        // A line of markers only counts one more than its length and has an empty caption.
+        QCOMPARE(document.items.at(3).caption, QString());
+        QCOMPARE(document.items.at(3).level, qint16(1));
+        QCOMPARE(document.items.at(4).caption, QString());
+        QCOMPARE(document.items.at(4).level, qint16(2));
+        QCOMPARE(document.items.at(5).caption, QStringLiteral("a") + markers(3));
+        QCOMPARE(document.items.at(5).level, qint16(0));
+    }
+
+    void parentsAndSiblingOrdersFollowTheirDefinitions()
+    {
+        const QString dots = markers(3);
+        MenuDocument document;
+        // Levels 0 1 2 1 0 1 2 2 0 2: the last item's parent is the nearest earlier item one level up,
+        // even though a top-level item lies between them.
+        const QByteArray bytes
+            = menuFile({ QStringLiteral("a"), dots + QStringLiteral("b"), dots + dots + QStringLiteral("c"),
+                         dots + QStringLiteral("d"), QStringLiteral("e"), dots + QStringLiteral("f"),
+                         dots + dots + QStringLiteral("g"), dots + dots + QStringLiteral("h"), QStringLiteral("i"),
+                         dots + dots + QStringLiteral("j") },
+                       {});
+        QVERIFY(read(bytes, document).ok());
+        const QList<qint16> parents { -1, 0, 1, 0, -1, 4, 5, 5, -1, 5 };
+        const QList<qint16> orders { 1, 1, 1, 2, 2, 1, 1, 2, 3, 3 };
+        const QList<qint16> childCounts { 2, 1, 0, 0, 1, 3, 0, 0, 0, 0 };
+        for (int i = 0; i < parents.size(); ++i) {
+            QCOMPARE(document.items.at(i).parent, parents.at(i));
+            QCOMPARE(document.items.at(i).siblingOrder, orders.at(i));
+            QCOMPARE(document.items.at(i).childCount, childCounts.at(i));
+            QCOMPARE(document.items.at(i).key, QStringLiteral("E%1").arg(i));
+        }
+    }
+
+    void treeNumbersMatchTheLiteralDefinitionsOnRandomFiles()
+    {
+        for (quint32 seed = 1; seed <= 60; ++seed) {
+            QRandomGenerator random(seed);
+            QStringList itemLines;
+            const int count = random.bounded(1, 120);
+            for (int i = 0; i < count; ++i) {
+                itemLines.append(markers(random.bounded(0, 13)) + QString::number(i));
+            }
+            MenuDocument document;
+            QVERIFY(read(menuFile(itemLines, {}), document).ok());
+            for (int c = 0; c < count; ++c) {
+                const qint16 expectedParent = findParent(document, c);
+                QCOMPARE(document.items.at(c).parent, expectedParent);
+                int siblings = 0;
+                int children = 0;
+                for (int k = 0; k < count; ++k) {
+                    if (k <= c && document.items.at(k).parent == expectedParent) {
+                        ++siblings;
+                    }
+                    if (document.items.at(k).parent == c) {
+                        ++children;
+                    }
+                }
+                QCOMPARE(int(document.items.at(c).siblingOrder), siblings);
+                QCOMPARE(int(document.items.at(c).childCount), children);
+            }
+        }
+    }
+
+    void commandLinesSplitAtTheFirstColonAndTheFirstEquals()
+    {
+        MenuDocument document;
+        const QByteArray bytes = menuFile({ QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c") },
+                                          { QStringLiteral("0003:=notepad"), QStringLiteral("0003:txt=a=b"),
+                                            QStringLiteral("0001:a:b=c:d"), QStringLiteral("2:x="),
+                                            QStringLiteral("00001:dll=regsvr32 $fs-001$") });
+        QVERIFY(read(bytes, document).ok());
+        const MenuItem& third = document.items.at(2);
+        QCOMPARE(third.commandUpperBound(), 2);
+        QCOMPARE(third.commands.at(1), (Command { QString(), QStringLiteral("notepad") }));
+        QCOMPARE(third.commands.at(2), (Command { QStringLiteral("txt"), QStringLiteral("a=b") }));
+        QCOMPARE(document.items.at(0).commands.at(1), (Command { QStringLiteral("a:b"), QStringLiteral("c:d") }));
+        QCOMPARE(document.items.at(0).commands.at(2),
+                 (Command { QStringLiteral("dll"), QStringLiteral("regsvr32 $fs-001$") }));
+        QCOMPARE(document.items.at(1).commands.at(1), (Command { QStringLiteral("x"), QString() }));
+    }
+
+    void commandsOfOneItemKeepTheirFileOrder()
+    {
+        MenuDocument document;
+        const QByteArray bytes = menuFile({ QStringLiteral("a"), QStringLiteral("b") },
+                                          { QStringLiteral("0002:=second"), QStringLiteral("0001:=x"),
+                                            QStringLiteral("0002:=first"), QStringLiteral("0002:=third") });
+        QVERIFY(read(bytes, document).ok());
+        const QList<Command>& commands = document.items.at(1).commands;
+        QCOMPARE(commands.size(), qsizetype(4));
+        QCOMPARE(commands.at(1).command, QStringLiteral("second"));
+        QCOMPARE(commands.at(2).command, QStringLiteral("first"));
+        QCOMPARE(commands.at(3).command, QStringLiteral("third"));
+    }
+
+    void windows1252TextIsDecoded()
+    {
+        MenuDocument document;
+        QByteArray bytes = menuFile({ QStringLiteral("Caf\u00E9 \u20AC"), QStringLiteral("\u201Cquoted\u201D") },
+                                    { QStringLiteral("0002:txt=echo \u00E9") });
+        QVERIFY(bytes.contains("Caf\xE9 \x80"));
+        QVERIFY(read(bytes, document).ok());
+        QCOMPARE(document.items.at(0).caption, QString::fromUtf16(u"Caf\u00E9 \u20AC"));
+        QCOMPARE(document.items.at(1).caption, QString::fromUtf16(u"\u201Cquoted\u201D"));
+        QCOMPARE(document.items.at(1).commands.at(1).command, QString::fromUtf16(u"echo \u00E9"));
+    }
+
+    void oneItemMenuHasLastIndexZero()
+    {
+        MenuDocument document;
+        QVERIFY(read(menuFile({ QStringLiteral("only") }, {}), document).ok());
+        QCOMPARE(document.lastIndex, qint16(0));
+        QCOMPARE(countTopLevel(document), qint16(1));
+    }
+
+    void notAMenuFileGivesMinusOneAndTheMessage_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("empty file") << QByteArray();
+        QTest::newRow("other text") << QByteArray("[Menu]\r\n");
+        QTest::newRow("letter case") << QByteArray("KELV - menu\r\n[Menu]\r\n");
+        QTest::newRow("trailing blank") << QByteArray("KELV - Menu \r\n[Menu]\r\n");
+        QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBFKELV - Menu\r\n[Menu]\r\n");
+    }
+
+    void notAMenuFileGivesMinusOneAndTheMessage()
+    {
+        QFETCH(QByteArray, bytes);
+        MenuDocument document;
+        const MenuReadResult result = read(bytes, document);
+        QCOMPARE(result.code, MenuReadResult::NotAMenuFile);
+        QCOMPARE(result.reason, QStringLiteral("This is not a valid KELV Menu file !"));
+        QCOMPARE(notMenuFileMessage(), QStringLiteral("This is not a valid KELV Menu file !"));
+    }
+
+    void failuresGiveZeroWithLineAndReason()
+    {
+        const QStringList items { QStringLiteral("a"), QStringLiteral("b") };
+        MenuDocument document;
+        // Item lines are lines 5 and 6; command lines start at line 12.
+        compareFailure(read(menuFile(items, { QStringLiteral("0001 zip notepad") }), document), 12,
+                       QStringLiteral("command line has no \":\""), 5);
+        compareFailure(read(menuFile(items, { QStringLiteral("0001:zip notepad") }), document), 12,
+                       QStringLiteral("command line has no \"=\""), 5);
+        compareFailure(
+            read(menuFile(items, { QStringLiteral("0001:=x"), QStringLiteral("0001=zip:notepad") }), document), 13,
+            QStringLiteral("command line has \"=\" before \":\""), 5);
+        compareFailure(read(menuFile(items, { QStringLiteral("0012:zip=x") }), document), 12,
+                       QStringLiteral("item number 0012 names no item"), 9);
+        compareFailure(read(menuFile(items, { QStringLiteral("0000:zip=x") }), document), 12,
+                       QStringLiteral("item number 0000 names no item"), 9);
+        compareFailure(read(menuFile(items, { QStringLiteral("-1:zip=x") }), document), 12,
+                       QStringLiteral("item number -1 names no item"), 9);
+        compareFailure(read(menuFile(items, { QStringLiteral("abc:zip=x") }), document), 12,
+                       QStringLiteral("item number \"abc\" is not a number"), 13);
+        compareFailure(read(menuFile(items, { QStringLiteral(":zip=x") }), document), 12,
+                       QStringLiteral("item number \"\" is not a number"), 13);
+        compareFailure(read(menuFile(items, { QStringLiteral("99999:zip=x") }), document), 12,
+                       QStringLiteral("item number 99999 is too large"), 6);
+        compareFailure(read(menuFile({}, {}), document), 0, QStringLiteral("holds no item"), 9);
+
+        QByteArray truncated = menuFile(items, { QStringLiteral("0001:zip=x") });
+        truncated.chop(int(qstrlen("[/Commands]\r\n")));
+        compareFailure(read(truncated, document), 0, QStringLiteral("ends before [/Commands]"), 62);
+        compareFailure(read(QByteArray("KELV - Menu\r\n\r\n[Menu]\r\na\r\n"), document), 0,
+                       QStringLiteral("ends before [/Menu]"), 62);
+        compareFailure(read(QByteArray("KELV - Menu\r\n[Menu]\r\na\r\n[/Menu]\r\n"), document), 0,
+                       QStringLiteral("ends before [Commands]"), 62);
+    }
+
+    void largestMenuReadsAndOneItemMoreFailsWithoutACrash()
+    {
+        QStringList itemLines;
+        for (int i = 0; i < 32767; ++i) {
+            itemLines.append(QStringLiteral("Item %1").arg(i));
+        }
+        MenuDocument document;
+        QVERIFY(read(menuFile(itemLines, { QStringLiteral("32767:=last") }), document).ok());
+        QCOMPARE(document.items.size(), qsizetype(32767));
+        QCOMPARE(document.lastIndex, qint16(32766));
+        QCOMPARE(document.items.last().key, QStringLiteral("E32766"));
+        QCOMPARE(document.items.last().siblingOrder, qint16(32767));
+        QCOMPARE(document.items.last().commands.at(1).command, QStringLiteral("last"));
+
+        itemLines.append(QStringLiteral("one too many"));
+        const MenuReadResult result = read(menuFile(itemLines, {}), document);
+        compareFailure(result, 4 + 32768, QStringLiteral("holds more than 32767 items"), 6);
+    }
+
+    void readingAFileLeavesNoHandleOpen()
+    {
+        QTemporaryDir folder;
+        QVERIFY(folder.isValid());
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QStringList broken = exampleLines();
+        broken[13] = QStringLiteral("0002 zip");
+        file.write(menuFileFromLines(broken));
+        file.close();
+
+        const int before = openFileDescriptorCount();
+        MenuDocument document;
+        QCOMPARE(readMenuFile(path, false, document).code, MenuReadResult::Failed);
+        QCOMPARE(openFileDescriptorCount(), before);
+
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(menuFileFromLines(exampleLines()));
+        file.close();
+        QVERIFY(readMenuFile(path, false, document).ok());
+        QCOMPARE(openFileDescriptorCount(), before);
+        QCOMPARE(document.items.size(), qsizetype(4));
+    }
+
+    void missingFileIsAnOtherError()
+    {
+        QTemporaryDir folder;
+        MenuDocument document;
+        const MenuReadResult result = readMenuFile(folder.filePath(QStringLiteral("absent.ini")), false, document);
+        QCOMPARE(result.code, MenuReadResult::Failed);
+        QCOMPARE(result.errorNumber, 53);
+        QVERIFY(result.reason.startsWith(QStringLiteral("cannot be opened")));
+    }
+
+    void bundledExampleMenuReads()
+    {
+        MenuDocument document;
+        const MenuReadResult result
+            = readMenuFile(QStringLiteral(KELV_EXAMPLES_DIR "/archive-tools.ini"), false, document);
+        QVERIFY2(result.ok(), qPrintable(result.reason));
+        QVERIFY(document.items.size() > 5);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMenuFileReader)
+#include "test_menufilereader.moc"

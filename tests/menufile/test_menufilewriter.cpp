@@ -1,0 +1,340 @@
+#include "menufixtures.h"
+
+#include "menufile/menufilereader.h"
+#include "menufile/menufilewriter.h"
+#include "model/menudocument.h"
+#include "model/runtimeerror.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+MenuItem makeItem(const QString& caption, int index, qint16 parent, qint16 siblingOrder, qint16 childCount = 0)
+{
+    MenuItem item;
+    item.caption = caption;
+    item.key = QStringLiteral("E%1").arg(index);
+    item.parent = parent;
+    item.siblingOrder = siblingOrder;
+    item.childCount = childCount;
+    return item;
+}
+
+void addCommand(MenuItem& item, const QString& extension, const QString& command)
+{
+    item.commands.append(Command { extension, command });
+}
+
+/// Archive (Pack with two commands, Unpack linked to Pack) and Delete with one command.
+MenuDocument exampleDocument()
+{
+    MenuDocument document;
+    MenuItem archive = makeItem(QStringLiteral("Archive"), 0, -1, 1, 2);
+    MenuItem pack = makeItem(QStringLiteral("Pack"), 1, 0, 1);
+    addCommand(pack, QStringLiteral("zip"), QStringLiteral("pack.exe a $fs-001$"));
+    addCommand(pack, QStringLiteral("rar"), QStringLiteral("pack.exe r $fs-001$"));
+    MenuItem unpack = makeItem(QStringLiteral("Unpack"), 2, 0, 2);
+    unpack.copiesCommands = true;
+    unpack.copyKey = QStringLiteral("E1");
+    addCommand(unpack, QStringLiteral("own"), QStringLiteral("ignored while the link is on"));
+    MenuItem del = makeItem(QStringLiteral("Delete"), 3, -1, 2);
+    addCommand(del, QString(), QStringLiteral("del $fs-001$"));
+    document.items = { archive, pack, unpack, del };
+    document.lastIndex = 3;
+    return document;
+}
+
+QByteArray exampleBytes()
+{
+    const QString dots = markers(3);
+    return menuFileFromLines({ QStringLiteral("KELV - Menu"),
+                               QString(),
+                               QStringLiteral("[Menu]"),
+                               QString(),
+                               QStringLiteral("Archive"),
+                               dots + QStringLiteral("Pack"),
+                               dots + QStringLiteral("Unpack"),
+                               QStringLiteral("Delete"),
+                               QString(),
+                               QStringLiteral("[/Menu]"),
+                               QString(),
+                               QStringLiteral("[Commands]"),
+                               QString(),
+                               QStringLiteral("0002:zip=pack.exe a $fs-001$"),
+                               QStringLiteral("0002:rar=pack.exe r $fs-001$"),
+                               QStringLiteral("0003:zip=pack.exe a $fs-001$"),
+                               QStringLiteral("0003:rar=pack.exe r $fs-001$"),
+                               QStringLiteral("0004:=del $fs-001$"),
+                               QString(),
+                               QStringLiteral("[/Commands]") });
+}
+
+/// A random menu in tree pre-order, as the reader produces it, without links.
+MenuDocument randomDocument(quint32 seed)
+{
+    QRandomGenerator random(seed);
+    MenuDocument document;
+    const int count = random.bounded(1, 150);
+    QList<qint16> lastAtLevel;
+    QList<qint16> childrenSoFar(count, 0);
+    qint16 topLevelCount = 0;
+    for (int i = 0; i < count; ++i) {
+        const int level = i == 0 ? 0 : random.bounded(0, int(lastAtLevel.size()) + 1);
+        lastAtLevel.resize(level + 1);
+        MenuItem item;
+        item.caption = QStringLiteral("Item %1 \u00E9\u20AC").arg(i);
+        if (random.bounded(10) == 0) {
+            item.caption += QStringLiteral(" : = ||");
+        }
+        item.key = QStringLiteral("E%1").arg(i);
+        item.level = qint16(level);
+        item.parent = level == 0 ? qint16(-1) : lastAtLevel.at(level - 1);
+        item.siblingOrder = item.parent == -1 ? ++topLevelCount : ++childrenSoFar[item.parent];
+        const int commandCount = random.bounded(0, 4);
+        for (int c = 0; c < commandCount; ++c) {
+            item.commands.append(Command { QStringLiteral("ext%1").arg(random.bounded(3)),
+                                           QStringLiteral("run $fs-00%1$ a=b:c").arg(random.bounded(9)) });
+        }
+        document.items.append(item);
+        if (item.parent >= 0) {
+            document.items[item.parent].childCount++;
+        }
+        lastAtLevel[level] = qint16(i);
+    }
+    document.lastIndex = qint16(count - 1);
+    return document;
+}
+
+QByteArray fileContents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+} // namespace
+
+class TestMenuFileWriter : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void writesTheExampleLayoutByteForByte() { QCOMPARE(menuFileBytes(exampleDocument()), exampleBytes()); }
+
+    void canonicalFilesAreReproducedByteForByte()
+    {
+        MenuDocument document;
+        QVERIFY(readMenuBytes(exampleBytes(), false, document).ok());
+        QCOMPARE(menuFileBytes(document), exampleBytes());
+
+        QFile bundled(QStringLiteral(KELV_EXAMPLES_DIR "/archive-tools.ini"));
+        QVERIFY(bundled.open(QIODevice::ReadOnly));
+        const QByteArray bytes = bundled.readAll();
+        QVERIFY(readMenuBytes(bytes, false, document).ok());
+        QCOMPARE(menuFileBytes(document), bytes);
+    }
+
+    void windows1252TextRoundTripsByteForByte()
+    {
+        const QByteArray bytes = menuFileFromLines(
+            { QStringLiteral("KELV - Menu"), QString(), QStringLiteral("[Menu]"), QString(),
+              QStringLiteral("Caf\u00E9 \u20AC \u201Cquoted\u201D"), markers(3) + QStringLiteral("\u00C6\u00F8\u2122"),
+              QString(), QStringLiteral("[/Menu]"), QString(), QStringLiteral("[Commands]"), QString(),
+              QStringLiteral("0002:txt=echo \u201C\u00E9\u201D"), QString(), QStringLiteral("[/Commands]") });
+        QVERIFY(bytes.contains("Caf\xE9 \x80 \x93quoted\x94"));
+        MenuDocument document;
+        QVERIFY(readMenuBytes(bytes, false, document).ok());
+        QCOMPARE(menuFileBytes(document), bytes);
+    }
+
+    void writeThenReadGivesTheSameDocument()
+    {
+        for (quint32 seed = 1; seed <= 200; ++seed) {
+            const MenuDocument original = randomDocument(seed);
+            MenuDocument reread;
+            const MenuReadResult result = readMenuBytes(menuFileBytes(original), false, reread);
+            QVERIFY2(result.ok(), qPrintable(result.reason));
+            QCOMPARE(reread, original);
+        }
+    }
+
+    void linkedItemIsWrittenWithItsTargetsCommandsAndReadsBackAsOwnCopy()
+    {
+        MenuDocument reread;
+        QVERIFY(readMenuBytes(menuFileBytes(exampleDocument()), false, reread).ok());
+        const MenuItem& unpack = reread.items.at(2);
+        QVERIFY(!unpack.copiesCommands);
+        QCOMPARE(unpack.copyKey, QStringLiteral("-1"));
+        QCOMPARE(unpack.commands, reread.items.at(1).commands);
+
+        MenuDocument detected;
+        QVERIFY(readMenuBytes(menuFileBytes(exampleDocument()), true, detected).ok());
+        QVERIFY(detected.items.at(2).copiesCommands);
+        QCOMPARE(detected.items.at(2).copyKey, QStringLiteral("E1"));
+        QVERIFY(!detected.items.at(1).copiesCommands);
+    }
+
+    void treeIsWalkedByParentAndSiblingOrderNotByArrayOrder()
+    {
+        MenuDocument document;
+        // Array order: b2 (child 2 of a), c (top 2), a (top 1), b1 (child 1 of a).
+        document.items = { makeItem(QStringLiteral("b2"), 0, 2, 2), makeItem(QStringLiteral("c"), 1, -1, 2),
+                           makeItem(QStringLiteral("a"), 2, -1, 1, 2), makeItem(QStringLiteral("b1"), 3, 2, 1) };
+        document.items[0].commands.append(Command { QStringLiteral("x"), QStringLiteral("two") });
+        document.items[3].commands.append(Command { QStringLiteral("x"), QStringLiteral("one") });
+        const QByteArray bytes = menuFileBytes(document);
+        const QByteArray dots = Windows1252Codec::encode(markers(3));
+        QVERIFY(bytes.contains("[Menu]\r\n\r\na\r\n" + dots + "b1\r\n" + dots + "b2\r\nc\r\n\r\n[/Menu]"));
+        QVERIFY(bytes.contains("[Commands]\r\n\r\n0002:x=one\r\n0003:x=two\r\n\r\n[/Commands]\r\n"));
+    }
+
+    void itemsSharingASiblingOrderAreAllWrittenInArrayOrder()
+    {
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("top"), 0, -1, 1, 2), makeItem(QStringLiteral("first"), 1, 0, 1),
+                           makeItem(QStringLiteral("second"), 2, 0, 1) };
+        const QByteArray dots = Windows1252Codec::encode(markers(3));
+        QVERIFY(menuFileBytes(document).contains("top\r\n" + dots + "first\r\n" + dots + "second\r\n"));
+    }
+
+    void unreachableItemsAreNotWritten()
+    {
+        MenuDocument document;
+        // "orphan" names a parent outside the array; "ring" is its own parent; "late" has an order
+        // beyond its parent's child count.
+        document.items = { makeItem(QStringLiteral("top"), 0, -1, 1, 1), makeItem(QStringLiteral("child"), 1, 0, 1),
+                           makeItem(QStringLiteral("late"), 2, 0, 2), makeItem(QStringLiteral("orphan"), 3, 9, 1),
+                           makeItem(QStringLiteral("ring"), 4, 4, 1, 1) };
+        const QByteArray bytes = menuFileBytes(document);
+        QVERIFY(bytes.contains("child"));
+        QVERIFY(!bytes.contains("late"));
+        QVERIFY(!bytes.contains("orphan"));
+        QVERIFY(!bytes.contains("ring"));
+    }
+
+    void topLevelItemAfterAGapInTheOrdersIsStillWritten()
+    {
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("one"), 0, -1, 1), makeItem(QStringLiteral("four"), 1, -1, 4),
+                           makeItem(QStringLiteral("two"), 2, -1, 2) };
+        QVERIFY(menuFileBytes(document).contains("[Menu]\r\n\r\none\r\ntwo\r\nfour\r\n\r\n[/Menu]"));
+    }
+
+    void deeperLevelsGetThreeMarkersEach()
+    {
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("a"), 0, -1, 1, 1), makeItem(QStringLiteral("b"), 1, 0, 1, 1),
+                           makeItem(QStringLiteral("c"), 2, 1, 1, 1), makeItem(QStringLiteral("d"), 3, 2, 1) };
+        QVERIFY(menuFileBytes(document).contains("a\r\n\xB7\xB7\xB7"
+                                                 "b\r\n\xB7\xB7\xB7\xB7\xB7\xB7"
+                                                 "c\r\n\xB7\xB7\xB7\xB7\xB7\xB7\xB7\xB7\xB7"
+                                                 "d\r\n"));
+    }
+
+    void menuWithoutCommandsKeepsTheEmptyLines()
+    {
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("only"), 0, -1, 1) };
+        QCOMPARE(menuFileBytes(document),
+                 QByteArray("KELV - Menu\r\n\r\n[Menu]\r\n\r\nonly\r\n\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n\r\n"
+                            "[/Commands]\r\n"));
+    }
+
+    void tenThousandItemsAndMoreWriteFiveDigitNumbersThatReadBack()
+    {
+        MenuDocument document;
+        for (int i = 0; i < 12000; ++i) {
+            MenuItem item = makeItem(QStringLiteral("Item %1").arg(i), i, -1, qint16(i + 1));
+            addCommand(item, QStringLiteral("txt"), QStringLiteral("open %1").arg(i));
+            document.items.append(item);
+        }
+        document.lastIndex = 11999;
+        const QByteArray bytes = menuFileBytes(document);
+        QVERIFY(bytes.contains("\r\n9999:txt=open 9998\r\n10000:txt=open 9999\r\n"));
+        QVERIFY(bytes.contains("\r\n12000:txt=open 11999\r\n"));
+        QVERIFY(bytes.contains("\r\n0001:txt=open 0\r\n"));
+
+        MenuDocument reread;
+        QVERIFY(readMenuBytes(bytes, false, reread).ok());
+        QCOMPARE(reread.items.size(), qsizetype(12000));
+        QCOMPARE(reread.items.at(11999).commands.at(1).command, QStringLiteral("open 11999"));
+        QCOMPARE(reread.items.at(9999).commands.at(1).command, QStringLiteral("open 9999"));
+    }
+
+    void writeMenuFileReplacesTheFile()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        writeFile(path, QByteArray(100000, 'x'));
+        writeMenuFile(exampleDocument(), path);
+        QCOMPARE(fileContents(path), exampleBytes());
+    }
+
+    void failedWriteLeavesThePreviousFileAsItWas()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        const QByteArray previous("previous contents\r\n");
+        writeFile(path, previous);
+
+        // A link naming no item fails while the file is being put together.
+        MenuDocument broken = exampleDocument();
+        broken.items[2].copyKey = QStringLiteral("E99");
+        try {
+            writeMenuFile(broken, path);
+            QFAIL("the broken link was not reported");
+        } catch (const RunTimeError& error) {
+            QCOMPARE(error.number(), 9);
+            QCOMPARE(error.source(), QStringLiteral("writeMenuFile"));
+        }
+        QCOMPARE(fileContents(path), previous);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList { QStringLiteral("menu.ini") });
+    }
+
+    void writeToAMissingFolderOrAFolderIsAnError()
+    {
+        QTemporaryDir folder;
+        try {
+            writeMenuFile(exampleDocument(), folder.filePath(QStringLiteral("absent/menu.ini")));
+            QFAIL("no error for a missing folder");
+        } catch (const RunTimeError& error) {
+            QCOMPARE(error.number(), 76);
+            QCOMPARE(error.report(), QStringLiteral("Error 76 : Path not found (writeMenuFile)"));
+        }
+        QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("sub")));
+        QVERIFY_THROWS_EXCEPTION(RunTimeError,
+                                 writeMenuFile(exampleDocument(), folder.filePath(QStringLiteral("sub"))));
+        QVERIFY(QFileInfo(folder.filePath(QStringLiteral("sub"))).isDir());
+    }
+
+    void writeProtectedFileIsNotReplaced()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        const QByteArray previous("protected\r\n");
+        writeFile(path, previous);
+        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::ReadUser));
+        if (QFileInfo(path).isWritable()) {
+            QSKIP("running with rights that ignore write protection");
+        }
+        try {
+            writeMenuFile(exampleDocument(), path);
+            QFAIL("a write-protected file was replaced");
+        } catch (const RunTimeError& error) {
+            QCOMPARE(error.number(), 75);
+        }
+        QCOMPARE(fileContents(path), previous);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMenuFileWriter)
+#include "test_menufilewriter.moc"
