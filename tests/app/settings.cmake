@@ -1,1 +1,15 @@
 # Tests of the options, recent list, configuration and help.
+kelv_add_test(test_ansitextfile SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_ansitextfile.cpp)
+kelv_add_test(test_programfolder SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_programfolder.cpp)
+kelv_add_test(test_optionsstore SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_optionsstore.cpp)
+kelv_add_test(test_recentfilelist SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_recentfilelist.cpp)
+kelv_add_test(test_languageconfig SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_languageconfig.cpp)
+
+kelv_add_test(test_aboutinfo SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_aboutinfo.cpp)
+# The expected texts come from the same build settings as the program's own.
+target_compile_definitions(test_aboutinfo PRIVATE
+    KELV_EXPECTED_VERSION="${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}"
+    KELV_EXPECTED_AUTHOR="${KELV_AUTHOR}"
+    KELV_EXPECTED_CONTACT_EMAIL="${KELV_CONTACT_EMAIL}"
+    KELV_EXPECTED_FORUM_URL="${KELV_FORUM_URL}"
+    KELV_EXPECTED_WEB_URL="${KELV_WEB_URL}")
