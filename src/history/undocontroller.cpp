@@ -1,0 +1,48 @@
+#include "undocontroller.h"
+
+#include "editingoperation.h"
+#include "historyhost.h"
+#include "model/documentlist.h"
+#include "model/runtimeerror.h"
+#include "undoerrorreport.h"
+#include "undomanager.h"
+
+UndoController::UndoController(DocumentList& documents, UndoManager& undoManager, UndoErrorReport& report,
+                               HistoryHost& host)
+    : m_documents(documents)
+    , m_undoManager(undoManager)
+    , m_report(report)
+    , m_host(host)
+{
+}
+
+void UndoController::mnuUndo_Click()
+{
+    step(Direction::Undo);
+}
+
+void UndoController::mnuRedo_Click()
+{
+    step(Direction::Redo);
+}
+
+void UndoController::step(Direction direction)
+{
+    const qint16 index = m_host.activeDocumentIndex();
+    if (index == 0) {
+        m_report.show(RunTimeError::noError());
+        return;
+    }
+    runEditingOperation(m_report, [this, index, direction] {
+        // The tree generation combines the hideMode from before the step with the restored one:
+        // 0 and 3 are kept, 1 and 2 are added to it.
+        const qint32 hideMode = m_documents.document(index).hideMode;
+        if (direction == Direction::Undo) {
+            m_undoManager.undoDocument(index);
+        } else {
+            m_undoManager.redoDocument(index);
+        }
+        m_host.regenerateTree(index, hideMode);
+        m_host.showItemCount(int(m_documents.document(index).items.size()));
+    });
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QtGlobal>
+
+class DocumentList;
+class HistoryHost;
+class UndoErrorReport;
+class UndoManager;
+
+/// What the main window's Undo and Redo entries do on the active document: restore the state,
+/// rebuild the editor window's tree and show the item count.
+class UndoController final
+{
+public:
+    UndoController(DocumentList& documents, UndoManager& undoManager, UndoErrorReport& report, HistoryHost& host);
+
+    UndoController(const UndoController&) = delete;
+    UndoController& operator=(const UndoController&) = delete;
+
+    /// Undo of the active document. With no active editor window it goes straight to the error
+    /// report; a failure on the way is reported there too.
+    void mnuUndo_Click();
+    /// Redo of the active document, the same way.
+    void mnuRedo_Click();
+
+private:
+    enum class Direction { Undo, Redo };
+
+    void step(Direction direction);
+
+    DocumentList& m_documents;
+    UndoManager& m_undoManager;
+    UndoErrorReport& m_report;
+    HistoryHost& m_host;
+};

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+class RunTimeError;
+class UserPrompts;
+
+/// The error report of editing operations: tells the user what failed and undoes the action. An
+/// error that arises while that undo runs only gets a plea to contact the developer, so a broken
+/// undo can never loop.
+class UndoErrorReport final
+{
+public:
+    /// `undoAction` is the main window's Undo (mnuUndo_Click); `contactLines` are the maker's
+    /// e-mail and forum lines, each indented by four spaces, joined by CR LF.
+    UndoErrorReport(UserPrompts& prompts, std::function<void()> undoAction, QString contactLines);
+
+    UndoErrorReport(const UndoErrorReport&) = delete;
+    UndoErrorReport& operator=(const UndoErrorReport&) = delete;
+
+    /// Reports `error` ("Error " + number + " : " + description + " (" + source + ")" and "This error
+    /// will undo your action") and then undoes the active document. While that undo runs, a second
+    /// report shows only "An error occured while undoing your last action !" and undoes nothing.
+    void show(const RunTimeError& error);
+
+    /// True while the undo of a report runs (UndoErrorActive).
+    bool isActive() const { return m_undoErrorActive; }
+
+    /// The text of the first message for `error`.
+    static QString errorText(const RunTimeError& error);
+    /// The text of the message shown when the undo of a report fails.
+    QString undoFailedText() const;
+
+private:
+    void showCritical(const QString& text);
+
+    UserPrompts& m_prompts;
+    std::function<void()> m_undoAction;
+    QString m_contactLines;
+    bool m_undoErrorActive = false;
+};
