@@ -1,0 +1,16 @@
+#pragma once
+
+/// What kelvmenu returns to the shell. Scripts test these numbers, so they never change meaning.
+namespace ExitCode {
+constexpr int Success = 0;
+/// `check` found at least one file that the editor would refuse to open.
+constexpr int InvalidFile = 1;
+/// Unknown subcommand or option, missing or surplus file name.
+constexpr int UsageError = 2;
+/// The file does not start with the magic line of a menu file.
+constexpr int NotAMenuFile = 3;
+/// Any other failure to read: the file cannot be opened or its sections are broken.
+constexpr int ReadError = 4;
+/// The formatted menu file could not be written; the old file is left as it was.
+constexpr int WriteError = 5;
+} // namespace ExitCode

@@ -1,0 +1,266 @@
+#include "kelvmenutool.h"
+
+#include "exitcode.h"
+#include "menufile/menufilereader.h"
+#include "menufile/menufilewriter.h"
+#include "menujson.h"
+#include "menutreelisting.h"
+#include "model/errortable.h"
+#include "model/menudocument.h"
+#include "model/runtimeerror.h"
+#include "usagetext.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QIODevice>
+
+namespace {
+
+QCommandLineOption helpOption()
+{
+    return QCommandLineOption(QStringList { QStringLiteral("h"), QStringLiteral("help") });
+}
+
+QCommandLineOption detectLinksOption()
+{
+    return QCommandLineOption(QStringLiteral("detect-links"));
+}
+
+QCommandLineOption outputOption()
+{
+    return QCommandLineOption(QStringList { QStringLiteral("o"), QStringLiteral("output") }, QString(),
+                              QStringLiteral("OUT"));
+}
+
+/// QCommandLineParser wants the program name first; the subcommand stands in for it.
+QStringList parserArguments(const QString& command, const QStringList& arguments)
+{
+    return QStringList { QStringLiteral("kelvmenu ") + command } + arguments;
+}
+
+} // namespace
+
+KelvMenuTool::KelvMenuTool(QIODevice& out, QIODevice& err)
+    : m_out(out)
+    , m_err(err)
+{
+}
+
+int KelvMenuTool::run(const QStringList& arguments)
+{
+    if (arguments.isEmpty()) {
+        printError(UsageText::general());
+        return ExitCode::UsageError;
+    }
+    const QString command = arguments.first();
+    const QStringList rest = arguments.mid(1);
+    if (command == QLatin1String("--help") || command == QLatin1String("-h")) {
+        if (!rest.isEmpty()) {
+            return usageError(QString(), QStringLiteral("--help takes no arguments"));
+        }
+        print(UsageText::general());
+        return ExitCode::Success;
+    }
+    if (command == QLatin1String("dump")) {
+        return runDump(rest);
+    }
+    if (command == QLatin1String("format")) {
+        return runFormat(rest);
+    }
+    if (command == QLatin1String("check")) {
+        return runCheck(rest);
+    }
+    if (command == QLatin1String("tree")) {
+        return runTree(rest);
+    }
+    if (command.startsWith(QLatin1Char('-'))) {
+        return usageError(QString(), QStringLiteral("unknown option '%1'").arg(command));
+    }
+    return usageError(QString(), QStringLiteral("unknown command '%1'").arg(command));
+}
+
+int KelvMenuTool::runDump(const QStringList& arguments)
+{
+    const QString command = QStringLiteral("dump");
+    QCommandLineParser parser;
+    parser.addOption(helpOption());
+    parser.addOption(detectLinksOption());
+    if (!parser.parse(parserArguments(command, arguments))) {
+        return usageError(command, parser.errorText());
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        print(UsageText::dump());
+        return ExitCode::Success;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 1) {
+        return usageError(command,
+                          files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+    }
+
+    MenuDocument document;
+    const int readCode = readOrReport(files.first(), parser.isSet(QStringLiteral("detect-links")), document);
+    if (readCode != ExitCode::Success) {
+        return readCode;
+    }
+    m_out.write(menuDocumentJson(document));
+    return ExitCode::Success;
+}
+
+int KelvMenuTool::runFormat(const QStringList& arguments)
+{
+    const QString command = QStringLiteral("format");
+    QCommandLineParser parser;
+    parser.addOption(helpOption());
+    parser.addOption(detectLinksOption());
+    parser.addOption(outputOption());
+    if (!parser.parse(parserArguments(command, arguments))) {
+        return usageError(command, parser.errorText());
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        print(UsageText::format());
+        return ExitCode::Success;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 1) {
+        return usageError(command,
+                          files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+    }
+    const QString outputPath
+        = parser.isSet(QStringLiteral("output")) ? parser.value(QStringLiteral("output")) : files.first();
+    if (outputPath.isEmpty()) {
+        return usageError(command, QStringLiteral("empty file name after -o"));
+    }
+
+    MenuDocument document;
+    const int readCode = readOrReport(files.first(), parser.isSet(QStringLiteral("detect-links")), document);
+    if (readCode != ExitCode::Success) {
+        return readCode;
+    }
+    try {
+        writeMenuFile(document, outputPath);
+    } catch (const RunTimeError& error) {
+        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
+        return ExitCode::WriteError;
+    }
+    return ExitCode::Success;
+}
+
+int KelvMenuTool::runCheck(const QStringList& arguments)
+{
+    const QString command = QStringLiteral("check");
+    QCommandLineParser parser;
+    parser.addOption(helpOption());
+    if (!parser.parse(parserArguments(command, arguments))) {
+        return usageError(command, parser.errorText());
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        print(UsageText::check());
+        return ExitCode::Success;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.isEmpty()) {
+        return usageError(command, QStringLiteral("missing FILE"));
+    }
+
+    bool anyInvalid = false;
+    for (const QString& path : files) {
+        // Without link detection, so that the command count is what the file itself stores.
+        MenuDocument document;
+        const MenuReadResult result = readMenu(path, false, document);
+        if (!result.ok()) {
+            printError(failureText(path, result) + QLatin1Char('\n'));
+            anyInvalid = true;
+            continue;
+        }
+        qsizetype commandCount = 0;
+        for (const MenuItem& item : document.items) {
+            commandCount += item.commandUpperBound();
+        }
+        // One multi-argument arg(), so that a "%" in a file name is never taken for a placeholder.
+        print(QStringLiteral("%1: ok (%2 items, %3 commands)\n")
+                  .arg(path, QString::number(document.items.size()), QString::number(commandCount)));
+    }
+    return anyInvalid ? ExitCode::InvalidFile : ExitCode::Success;
+}
+
+int KelvMenuTool::runTree(const QStringList& arguments)
+{
+    const QString command = QStringLiteral("tree");
+    QCommandLineParser parser;
+    parser.addOption(helpOption());
+    if (!parser.parse(parserArguments(command, arguments))) {
+        return usageError(command, parser.errorText());
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        print(UsageText::tree());
+        return ExitCode::Success;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 1) {
+        return usageError(command,
+                          files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+    }
+
+    // With detection, so that the listing shows the links the editor would show.
+    MenuDocument document;
+    const int readCode = readOrReport(files.first(), true, document);
+    if (readCode != ExitCode::Success) {
+        return readCode;
+    }
+    print(menuTreeListing(document));
+    return ExitCode::Success;
+}
+
+int KelvMenuTool::readOrReport(const QString& path, bool detectLinks, MenuDocument& document)
+{
+    const MenuReadResult result = readMenu(path, detectLinks, document);
+    if (result.ok()) {
+        return ExitCode::Success;
+    }
+    printError(failureText(path, result) + QLatin1Char('\n'));
+    return result.code == MenuReadResult::NotAMenuFile ? ExitCode::NotAMenuFile : ExitCode::ReadError;
+}
+
+QString KelvMenuTool::failureText(const QString& path, const MenuReadResult& result)
+{
+    if (result.code == MenuReadResult::NotAMenuFile) {
+        return QStringLiteral("%1:1: %2").arg(path, notMenuFileMessage());
+    }
+    const QString reason = result.reason.isEmpty() ? errorDescription(result.errorNumber) : result.reason;
+    if (result.line > 0) {
+        return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
+    }
+    return QStringLiteral("%1: %2").arg(path, reason);
+}
+
+MenuReadResult KelvMenuTool::readMenu(const QString& path, bool detectLinks, MenuDocument& document)
+{
+    try {
+        return readMenuFile(path, detectLinks, document);
+    } catch (const RunTimeError& error) {
+        MenuReadResult result;
+        result.code = MenuReadResult::Failed;
+        result.reason = error.description();
+        result.errorNumber = error.number();
+        return result;
+    }
+}
+
+int KelvMenuTool::usageError(const QString& command, const QString& message)
+{
+    const QString helpCommand
+        = command.isEmpty() ? QStringLiteral("kelvmenu --help") : QStringLiteral("kelvmenu %1 --help").arg(command);
+    printError(QStringLiteral("kelvmenu: %1\nRun \"%2\" for usage.\n").arg(message, helpCommand));
+    return ExitCode::UsageError;
+}
+
+void KelvMenuTool::print(const QString& text)
+{
+    m_out.write(text.toUtf8());
+}
+
+void KelvMenuTool::printError(const QString& text)
+{
+    m_err.write(text.toUtf8());
+}

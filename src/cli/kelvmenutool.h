@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class QIODevice;
+struct MenuDocument;
+struct MenuReadResult;
+
+/// The kelvmenu program without its process: runs one command line against menu files and says
+/// what to exit with. Results go to `out`, messages and usage errors to `err`, both as UTF-8.
+class KelvMenuTool final
+{
+public:
+    KelvMenuTool(QIODevice& out, QIODevice& err);
+
+    /// `arguments` is the command line without the program name. Returns an ExitCode.
+    int run(const QStringList& arguments);
+
+private:
+    int runDump(const QStringList& arguments);
+    int runFormat(const QStringList& arguments);
+    int runCheck(const QStringList& arguments);
+    int runTree(const QStringList& arguments);
+
+    /// Reads `path` as the editor opens it; on failure reports it on `err` and returns the exit code
+    /// for it, on success returns ExitCode::Success.
+    int readOrReport(const QString& path, bool detectLinks, MenuDocument& document);
+    /// `FILE:LINE: reason` or `FILE: reason` for a file the reader refused.
+    static QString failureText(const QString& path, const MenuReadResult& result);
+    /// Reads like the editor, but a run-time error escaping the reader becomes a failed read.
+    static MenuReadResult readMenu(const QString& path, bool detectLinks, MenuDocument& document);
+
+    int usageError(const QString& command, const QString& message);
+    void print(const QString& text);
+    void printError(const QString& text);
+
+    QIODevice& m_out;
+    QIODevice& m_err;
+};

@@ -1,0 +1,27 @@
+#include "exitcode.h"
+#include "kelvmenutool.h"
+
+#include <QFile>
+#include <QStringList>
+
+#include <cstdio>
+
+// No QCoreApplication: it would take Qt's own options out of the command line, and kelvmenu must
+// refuse every option it does not know.
+int main(int argc, char* argv[])
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(QFile::decodeName(argv[i]));
+    }
+
+    QFile out;
+    QFile err;
+    if (!out.open(stdout, QIODevice::WriteOnly) || !err.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        return ExitCode::WriteError;
+    }
+    KelvMenuTool tool(out, err);
+    const int exitCode = tool.run(arguments);
+    out.flush();
+    return exitCode;
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringView>
+
+struct MenuDocument;
+
+/// The document as one JSON object in UTF-8, for scripts: lastIndex, then every item in array
+/// order with its fields in a fixed order (key, caption, level, parent, childCount, siblingOrder,
+/// copyKey, copiesCommands, commands). Commands leave out the placeholder slot 0.
+QByteArray menuDocumentJson(const MenuDocument& document);
+
+/// `text` as a JSON string literal, quotes included.
+QString jsonStringLiteral(QStringView text);

@@ -1,0 +1,134 @@
+#include "usagetext.h"
+
+namespace {
+
+QString exitCodes()
+{
+    return QStringLiteral("Exit codes:\n"
+                          "  0  success\n"
+                          "  1  check found an invalid file\n"
+                          "  2  usage error: unknown command or option, missing or surplus file name\n"
+                          "  3  the file is not a menu file (its first line is not \"KELV - Menu\")\n"
+                          "  4  any other read error, including a file that cannot be opened\n"
+                          "  5  the menu file could not be written (an existing file is left untouched)\n");
+}
+
+} // namespace
+
+namespace UsageText {
+
+QString general()
+{
+    return QStringLiteral(
+               "Usage: kelvmenu COMMAND [OPTIONS] FILE...\n"
+               "\n"
+               "Reads, checks and rewrites the .ini menu files of the KELV context menu exactly as the\n"
+               "KELV Menu Editor does.\n"
+               "\n"
+               "Commands:\n"
+               "  dump [--detect-links] FILE            print the items as one JSON object (UTF-8)\n"
+               "  format [--detect-links] FILE [-o OUT] rewrite FILE in the editor's layout, in place or to OUT\n"
+               "  check FILE...                         tell for each file whether the editor can open it\n"
+               "  tree FILE                             print the item tree with keys, command counts and links\n"
+               "\n"
+               "Run \"kelvmenu COMMAND --help\" for the details of one command.\n"
+               "\n")
+        + exitCodes();
+}
+
+QString dump()
+{
+    return QStringLiteral(
+               "Usage: kelvmenu dump [--detect-links] FILE\n"
+               "\n"
+               "Reads the menu file FILE and prints its items as one JSON object in UTF-8:\n"
+               "  {\"lastIndex\": N, \"items\": [{\"key\": \"E0\", \"caption\": \"...\", \"level\": 0, \"parent\": "
+               "-1,\n"
+               "    \"childCount\": 2, \"siblingOrder\": 1, \"copyKey\": \"-1\", \"copiesCommands\": false,\n"
+               "    \"commands\": [{\"extension\": \"zip\", \"command\": \"...\"}]}, ...]}\n"
+               "Items come in the order of the file's item lines, one per line, their fields always in this\n"
+               "order; item i has the key \"E\" followed by i, and parent is an index into the items array\n"
+               "(-1 for a top-level item).\n"
+               "\n"
+               "Options:\n"
+               "  --detect-links  turn every item whose commands equal those of an earlier item into a\n"
+               "                  copy-command link to it (copiesCommands true, copyKey its key), as the\n"
+               "                  editor does when its CheckCopyCommand option is on\n"
+               "  -h, --help      show this help\n"
+               "\n"
+               "Example:\n"
+               "  kelvmenu dump --detect-links menu.ini > menu.json\n"
+               "\n")
+        + exitCodes();
+}
+
+QString format()
+{
+    return QStringLiteral("Usage: kelvmenu format [--detect-links] FILE [-o OUT]\n"
+                          "\n"
+                          "Reads the menu file FILE and writes it back in the one layout the editor saves:\n"
+                          "Windows-1252 text, CR LF line ends, fixed blank lines, upper-case section tags, three\n"
+                          "middle dots per level and item numbers of at least four digits. Without -o, FILE is\n"
+                          "replaced; the new file takes the place of the old one only once it is complete.\n"
+                          "\n"
+                          "Options:\n"
+                          "  -o, --output OUT  write to OUT instead of replacing FILE\n"
+                          "  --detect-links    run the editor's copy-command link detection before writing; links\n"
+                          "                    are written as their target's commands, so the file reads the same\n"
+                          "  -h, --help        show this help\n"
+                          "\n"
+                          "Examples:\n"
+                          "  kelvmenu format menu.ini\n"
+                          "  kelvmenu format menu.ini -o clean.ini\n"
+                          "\n")
+        + exitCodes();
+}
+
+QString check()
+{
+    return QStringLiteral("Usage: kelvmenu check FILE...\n"
+                          "\n"
+                          "Reads every FILE as the editor does and reports on each, going on after a failure.\n"
+                          "A valid file gives a line on standard output:\n"
+                          "  FILE: ok (N items, M commands)\n"
+                          "where M counts the command lines stored in the file. An invalid file gives a line on\n"
+                          "standard error, with the line of the file where reading stopped when there is one:\n"
+                          "  FILE:LINE: reason     e.g. menu.ini:14: command line has no \"=\"\n"
+                          "  FILE: reason          e.g. menu.ini: ends before [/Commands]\n"
+                          "A file that is not a menu file is reported as\n"
+                          "  FILE:1: This is not a valid KELV Menu file !\n"
+                          "\n"
+                          "Options:\n"
+                          "  -h, --help  show this help\n"
+                          "\n"
+                          "Example:\n"
+                          "  kelvmenu check menus/*.ini\n"
+                          "\n"
+                          "Exit codes: 0 when every file is valid, 1 when any file is invalid or cannot be read,\n"
+                          "2 for a usage error.\n");
+}
+
+QString tree()
+{
+    return QStringLiteral(
+               "Usage: kelvmenu tree FILE\n"
+               "\n"
+               "Reads the menu file FILE with copy-command link detection on (as the editor does when its\n"
+               "CheckCopyCommand option is on) and prints the item tree, one item a line in the order of\n"
+               "the file, indented by two spaces per level:\n"
+               "  CAPTION  [KEY]  N commands\n"
+               "  CAPTION  [KEY]  N commands -> TARGET\n"
+               "N is the number of commands the item runs; \"-> TARGET\" marks a copy-command link and names\n"
+               "the key of the item whose commands it reuses. For example:\n"
+               "  Archive  [E0]  0 commands\n"
+               "    Pack  [E1]  2 commands\n"
+               "    Unpack  [E2]  2 commands -> E1\n"
+               "  Delete  [E3]  1 command\n"
+               "\n"
+               "Options:\n"
+               "  -h, --help  show this help\n"
+               "\n")
+        + exitCodes();
+}
+
+} // namespace UsageText
