@@ -1,5 +1,6 @@
 #include "undoerrorreport.h"
 
+#include "app/aboutinfo.h"
 #include "app/userprompts.h"
 #include "model/runtimeerror.h"
 
@@ -12,10 +13,9 @@ const QLatin1String lineBreak("\r\n");
 
 } // namespace
 
-UndoErrorReport::UndoErrorReport(UserPrompts& prompts, std::function<void()> undoAction, QString contactLines)
+UndoErrorReport::UndoErrorReport(UserPrompts& prompts, std::function<void()> undoAction)
     : m_prompts(prompts)
     , m_undoAction(std::move(undoAction))
-    , m_contactLines(std::move(contactLines))
 {
 }
 
@@ -44,10 +44,10 @@ QString UndoErrorReport::errorText(const RunTimeError& error)
     return error.report() + lineBreak + QStringLiteral("This error will undo your action");
 }
 
-QString UndoErrorReport::undoFailedText() const
+QString UndoErrorReport::undoFailedText()
 {
     return QStringLiteral("An error occured while undoing your last action !") + lineBreak
-        + QStringLiteral("Contact the developer for further information :") + lineBreak + m_contactLines;
+        + QStringLiteral("Contact the developer for further information :") + lineBreak + contactLines();
 }
 
 void UndoErrorReport::showCritical(const QString& text)

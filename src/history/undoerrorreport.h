@@ -13,9 +13,8 @@ class UserPrompts;
 class UndoErrorReport final
 {
 public:
-    /// `undoAction` is the main window's Undo (mnuUndo_Click); `contactLines` are the maker's
-    /// e-mail and forum lines, each indented by four spaces, joined by CR LF.
-    UndoErrorReport(UserPrompts& prompts, std::function<void()> undoAction, QString contactLines);
+    /// `undoAction` is the main window's Undo (mnuUndo_Click).
+    UndoErrorReport(UserPrompts& prompts, std::function<void()> undoAction);
 
     UndoErrorReport(const UndoErrorReport&) = delete;
     UndoErrorReport& operator=(const UndoErrorReport&) = delete;
@@ -31,13 +30,12 @@ public:
     /// The text of the first message for `error`.
     static QString errorText(const RunTimeError& error);
     /// The text of the message shown when the undo of a report fails.
-    QString undoFailedText() const;
+    static QString undoFailedText();
 
 private:
     void showCritical(const QString& text);
 
     UserPrompts& m_prompts;
     std::function<void()> m_undoAction;
-    QString m_contactLines;
     bool m_undoErrorActive = false;
 };

@@ -19,19 +19,13 @@ class HistoryFixture
 public:
     explicit HistoryFixture(const QString& autosaveFolder)
         : undoManager(documents, histories, autosaveFolder, menu)
-        , report(
-              prompts, [this] { controller.mnuUndo_Click(); }, contactLines())
+        , report(prompts, [this] { controller.mnuUndo_Click(); })
         , controller(documents, undoManager, report, host)
     {
     }
 
     HistoryFixture(const HistoryFixture&) = delete;
     HistoryFixture& operator=(const HistoryFixture&) = delete;
-
-    static QString contactLines()
-    {
-        return QStringLiteral("    maker@example.org\r\n    https://forum.example.org/kelv");
-    }
 
     /// Opens a document of `itemCount` top-level items, as the main window does after reading a file:
     /// one slot in each list, saved, with a path. Items with an odd index get a command.

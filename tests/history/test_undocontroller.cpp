@@ -1,5 +1,6 @@
 #include "historyfixture.h"
 
+#include "app/aboutinfo.h"
 #include "history/editingoperation.h"
 #include "model/int16.h"
 
@@ -143,7 +144,7 @@ private Q_SLOTS:
         QCOMPARE(h.prompts.messages.at(1),
                  critical(QStringLiteral("An error occured while undoing your last action !\r\n"
                                          "Contact the developer for further information :\r\n")
-                          + HistoryFixture::contactLines()));
+                          + contactLines()));
         QVERIFY(!h.report.isActive());
         QCOMPARE(h.document(index), before);
         QVERIFY(h.host.regenerations.isEmpty());

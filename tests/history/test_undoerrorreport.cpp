@@ -1,5 +1,6 @@
 #include "recordingprompts.h"
 
+#include "app/aboutinfo.h"
 #include "history/undoerrorreport.h"
 #include "model/errortable.h"
 #include "model/runtimeerror.h"
@@ -9,8 +10,6 @@
 #include <stdexcept>
 
 namespace {
-
-const QString contact = QStringLiteral("    maker@example.org\r\n    https://forum.example.org/kelv");
 
 MessageRequest critical(const QString& text)
 {
@@ -24,9 +23,8 @@ MessageRequest critical(const QString& text)
 QString undoFailed()
 {
     return QStringLiteral("An error occured while undoing your last action !\r\n"
-                          "Contact the developer for further information :\r\n"
-                          "    maker@example.org\r\n"
-                          "    https://forum.example.org/kelv");
+                          "Contact the developer for further information :\r\n")
+        + contactLines();
 }
 
 /// Stands for the main window's Undo: counts the calls, notes whether the report's guard was up and
@@ -67,8 +65,7 @@ private Q_SLOTS:
         UndoProbe probe;
         prompts.onMessage
             = [target = &probe](const MessageRequest&) { target->events.append(QStringLiteral("message")); };
-        UndoErrorReport report(
-            prompts, [target = &probe] { target->undo(); }, contact);
+        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
         probe.report = &report;
 
         report.show(RunTimeError(ErrorNumber::Overflow, QStringLiteral("newItem")));
@@ -86,8 +83,7 @@ private Q_SLOTS:
     {
         RecordingPrompts prompts;
         UndoProbe probe;
-        UndoErrorReport report(
-            prompts, [target = &probe] { target->undo(); }, contact);
+        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
         probe.report = &report;
         report.show(RunTimeError::noError());
         QCOMPARE(prompts.messages.size(), 1);
@@ -101,8 +97,7 @@ private Q_SLOTS:
         RecordingPrompts prompts;
         UndoProbe probe;
         probe.failure = UndoProbe::Failure::ReportedThroughTheReport;
-        UndoErrorReport report(
-            prompts, [target = &probe] { target->undo(); }, contact);
+        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
         probe.report = &report;
 
         report.show(RunTimeError(ErrorNumber::PathNotFound, QStringLiteral("writeMenuFile")));
@@ -129,8 +124,7 @@ private Q_SLOTS:
         RecordingPrompts prompts;
         UndoProbe probe;
         probe.failure = UndoProbe::Failure::Escaping;
-        UndoErrorReport report(
-            prompts, [target = &probe] { target->undo(); }, contact);
+        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
         probe.report = &report;
         report.show(RunTimeError(ErrorNumber::Overflow, QStringLiteral("drop")));
         QCOMPARE(probe.undos, 1);
@@ -141,11 +135,14 @@ private Q_SLOTS:
 
     void theTextsAreTheProgramsOwn()
     {
-        RecordingPrompts prompts;
-        const UndoErrorReport report(prompts, nullptr, contact);
         QCOMPARE(UndoErrorReport::errorText(RunTimeError(ErrorNumber::OutOfMemory, QStringLiteral("KELVEditor"))),
                  QStringLiteral("Error 7 : Out of memory (KELVEditor)\r\nThis error will undo your action"));
-        QCOMPARE(report.undoFailedText(), undoFailed());
+        QCOMPARE(UndoErrorReport::undoFailedText(), undoFailed());
+        // The maker's e-mail and forum close the message, each on its own indented line.
+        const QStringList lines = UndoErrorReport::undoFailedText().split(QStringLiteral("\r\n"));
+        QCOMPARE(lines.size(), 4);
+        QVERIFY(lines.at(2).startsWith(QStringLiteral("    ")));
+        QVERIFY(lines.at(3).startsWith(QStringLiteral("    ")));
     }
 };
 
