@@ -13,3 +13,13 @@ target_compile_definitions(test_aboutinfo PRIVATE
     KELV_EXPECTED_CONTACT_EMAIL="${KELV_CONTACT_EMAIL}"
     KELV_EXPECTED_FORUM_URL="${KELV_FORUM_URL}"
     KELV_EXPECTED_WEB_URL="${KELV_WEB_URL}")
+
+# The options dialog and the help launcher belong to the widget library; their tests build them
+# directly so that they do not wait for the rest of the windows.
+kelv_add_test(test_optionsdialog
+    SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_optionsdialog.cpp
+            ${PROJECT_SOURCE_DIR}/src/app/optionsdialog.cpp ${PROJECT_SOURCE_DIR}/src/app/optionsdialog.h
+    LIBRARIES Qt6::Widgets)
+kelv_add_test(test_helplauncher
+    SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_helplauncher.cpp ${CMAKE_CURRENT_LIST_DIR}/recordedprompts.h
+            ${PROJECT_SOURCE_DIR}/src/app/helplauncher.cpp ${PROJECT_SOURCE_DIR}/src/app/helplauncher.h)

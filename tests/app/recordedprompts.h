@@ -1,0 +1,20 @@
+#pragma once
+
+#include "app/userprompts.h"
+
+#include <QList>
+
+/// Answers every message box with Ok and keeps what the user would have seen.
+class RecordedPrompts final : public UserPrompts
+{
+public:
+    Answer showMessage(const MessageRequest& request) override
+    {
+        messages.append(request);
+        return Answer::Ok;
+    }
+    QString askOpenFileName(const QString&, const QString&) override { return {}; }
+    QString askSaveFileName(const QString&, const QString&) override { return {}; }
+
+    QList<MessageRequest> messages;
+};
