@@ -4,6 +4,8 @@ kelv_add_test(test_programfolder SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_programf
 kelv_add_test(test_optionsstore SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_optionsstore.cpp)
 kelv_add_test(test_recentfilelist SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_recentfilelist.cpp)
 kelv_add_test(test_languageconfig SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_languageconfig.cpp)
+# Where Config.ini and languages/ are kept in the sources, to check the files that are shipped.
+target_compile_definitions(test_languageconfig PRIVATE KELV_RUNTIME_FILES_DIR="${PROJECT_SOURCE_DIR}")
 
 kelv_add_test(test_aboutinfo SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_aboutinfo.cpp)
 # The expected texts come from the same build settings as the program's own.

@@ -130,6 +130,27 @@ private Q_SLOTS:
         QCOMPARE(config.helpFilePath(), QDir(m_folder->path()).filePath(QStringLiteral("Help/en.chm")));
     }
 
+    void shippedFilesSelectEnglish()
+    {
+        // Config.ini and the languages folder as they are installed beside the program.
+        const QDir shipped(QStringLiteral(KELV_RUNTIME_FILES_DIR));
+        QVERIFY(QFile::copy(shipped.filePath(QStringLiteral("Config.ini")),
+                            QDir(m_folder->path()).filePath(QStringLiteral("Config.ini"))));
+        const QStringList languageFiles
+            = QDir(shipped.filePath(QStringLiteral("languages"))).entryList(QDir::Files, QDir::Name);
+        QVERIFY(!languageFiles.isEmpty());
+        for (const QString& name : languageFiles) {
+            QVERIFY(QFile::copy(shipped.filePath(QStringLiteral("languages/") + name),
+                                QDir(m_folder->path()).filePath(QStringLiteral("languages/") + name)));
+        }
+        QVERIFY(writeFile(QStringLiteral("Help/en.chm"), "ITSF"));
+        const LanguageConfig config(m_folder->path());
+        QCOMPARE(config.readConfiguredLanguage(), qint16(1));
+        QCOMPARE(config.readLanguageTable(), (QList<LanguageRecord> { LanguageRecord { 1, QStringLiteral("en") } }));
+        QCOMPARE(config.currentLanguageCode(), QStringLiteral("en"));
+        QCOMPARE(config.helpFilePath(), QDir(m_folder->path()).filePath(QStringLiteral("Help/en.chm")));
+    }
+
 private:
     bool writeFile(const QString& relativePath, const QByteArray& bytes)
     {
