@@ -64,23 +64,25 @@ QString dump()
 
 QString format()
 {
-    return QStringLiteral("Usage: kelvmenu format [--detect-links] FILE [-o OUT]\n"
-                          "\n"
-                          "Reads the menu file FILE and writes it back in the one layout the editor saves:\n"
-                          "Windows-1252 text, CR LF line ends, fixed blank lines, upper-case section tags, three\n"
-                          "middle dots per level and item numbers of at least four digits. Without -o, FILE is\n"
-                          "replaced; the new file takes the place of the old one only once it is complete.\n"
-                          "\n"
-                          "Options:\n"
-                          "  -o, --output OUT  write to OUT instead of replacing FILE\n"
-                          "  --detect-links    run the editor's copy-command link detection before writing; links\n"
-                          "                    are written as their target's commands, so the file reads the same\n"
-                          "  -h, --help        show this help\n"
-                          "\n"
-                          "Examples:\n"
-                          "  kelvmenu format menu.ini\n"
-                          "  kelvmenu format menu.ini -o clean.ini\n"
-                          "\n")
+    return QStringLiteral(
+               "Usage: kelvmenu format [--detect-links] FILE [-o OUT]\n"
+               "\n"
+               "Reads the menu file FILE and writes it back in the one layout the editor saves:\n"
+               "Windows-1252 text, CR LF line ends, fixed blank lines, the tags [Menu], [/Menu], [Commands]\n"
+               "and [/Commands] as written here, three middle dots per level and item numbers of at least\n"
+               "four digits. Without -o, FILE is replaced; the new file takes the place of the old one only\n"
+               "once it is complete.\n"
+               "\n"
+               "Options:\n"
+               "  -o, --output OUT  write to OUT instead of replacing FILE\n"
+               "  --detect-links    run the editor's copy-command link detection before writing; links\n"
+               "                    are written as their target's commands, so the file reads the same\n"
+               "  -h, --help        show this help\n"
+               "\n"
+               "Examples:\n"
+               "  kelvmenu format menu.ini\n"
+               "  kelvmenu format menu.ini -o clean.ini\n"
+               "\n")
         + exitCodes();
 }
 

@@ -1,4 +1,6 @@
 #include "cli/preorderwalk.h"
+#include "menufile/menufilewriter.h"
+#include "menufile/windows1252codec.h"
 #include "model/menudocument.h"
 
 #include <QTest>
@@ -24,6 +26,18 @@ QStringList describe(const MenuDocument& document, const QList<PreOrderEntry>& o
         lines << document.items.at(entry.index).caption + QLatin1Char('/') + QString::number(entry.depth);
     }
     return lines;
+}
+
+/// The item lines of the [Menu] section of a written menu file, markers included.
+QStringList writtenItemLines(const MenuDocument& document)
+{
+    const QString text = Windows1252Codec::decode(menuFileBytes(document));
+    const qsizetype start = text.indexOf(QStringLiteral("[Menu]\r\n\r\n")) + 10;
+    const qsizetype end = text.indexOf(QStringLiteral("\r\n\r\n[/Menu]"));
+    if (end <= start) {
+        return {};
+    }
+    return text.mid(start, end - start).split(QStringLiteral("\r\n"));
 }
 
 } // namespace
@@ -82,6 +96,26 @@ private Q_SLOTS:
         MenuDocument document;
         document.items = { makeItem(QStringLiteral("Top"), -1, 1, 0), makeItem(QStringLiteral("Child"), 0, 1) };
         QCOMPARE(describe(document, preOrderWalk(document)), QStringList({ QStringLiteral("Top/0") }));
+    }
+
+    void listsItemsInTheOrderTheMenuFileIsWritten()
+    {
+        // The tree listing and the saved file must never disagree about the order, whatever the
+        // array holds.
+        MenuDocument document;
+        document.items = {
+            makeItem(QStringLiteral("Delete"), -1, 3),   makeItem(QStringLiteral("View"), 3, 2),
+            makeItem(QStringLiteral("Pack"), 4, 1),      makeItem(QStringLiteral("Text"), 4, 2, 2),
+            makeItem(QStringLiteral("Tools"), -1, 1, 2), makeItem(QStringLiteral("Edit"), 3, 1),
+            makeItem(QStringLiteral("Shared"), -1, 1),   makeItem(QStringLiteral("Lost"), 3, 5),
+            makeItem(QStringLiteral("Orphan"), 40, 1),   makeItem(QStringLiteral("Loop"), 9, 1, 1),
+        };
+        QStringList walked;
+        for (const PreOrderEntry& entry : preOrderWalk(document)) {
+            walked << QString(entry.depth * 3, QChar(0xB7)) + document.items.at(entry.index).caption;
+        }
+        QCOMPARE(walked.size(), 7);
+        QCOMPARE(walked, writtenItemLines(document));
     }
 
     void deepMenuIsWalkedWithoutRecursion()
