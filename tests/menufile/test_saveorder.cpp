@@ -1,5 +1,5 @@
-#include "cli/preorderwalk.h"
 #include "menufile/menufilewriter.h"
+#include "menufile/saveorder.h"
 #include "menufile/windows1252codec.h"
 #include "model/menudocument.h"
 
@@ -19,10 +19,10 @@ MenuItem makeItem(const QString& caption, qint16 parent, qint16 siblingOrder, qi
 }
 
 /// "caption/depth" for every entry, so that a failure shows the whole walk.
-QStringList describe(const MenuDocument& document, const QList<PreOrderEntry>& order)
+QStringList describe(const MenuDocument& document, const QList<SaveOrderEntry>& order)
 {
     QStringList lines;
-    for (const PreOrderEntry& entry : order) {
+    for (const SaveOrderEntry& entry : order) {
         lines << document.items.at(entry.index).caption + QLatin1Char('/') + QString::number(entry.depth);
     }
     return lines;
@@ -42,12 +42,12 @@ QStringList writtenItemLines(const MenuDocument& document)
 
 } // namespace
 
-class TestPreOrderWalk : public QObject
+class TestSaveOrder : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void emptyDocumentGivesNothing() { QVERIFY(preOrderWalk(MenuDocument()).isEmpty()); }
+    void emptyDocumentGivesNothing() { QVERIFY(saveOrder(MenuDocument()).isEmpty()); }
 
     void walksByParentAndSiblingOrderNotByArrayOrder()
     {
@@ -56,7 +56,7 @@ private Q_SLOTS:
         document.items = { makeItem(QStringLiteral("Delete"), -1, 2),   makeItem(QStringLiteral("View"), 3, 2),
                            makeItem(QStringLiteral("Pack"), 4, 1),      makeItem(QStringLiteral("Text"), 4, 2, 2),
                            makeItem(QStringLiteral("Tools"), -1, 1, 2), makeItem(QStringLiteral("Edit"), 3, 1) };
-        const QList<PreOrderEntry> order = preOrderWalk(document);
+        const QList<SaveOrderEntry> order = saveOrder(document);
         QCOMPARE(describe(document, order),
                  QStringList({ QStringLiteral("Tools/0"), QStringLiteral("Pack/1"), QStringLiteral("Text/1"),
                                QStringLiteral("Edit/2"), QStringLiteral("View/2"), QStringLiteral("Delete/0") }));
@@ -69,7 +69,7 @@ private Q_SLOTS:
         MenuDocument document;
         document.items = { makeItem(QStringLiteral("B"), -1, 1), makeItem(QStringLiteral("A"), -1, 1),
                            makeItem(QStringLiteral("C"), -1, 2) };
-        QCOMPARE(describe(document, preOrderWalk(document)),
+        QCOMPARE(describe(document, saveOrder(document)),
                  QStringList({ QStringLiteral("B/0"), QStringLiteral("A/0"), QStringLiteral("C/0") }));
     }
 
@@ -81,21 +81,30 @@ private Q_SLOTS:
             makeItem(QStringLiteral("Child"), 0, 1),
             makeItem(QStringLiteral("Beyond childCount"), 0, 2),
             makeItem(QStringLiteral("Order zero"), 0, 0),
-            makeItem(QStringLiteral("Beyond top-level count"), -1, 9),
             makeItem(QStringLiteral("Parent out of range"), 40, 1),
             // Two items that name each other as parent never reach the top level.
             makeItem(QStringLiteral("Loop A"), 7, 1, 1),
             makeItem(QStringLiteral("Loop B"), 6, 1, 1),
         };
-        QCOMPARE(describe(document, preOrderWalk(document)),
+        QCOMPARE(describe(document, saveOrder(document)),
                  QStringList({ QStringLiteral("Top/0"), QStringLiteral("Child/1") }));
+    }
+
+    void topLevelItemAfterAGapInTheOrdersIsKept()
+    {
+        // The tree view stops at the first missing top-level order; the file keeps every item.
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("Four"), -1, 4), makeItem(QStringLiteral("One"), -1, 1),
+                           makeItem(QStringLiteral("Two"), -1, 2) };
+        QCOMPARE(describe(document, saveOrder(document)),
+                 QStringList({ QStringLiteral("One/0"), QStringLiteral("Two/0"), QStringLiteral("Four/0") }));
     }
 
     void childrenOfAnItemWithoutChildCountAreNotVisited()
     {
         MenuDocument document;
         document.items = { makeItem(QStringLiteral("Top"), -1, 1, 0), makeItem(QStringLiteral("Child"), 0, 1) };
-        QCOMPARE(describe(document, preOrderWalk(document)), QStringList({ QStringLiteral("Top/0") }));
+        QCOMPARE(describe(document, saveOrder(document)), QStringList({ QStringLiteral("Top/0") }));
     }
 
     void listsItemsInTheOrderTheMenuFileIsWritten()
@@ -111,7 +120,7 @@ private Q_SLOTS:
             makeItem(QStringLiteral("Orphan"), 40, 1),   makeItem(QStringLiteral("Loop"), 9, 1, 1),
         };
         QStringList walked;
-        for (const PreOrderEntry& entry : preOrderWalk(document)) {
+        for (const SaveOrderEntry& entry : saveOrder(document)) {
             walked << QString(entry.depth * 3, QChar(0xB7)) + document.items.at(entry.index).caption;
         }
         QCOMPARE(walked.size(), 7);
@@ -125,12 +134,12 @@ private Q_SLOTS:
         for (int i = 0; i < depth; ++i) {
             document.items.append(makeItem(QString::number(i), qint16(i - 1), 1, qint16(i + 1 < depth ? 1 : 0)));
         }
-        const QList<PreOrderEntry> order = preOrderWalk(document);
+        const QList<SaveOrderEntry> order = saveOrder(document);
         QCOMPARE(order.size(), depth);
         QCOMPARE(order.last().index, depth - 1);
         QCOMPARE(order.last().depth, depth - 1);
     }
 };
 
-QTEST_GUILESS_MAIN(TestPreOrderWalk)
-#include "test_preorderwalk.moc"
+QTEST_GUILESS_MAIN(TestSaveOrder)
+#include "test_saveorder.moc"
