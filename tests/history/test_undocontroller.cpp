@@ -162,8 +162,8 @@ private Q_SLOTS:
 
         QVERIFY(!runEditingOperation(h.report, [history = &h, index] {
             history->undoManager.saveUndoState(index, true);
-            Int16::incremented(history->document(index).lastIndex, "duplicate");
-            Int16::checked(70000, "duplicate");
+            history->document(index).items[0].caption = QStringLiteral("Half done");
+            history->document(index).lastIndex = Int16::checked(70000, "duplicate");
         }));
 
         QCOMPARE(h.prompts.messages.size(), 2);
