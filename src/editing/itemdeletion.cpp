@@ -217,6 +217,8 @@ void removeItemBranch(MenuDocument& document, const QString& key)
         }
         deleteItemTree(document, removedKey);
     } else {
+        // The only item of a menu is reset in place rather than removed. This is decided before the
+        // removal: when deleting leaves one item standing, that item is a survivor and stays as it is.
         resetToFreshItem(items[0]);
     }
     normalizeCopyLinks(document);
