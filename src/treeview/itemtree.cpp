@@ -1,0 +1,327 @@
+#include "itemtree.h"
+
+#include "hidemode.h"
+#include "model/menudocument.h"
+#include "nodestyle.h"
+#include "treeplan.h"
+
+#include <QBrush>
+#include <QColor>
+#include <QFont>
+#include <QVariant>
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+const int kKeyRole = Qt::UserRole;
+
+QString rootKey()
+{
+    return QStringLiteral("Root");
+}
+
+QColor colourOf(NodeStyle::Colour colour)
+{
+    switch (colour) {
+    case NodeStyle::Colour::Navy:
+        return QColor(0, 0, 128);
+    case NodeStyle::Colour::Maroon:
+        return QColor(128, 0, 0);
+    case NodeStyle::Colour::Black:
+        break;
+    }
+    return QColor(0, 0, 0);
+}
+
+/// `top` and everything below it, parents before children, without recursion: a menu can nest
+/// tens of thousands of levels deep.
+std::vector<QTreeWidgetItem*> subtreeInPreOrder(QTreeWidgetItem* top)
+{
+    std::vector<QTreeWidgetItem*> result;
+    std::vector<QTreeWidgetItem*> stack { top };
+    while (!stack.empty()) {
+        QTreeWidgetItem* current = stack.back();
+        stack.pop_back();
+        result.push_back(current);
+        for (int c = current->childCount() - 1; c >= 0; --c) {
+            stack.push_back(current->child(c));
+        }
+    }
+    return result;
+}
+
+/// Deletes a subtree that is no longer part of any tree widget. Deleting the top item alone would
+/// delete its descendants recursively, one stack frame per level, which a deep menu can overflow;
+/// so the items are unlinked from the bottom up first (each takeChildren then only touches leaves)
+/// and deleted one by one.
+void deleteDetachedSubtree(QTreeWidgetItem* top)
+{
+    const std::vector<QTreeWidgetItem*> items = subtreeInPreOrder(top);
+    for (auto it = items.rbegin(); it != items.rend(); ++it) {
+        (*it)->takeChildren();
+    }
+    for (QTreeWidgetItem* item : items) {
+        delete item;
+    }
+}
+
+/// Not bold means the tree's own font, so a node follows later font changes of the tree.
+void applyStyle(QTreeWidgetItem* node, const NodeStyle& style, const QFont& boldFont)
+{
+    node->setForeground(0, QBrush(colourOf(style.colour)));
+    if (style.bold) {
+        node->setFont(0, boldFont);
+    } else {
+        node->setData(0, Qt::FontRole, QVariant());
+    }
+}
+
+/// Suspends painting of a widget until the end of a scope, also when an error leaves it early.
+class PaintingSuspended
+{
+public:
+    /// Painting is set to `enabledAfter` at the end of the scope.
+    PaintingSuspended(QWidget* widget, bool enabledAfter)
+        : m_widget(widget)
+        , m_enabledAfter(enabledAfter)
+    {
+        m_widget->setUpdatesEnabled(false);
+    }
+    ~PaintingSuspended() { m_widget->setUpdatesEnabled(m_enabledAfter); }
+    PaintingSuspended(const PaintingSuspended&) = delete;
+    PaintingSuspended& operator=(const PaintingSuspended&) = delete;
+
+private:
+    QWidget* m_widget;
+    bool m_enabledAfter;
+};
+
+} // namespace
+
+ItemTree::ItemTree(QWidget* parent)
+    : QTreeWidget(parent)
+{
+    setColumnCount(1);
+    setHeaderHidden(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    // Every row is one line of text; letting the view assume so keeps layout of large menus fast.
+    setUniformRowHeights(true);
+}
+
+ItemTree::~ItemTree()
+{
+    // The base class would delete the nodes recursively; a deep menu needs the flat teardown.
+    clearNodes();
+}
+
+int ItemTree::nodeCount() const
+{
+    return int(m_nodes.size());
+}
+
+QTreeWidgetItem* ItemTree::node(int index) const
+{
+    if (index < 1 || index > m_nodes.size()) {
+        return nullptr;
+    }
+    return m_nodes.at(index - 1);
+}
+
+int ItemTree::indexOfNode(const QTreeWidgetItem* node) const
+{
+    const auto it = m_index.constFind(node);
+    return it == m_index.constEnd() ? 0 : it.value() + 1;
+}
+
+QTreeWidgetItem* ItemTree::nodeByKey(const QString& key) const
+{
+    return m_byKey.value(key, nullptr);
+}
+
+QString ItemTree::keyOf(const QTreeWidgetItem* node) const
+{
+    if (node == nullptr || !m_index.contains(node)) {
+        return QString();
+    }
+    return node->data(0, kKeyRole).toString();
+}
+
+QTreeWidgetItem* ItemTree::addNode(const QString& parentKey, const QString& key, const QString& text)
+{
+    QTreeWidgetItem* parentNode = nullptr;
+    if (!parentKey.isEmpty()) {
+        parentNode = nodeByKey(parentKey);
+        if (parentNode == nullptr) {
+            return nullptr;
+        }
+    }
+    if (!key.isEmpty() && m_byKey.contains(key)) {
+        return nullptr;
+    }
+    auto* created = new QTreeWidgetItem;
+    created->setText(0, text);
+    created->setData(0, kKeyRole, key);
+    if (parentNode != nullptr) {
+        parentNode->addChild(created);
+    } else {
+        addTopLevelItem(created);
+    }
+    registerNode(created, key);
+    return created;
+}
+
+void ItemTree::removeNode(QTreeWidgetItem* node)
+{
+    if (node == nullptr || !m_index.contains(node)) {
+        return;
+    }
+    const std::vector<QTreeWidgetItem*> subtree = subtreeInPreOrder(node);
+    for (QTreeWidgetItem* removed : subtree) {
+        const QString key = removed->data(0, kKeyRole).toString();
+        if (m_byKey.value(key, nullptr) == removed) {
+            m_byKey.remove(key);
+        }
+        m_index.remove(removed);
+    }
+    m_nodes.removeIf([this](QTreeWidgetItem* candidate) { return !m_index.contains(candidate); });
+    renumber();
+
+    // Top down, so only the first collapse changes what the view shows; the rest merely forget
+    // their expanded state, which the model would otherwise re-check for every removed row.
+    for (QTreeWidgetItem* removed : subtree) {
+        if (removed->isExpanded()) {
+            removed->setExpanded(false);
+        }
+    }
+
+    if (QTreeWidgetItem* parentNode = node->parent()) {
+        parentNode->takeChild(parentNode->indexOfChild(node));
+    } else {
+        takeTopLevelItem(indexOfTopLevelItem(node));
+    }
+    deleteDetachedSubtree(node);
+}
+
+void ItemTree::clearNodes()
+{
+    // Dropping the expanded state first spares the model from adjusting one remembered index per
+    // expanded submenu while the nodes go.
+    collapseAll();
+    std::vector<QTreeWidgetItem*> tops;
+    for (int t = topLevelItemCount() - 1; t >= 0; --t) {
+        tops.push_back(takeTopLevelItem(t));
+    }
+    m_nodes.clear();
+    m_byKey.clear();
+    m_index.clear();
+    for (QTreeWidgetItem* top : tops) {
+        deleteDetachedSubtree(top);
+    }
+}
+
+QString ItemTree::fullPath(const QTreeWidgetItem* node) const
+{
+    if (node == nullptr || !m_index.contains(node)) {
+        return QString();
+    }
+    QStringList texts;
+    for (const QTreeWidgetItem* current = node; current != nullptr; current = current->parent()) {
+        texts.prepend(current->text(0));
+    }
+    return texts.join(QLatin1Char('\\'));
+}
+
+void ItemTree::generate(MenuDocument& document, int modeChange)
+{
+    // The rebuild always ends with painting on: opening a menu file suspends it before the file is
+    // read and relies on the first rebuild to resume it.
+    const PaintingSuspended suspended(this, true);
+    clearNodes();
+    document.hideMode = HideMode::applyModeChange(document.hideMode, modeChange);
+    const QList<PlannedNode> plan = planTree(document, document.hideMode);
+
+    // The nodes are linked to each other before the root joins the widget, so the view lays the
+    // tree out once instead of once per node.
+    const QFont bold = boldFont();
+    auto* root = new QTreeWidgetItem;
+    root->setText(0, QStringLiteral("KELV"));
+    root->setData(0, kKeyRole, rootKey());
+    registerNode(root, rootKey());
+    applyStyle(root, NodeStyle::forRoot(), bold);
+    m_nodes.reserve(plan.size() + 1);
+    std::vector<int> levels { 0 }; // aligned with m_nodes
+    levels.reserve(size_t(plan.size()) + 1);
+    for (const PlannedNode& planned : plan) {
+        QTreeWidgetItem* parentNode = m_byKey.value(planned.parentKey, nullptr);
+        if (parentNode == nullptr || m_byKey.contains(planned.key)) {
+            continue; // the tree refuses the node, as addNode would
+        }
+        auto* created = new QTreeWidgetItem;
+        created->setText(0, planned.caption);
+        created->setData(0, kKeyRole, planned.key);
+        parentNode->addChild(created);
+        levels.push_back(levels[size_t(m_index.value(parentNode))] + 1);
+        registerNode(created, planned.key);
+        applyStyle(created, NodeStyle::forItem(document.items.at(planned.itemIndex)), bold);
+    }
+    addTopLevelItem(root);
+    // Deepest submenus first: while their parents are still collapsed the view only notes each one,
+    // and expanding the root last lays the whole tree out once.
+    for (int n = int(m_nodes.size()) - 1; n >= 0; --n) {
+        QTreeWidgetItem* current = m_nodes.at(n);
+        if (levels[size_t(n)] < expandedLevels && current->childCount() > 0) {
+            current->setExpanded(true);
+        }
+    }
+
+    setIndentation(2);
+    root->setText(0, HideMode::rootText(document.hideMode));
+}
+
+void ItemTree::colorize(const MenuDocument& document)
+{
+    const PaintingSuspended suspended(this, updatesEnabled());
+    const QFont bold = boldFont();
+    // The first item bearing a key wins, as with every other lookup from a node key.
+    QHash<QString, int> itemOfKey;
+    itemOfKey.reserve(document.items.size());
+    for (int i = int(document.items.size()) - 1; i >= 0; --i) {
+        itemOfKey.insert(document.items.at(i).key, i);
+    }
+    for (QTreeWidgetItem* node : std::as_const(m_nodes)) {
+        const QString key = node->data(0, kKeyRole).toString();
+        if (key == rootKey()) {
+            continue;
+        }
+        // Resetting to black and then applying the submenu and command rows ends in the item's
+        // style; it is applied in one step so each node changes at most once.
+        const auto it = itemOfKey.constFind(key);
+        applyStyle(node, it == itemOfKey.constEnd() ? NodeStyle() : NodeStyle::forItem(document.items.at(it.value())),
+                   bold);
+    }
+}
+
+QFont ItemTree::boldFont() const
+{
+    QFont bold = font();
+    bold.setBold(true);
+    return bold;
+}
+
+void ItemTree::registerNode(QTreeWidgetItem* node, const QString& key)
+{
+    m_index.insert(node, int(m_nodes.size()));
+    m_nodes.append(node);
+    if (!key.isEmpty()) {
+        m_byKey.insert(key, node);
+    }
+}
+
+void ItemTree::renumber()
+{
+    for (int i = 0; i < m_nodes.size(); ++i) {
+        m_index.insert(m_nodes.at(i), i);
+    }
+}

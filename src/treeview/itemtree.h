@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QFont>
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QTreeWidget>
+
+struct MenuDocument;
+
+/// The item tree `lstMenu` of an editor window. Besides the tree itself it keeps the node
+/// collection the editor works with: every node carries a key ("Root" for the root node, the item's
+/// key for an item node), and the nodes are numbered 1, 2, ... in the order they were added, so the
+/// root is node 1 and the first top-level item node 2.
+///
+/// Nodes must be added and removed through addNode, removeNode, clearNodes and generate only;
+/// the collection does not follow items inserted or deleted through QTreeWidget directly.
+class ItemTree : public QTreeWidget
+{
+    Q_OBJECT
+
+public:
+    /// How many levels below the root generate expands. The view lays expanded submenus out
+    /// recursively, one stack frame and a growing cost per level, so a pathologically deep menu
+    /// would overflow the stack; real menus are a handful of levels deep and show fully expanded.
+    static constexpr int expandedLevels = 1000;
+
+    explicit ItemTree(QWidget* parent = nullptr);
+    ~ItemTree() override;
+
+    /// Number of nodes, the root included.
+    int nodeCount() const;
+    /// Node `index` (1-based, in the order added); nullptr outside 1 .. nodeCount().
+    QTreeWidgetItem* node(int index) const;
+    /// The 1-based index of `node`; 0 when it is not a node of this tree.
+    int indexOfNode(const QTreeWidgetItem* node) const;
+    /// The node bearing `key`; nullptr when none does.
+    QTreeWidgetItem* nodeByKey(const QString& key) const;
+    /// The key of `node`; empty when it is not a node of this tree.
+    QString keyOf(const QTreeWidgetItem* node) const;
+
+    /// Adds a node with `key` and `text` as the last child of the node keyed `parentKey`, or as a
+    /// top-level node when `parentKey` is empty. Refused (nullptr) when `parentKey` names no node or
+    /// `key` is already taken, as the tree keeps one node per key.
+    QTreeWidgetItem* addNode(const QString& parentKey, const QString& key, const QString& text);
+    /// Removes `node` with its whole subtree; the other nodes keep their order in the collection.
+    void removeNode(QTreeWidgetItem* node);
+    /// Removes every node.
+    void clearNodes();
+
+    /// The texts of the nodes from the root down to `node`, joined by "\", as shown in the editor's
+    /// path label; empty when `node` is not a node of this tree.
+    QString fullPath(const QTreeWidgetItem* node) const;
+
+    /// Rebuilds the tree from `document` after applying `modeChange` to its hide mode: the root
+    /// "Root" / "KELV", one node per shown item (see planTree), the whole tree expanded (down to
+    /// expandedLevels) and styled, indentation 2, the root text telling whether items may be hidden.
+    /// Painting is suspended for the whole rebuild and resumed at its end. Selecting a node
+    /// afterwards is left to the editor window.
+    void generate(MenuDocument& document, int modeChange);
+
+    /// Re-applies the node styles to every item node from the current state of `document`, without
+    /// rebuilding the tree. A node whose key names no item any more is left black and not bold.
+    void colorize(const MenuDocument& document);
+
+private:
+    QFont boldFont() const;
+    void registerNode(QTreeWidgetItem* node, const QString& key);
+    void renumber();
+
+    QList<QTreeWidgetItem*> m_nodes;
+    QHash<QString, QTreeWidgetItem*> m_byKey;
+    QHash<const QTreeWidgetItem*, int> m_index; // 0-based position in m_nodes
+};

@@ -1,0 +1,363 @@
+#include "testmenus.h"
+#include "treeview/itemtree.h"
+#include "treeview/treeplan.h"
+
+#include "model/menudocument.h"
+
+#include <QTest>
+
+using TestMenus::item;
+using TestMenus::linked;
+
+namespace {
+
+const QColor kNavy(0, 0, 128);
+const QColor kMaroon(128, 0, 0);
+const QColor kBlack(0, 0, 0);
+
+QColor colourOf(const QTreeWidgetItem* node)
+{
+    return node->foreground(0).color();
+}
+
+bool isBold(const QTreeWidgetItem* node)
+{
+    return node->font(0).bold();
+}
+
+QStringList nodeKeys(const ItemTree& tree)
+{
+    QStringList keys;
+    for (int n = 1; n <= tree.nodeCount(); ++n) {
+        keys.append(tree.keyOf(tree.node(n)));
+    }
+    return keys;
+}
+
+/// Menu "Tools" (parent with a command) > "Archive" (link to "Open", a submenu) > "Zip" (a leaf
+/// with commands), "Open" (a leaf with commands), "Notes" (a leaf without commands), "Copy" (a link
+/// leaf to "Open").
+MenuDocument toolsMenu()
+{
+    MenuDocument document;
+    document.items = {
+        item(QStringLiteral("E0"), -1, 2, 1, 1), linked(item(QStringLiteral("E1"), 0, 1, 1), QStringLiteral("E3")),
+        item(QStringLiteral("E2"), 1, 0, 1, 2),  item(QStringLiteral("E3"), 0, 0, 2, 1),
+        item(QStringLiteral("E4"), -1, 0, 2),    linked(item(QStringLiteral("E5"), -1, 0, 3), QStringLiteral("E3"))
+    };
+    document.items[0].caption = QStringLiteral("Tools");
+    document.items[1].caption = QStringLiteral("Archive");
+    document.items[2].caption = QStringLiteral("Zip");
+    document.items[3].caption = QStringLiteral("Open");
+    document.items[4].caption = QStringLiteral("Notes");
+    document.items[5].caption = QStringLiteral("Copy");
+    document.lastIndex = 5;
+    return document;
+}
+
+} // namespace
+
+class TestItemTree : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void emptyMenuShowsOnlyTheRootAndSelectsNothing()
+    {
+        ItemTree tree;
+        MenuDocument document;
+        tree.generate(document, 0);
+        QCOMPARE(tree.nodeCount(), 1);
+        QCOMPARE(tree.keyOf(tree.node(1)), QStringLiteral("Root"));
+        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV"));
+        QCOMPARE(tree.topLevelItemCount(), 1);
+        QVERIFY(tree.selectedItems().isEmpty());
+        QVERIFY(tree.currentItem() == nullptr);
+        QVERIFY(tree.updatesEnabled());
+    }
+
+    void generateBuildsTheWholeTreeExpandedInPlanOrder()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 0);
+        QCOMPARE(nodeKeys(tree),
+                 QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1"), QStringLiteral("E2"),
+                               QStringLiteral("E3"), QStringLiteral("E4"), QStringLiteral("E5") }));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E2"))->parent(), tree.nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E4"))->parent(), tree.node(1));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E3"))->text(0), QStringLiteral("Open"));
+        for (int n = 1; n <= tree.nodeCount(); ++n) {
+            if (tree.node(n)->childCount() > 0) {
+                QVERIFY2(tree.node(n)->isExpanded(), qPrintable(tree.keyOf(tree.node(n))));
+            }
+        }
+        QCOMPARE(tree.indentation(), 2);
+        QCOMPARE(document.hideMode, 0);
+        QVERIFY(tree.updatesEnabled());
+    }
+
+    void regenerateReplacesEveryNode()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 0);
+        document.items.removeLast();
+        document.items[0].caption = QStringLiteral("Utilities");
+        tree.generate(document, -3);
+        QCOMPARE(tree.nodeCount(), 6);
+        QVERIFY(tree.nodeByKey(QStringLiteral("E5")) == nullptr);
+        QCOMPARE(tree.node(2)->text(0), QStringLiteral("Utilities"));
+        QCOMPARE(tree.topLevelItemCount(), 1);
+    }
+
+    void hiddenLinkWithChildrenKeepsChildrenUnderNearestShownNode()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 1);
+        QCOMPARE(document.hideMode, 1);
+        QCOMPARE(nodeKeys(tree),
+                 QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E2"), QStringLiteral("E3"),
+                               QStringLiteral("E4") }));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E2"))->parent(), tree.nodeByKey(QStringLiteral("E0")));
+        QCOMPARE(tree.fullPath(tree.nodeByKey(QStringLiteral("E2"))),
+                 QStringLiteral("KELV (Some items may be hidded)\\Tools\\Zip"));
+        QVERIFY(tree.updatesEnabled());
+    }
+
+    void hideWithoutCommandKeepsSubmenuAndDropsEmptyLeaf()
+    {
+        ItemTree tree;
+        MenuDocument document;
+        document.items = { item(QStringLiteral("E0"), -1, 2, 1), item(QStringLiteral("E1"), 0, 0, 1, 1),
+                           item(QStringLiteral("E2"), 0, 0, 2), item(QStringLiteral("E3"), -1, 0, 2) };
+        tree.generate(document, 2);
+        QCOMPARE(nodeKeys(tree), QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1") }));
+    }
+
+    void hideBothShowsOnlyItemsWithOwnCommandsAndSubmenus()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 3);
+        QCOMPARE(document.hideMode, 3);
+        QCOMPARE(nodeKeys(tree),
+                 QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1"), QStringLiteral("E2"),
+                               QStringLiteral("E3") }));
+        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+    }
+
+    void hideBothThenShowCopiesLeavesModeTwoAndSuffix()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 3);
+        tree.generate(document, -1);
+        QCOMPARE(document.hideMode, 2);
+        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QVERIFY(tree.nodeByKey(QStringLiteral("E5")) == nullptr);
+        QVERIFY(tree.nodeByKey(QStringLiteral("E4")) == nullptr);
+        tree.generate(document, -2);
+        QCOMPARE(document.hideMode, 0);
+        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV"));
+        QCOMPARE(tree.nodeCount(), 7);
+    }
+
+    void topLevelOrdersOneTwoFourShowOnlyTheFirstTwo()
+    {
+        ItemTree tree;
+        MenuDocument document;
+        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
+                           item(QStringLiteral("E2"), -1, 0, 4) };
+        tree.generate(document, 0);
+        QCOMPARE(nodeKeys(tree), QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1") }));
+    }
+
+    void generateStylesNodes()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 0);
+        const QTreeWidgetItem* root = tree.node(1);
+        QCOMPARE(colourOf(root), kNavy);
+        QVERIFY(isBold(root));
+        // parent with commands of its own
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E0"))), kMaroon);
+        QVERIFY(isBold(tree.nodeByKey(QStringLiteral("E0"))));
+        // linked parent
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E1"))), kNavy);
+        QVERIFY(isBold(tree.nodeByKey(QStringLiteral("E1"))));
+        // leaf with commands
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E2"))), kMaroon);
+        QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E2"))));
+        // leaf without commands
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E4"))), kBlack);
+        QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E4"))));
+        // linked leaf
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E5"))), kBlack);
+        QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E5"))));
+    }
+
+    void colorizeResetsEveryItemNodeFromTheDocument()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 0);
+        // The link of "Archive" switched off, "Zip" linked, "Notes" given a command, "Tools" loses
+        // its children and commands, and "Copy" deleted behind the tree's back.
+        document.items[1].copiesCommands = false;
+        document.items[1].commands.append(Command { QStringLiteral("zip"), QStringLiteral("7z a") });
+        document.items[2] = linked(document.items.at(2), QStringLiteral("E3"));
+        document.items[4].commands.append(Command { QString(), QStringLiteral("notepad") });
+        document.items[0].childCount = 0;
+        document.items[0].commands = MenuItem::placeholderCommands();
+        document.items.removeLast();
+        tree.nodeByKey(QStringLiteral("E3"))->setForeground(0, QBrush(kNavy));
+        QFont bold = tree.font();
+        bold.setBold(true);
+        tree.nodeByKey(QStringLiteral("E3"))->setFont(0, bold);
+
+        tree.colorize(document);
+
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E0"))), kBlack);
+        QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E0"))));
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E1"))), kMaroon);
+        QVERIFY(isBold(tree.nodeByKey(QStringLiteral("E1"))));
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E2"))), kBlack);
+        QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E2"))));
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E3"))), kMaroon);
+        QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E3"))));
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E4"))), kMaroon);
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E5"))), kBlack);
+        QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E5"))));
+        QCOMPARE(colourOf(tree.node(1)), kNavy);
+        QVERIFY(isBold(tree.node(1)));
+        QVERIFY(tree.updatesEnabled());
+    }
+
+    void nodeCollectionIsOneBasedInInsertionOrder()
+    {
+        ItemTree tree;
+        QTreeWidgetItem* root = tree.addNode(QString(), QStringLiteral("Root"), QStringLiteral("KELV"));
+        QTreeWidgetItem* first = tree.addNode(QStringLiteral("Root"), QStringLiteral("E4"), QStringLiteral("First"));
+        QTreeWidgetItem* child = tree.addNode(QStringLiteral("E4"), QStringLiteral("E1"), QStringLiteral("Child"));
+        QTreeWidgetItem* second = tree.addNode(QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("Second"));
+        QCOMPARE(tree.nodeCount(), 4);
+        QCOMPARE(tree.node(1), root);
+        QCOMPARE(tree.node(2), first); // "the second node": the first item under the root
+        QCOMPARE(tree.node(tree.nodeCount()), second); // "the last node": the newest
+        QVERIFY(tree.node(0) == nullptr);
+        QVERIFY(tree.node(5) == nullptr);
+        QCOMPARE(tree.indexOfNode(child), 3);
+        QCOMPARE(tree.indexOfNode(nullptr), 0);
+        QCOMPARE(child->parent(), first);
+        QCOMPARE(tree.keyOf(child), QStringLiteral("E1"));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E0")), second);
+        QCOMPARE(root->indexOfChild(second), 1);
+
+        QTreeWidgetItem stranger;
+        QCOMPARE(tree.indexOfNode(&stranger), 0);
+        QCOMPARE(tree.keyOf(&stranger), QString());
+    }
+
+    void addNodeIsRefusedForMissingParentOrTakenKey()
+    {
+        ItemTree tree;
+        tree.addNode(QString(), QStringLiteral("Root"), QStringLiteral("KELV"));
+        QVERIFY(tree.addNode(QStringLiteral("E9"), QStringLiteral("E1"), QStringLiteral("Orphan")) == nullptr);
+        QVERIFY(tree.addNode(QStringLiteral("Root"), QStringLiteral("Root"), QStringLiteral("Again")) == nullptr);
+        QCOMPARE(tree.nodeCount(), 1);
+        QVERIFY(tree.nodeByKey(QStringLiteral("E1")) == nullptr);
+    }
+
+    void fullPathJoinsTextsFromTheRoot()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 0);
+        QCOMPARE(tree.fullPath(tree.nodeByKey(QStringLiteral("E2"))), QStringLiteral("KELV\\Tools\\Archive\\Zip"));
+        QCOMPARE(tree.fullPath(tree.node(1)), QStringLiteral("KELV"));
+        QCOMPARE(tree.fullPath(nullptr), QString());
+    }
+
+    void removeNodeTakesItsSubtreeAndKeepsTheOrderOfTheRest()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 0);
+        QTreeWidgetItem* open = tree.nodeByKey(QStringLiteral("E3"));
+        tree.removeNode(tree.nodeByKey(QStringLiteral("E1")));
+        QVERIFY(tree.nodeByKey(QStringLiteral("E1")) == nullptr);
+        QVERIFY(tree.nodeByKey(QStringLiteral("E2")) == nullptr);
+        QCOMPARE(nodeKeys(tree),
+                 QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E3"), QStringLiteral("E4"),
+                               QStringLiteral("E5") }));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E3")), open);
+        QCOMPARE(tree.indexOfNode(open), 3);
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E0"))->childCount(), 1);
+
+        tree.removeNode(tree.nodeByKey(QStringLiteral("E5")));
+        QCOMPARE(tree.nodeCount(), 4);
+        QCOMPARE(tree.node(1)->childCount(), 2);
+
+        tree.removeNode(tree.node(1));
+        QCOMPARE(tree.nodeCount(), 0);
+        QCOMPARE(tree.topLevelItemCount(), 0);
+        QVERIFY(tree.nodeByKey(QStringLiteral("Root")) == nullptr);
+    }
+
+    void clearNodesEmptiesTheCollection()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        tree.generate(document, 0);
+        tree.clearNodes();
+        QCOMPARE(tree.nodeCount(), 0);
+        QCOMPARE(tree.topLevelItemCount(), 0);
+        QVERIFY(tree.nodeByKey(QStringLiteral("E0")) == nullptr);
+    }
+
+    void treeFollowsThePlanOnRandomMenus()
+    {
+        ItemTree tree;
+        for (quint32 seed = 1; seed <= 200; ++seed) {
+            MenuDocument document = TestMenus::randomMenu(seed);
+            const int modeChange = int(seed % 4);
+            tree.generate(document, modeChange);
+            const QList<PlannedNode> plan = planTree(document, document.hideMode);
+            QCOMPARE(tree.nodeCount(), int(plan.size()) + 1);
+            for (int n = 0; n < plan.size(); ++n) {
+                const QTreeWidgetItem* shown = tree.node(n + 2);
+                QCOMPARE(tree.keyOf(shown), plan.at(n).key);
+                QCOMPARE(tree.keyOf(shown->parent()), plan.at(n).parentKey);
+                QCOMPARE(shown->text(0), plan.at(n).caption);
+            }
+        }
+    }
+
+    void deepChainIsBuiltAndTornDown()
+    {
+        MenuDocument document = TestMenus::chainMenu(32767);
+        {
+            ItemTree tree;
+            tree.generate(document, 0);
+            QCOMPARE(tree.nodeCount(), 32768);
+            QCOMPARE(tree.node(32768)->parent(), tree.node(32767));
+            // Node n lies n - 1 levels below the root.
+            QVERIFY(tree.node(1)->isExpanded());
+            QVERIFY(tree.node(ItemTree::expandedLevels)->isExpanded());
+            QVERIFY(!tree.node(ItemTree::expandedLevels + 1)->isExpanded());
+            tree.colorize(document);
+            QCOMPARE(colourOf(tree.node(2)), kNavy);
+            tree.generate(document, -3);
+            QCOMPARE(tree.nodeCount(), 32768);
+            tree.removeNode(tree.node(2));
+            QCOMPARE(tree.nodeCount(), 1);
+            tree.generate(document, -3);
+        }
+    }
+};
+
+QTEST_MAIN(TestItemTree)
+#include "test_itemtree.moc"
