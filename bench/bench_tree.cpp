@@ -1,0 +1,124 @@
+// Times the item tree of an editor window on the largest menus a menu file can hold: the plan of a
+// rebuild, the rebuild of the tree control itself and its recolouring. Run by hand on a release
+// build (QT_QPA_PLATFORM=offscreen works): kelvbench_tree [runs]
+
+#include "benchtiming.h"
+#include "menugenerator.h"
+
+#include "editing/copylinks.h"
+#include "model/runtimeerror.h"
+#include "treeview/itemtree.h"
+#include "treeview/treeplan.h"
+
+#include <QApplication>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace {
+
+QString cell(double milliseconds)
+{
+    return QString::number(milliseconds, 'f', 1).rightJustified(11);
+}
+
+/// One item under another, 32,767 levels deep: far deeper than any real menu, but what the model
+/// allows, so the rebuild must survive it.
+MenuDocument chainMenu(int depth)
+{
+    MenuDocument document;
+    document.items.reserve(depth);
+    for (int i = 0; i < depth; ++i) {
+        MenuItem item;
+        item.key = QStringLiteral("E%1").arg(i);
+        item.caption = QStringLiteral("Level %1").arg(i);
+        item.level = qint16(i);
+        item.parent = qint16(i - 1);
+        item.childCount = qint16(i + 1 < depth ? 1 : 0);
+        item.siblingOrder = 1;
+        item.commands.append(Command { QStringLiteral("*"), QStringLiteral("echo $fs-001$") });
+        document.items.append(item);
+    }
+    document.lastIndex = qint16(depth - 1);
+    return document;
+}
+
+struct Row
+{
+    QString name;
+    MenuDocument document;
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const int runs = arguments.size() > 1 ? std::max(1, arguments.at(1).toInt()) : 5;
+
+    QTextStream out(stdout);
+    out << "Median of " << runs << " runs, milliseconds. 32,767 items, copy-command links formed.\n";
+    out << "plan 0 / plan 1: planTree with hide mode 0 / 1; generate: ItemTree::generate (clearing the\n"
+           "previous tree, building, expanding and styling); +layout: generate and the view's layout and\n"
+           "paint of the shown window; colorize: ItemTree::colorize; clear: ItemTree::clearNodes.\n\n";
+    const QStringList headers { QStringLiteral("shape"),    QStringLiteral("nodes"),    QStringLiteral("plan 0"),
+                                QStringLiteral("plan 1"),   QStringLiteral("generate"), QStringLiteral("+layout"),
+                                QStringLiteral("colorize"), QStringLiteral("clear") };
+    for (const QString& header : headers) {
+        out << header.rightJustified(11);
+    }
+    out << "\n";
+    out.flush();
+
+    try {
+        QList<Row> rows;
+        for (const MenuShape shape : MenuGenerator::allShapes()) {
+            MenuGenerator::Options options;
+            options.shape = shape;
+            MenuDocument document = MenuGenerator::generate(options);
+            normalizeCopyLinks(document);
+            rows.append(Row { MenuGenerator::shapeName(shape), document });
+        }
+        rows.append(Row { QStringLiteral("chain"), chainMenu(32767) });
+
+        for (Row& row : rows) {
+            MenuDocument& document = row.document;
+            qsizetype planned = 0;
+            const double plan0 = medianMilliseconds(
+                runs, [] {}, [&document, &planned] { planned = planTree(document, 0).size(); });
+            const double plan1 = medianMilliseconds(
+                runs, [] {}, [&document] { (void)planTree(document, 1); });
+
+            ItemTree tree;
+            tree.resize(400, 700);
+            const double generate = medianMilliseconds(
+                runs, [] {}, [&tree, &document] { tree.generate(document, -3); });
+            if (tree.nodeCount() != planned + 1) {
+                std::fputs("the tree does not hold the planned nodes\n", stderr);
+                return 1;
+            }
+            const double colorize = medianMilliseconds(
+                runs, [] {}, [&tree, &document] { tree.colorize(document); });
+            const double clear = medianMilliseconds(
+                runs, [&tree, &document] { tree.generate(document, -3); }, [&tree] { tree.clearNodes(); });
+
+            tree.show();
+            const double shown = medianMilliseconds(
+                runs, [] {},
+                [&tree, &document] {
+                    tree.generate(document, -3);
+                    QApplication::processEvents();
+                });
+            tree.hide();
+
+            out << row.name.rightJustified(11) << QString::number(planned + 1).rightJustified(11) << cell(plan0)
+                << cell(plan1) << cell(generate) << cell(shown) << cell(colorize) << cell(clear) << "\n";
+            out.flush();
+        }
+    } catch (const RunTimeError& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
