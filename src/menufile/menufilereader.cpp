@@ -12,7 +12,9 @@
 #include <QHash>
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -45,6 +47,7 @@ public:
             return false;
         }
         const qsizetype start = m_position;
+        m_lineStart = start;
         qsizetype end = start;
         while (end < m_size && m_data[end] != '\r' && m_data[end] != '\n') {
             ++end;
@@ -64,11 +67,14 @@ public:
     }
 
     int lineNumber() const { return m_lineNumber; }
+    /// Bytes from the start of the current line to the end of the file.
+    qsizetype remaining() const { return m_size - m_lineStart; }
 
 private:
     const char* m_data;
     qsizetype m_size;
     qsizetype m_position = 0;
+    qsizetype m_lineStart = 0;
     int m_lineNumber = 0;
 };
 
@@ -173,11 +179,15 @@ public:
             MenuItem& parent = m_document.items[item.parent];
             parent.childCount = Int16::incremented(parent.childCount, "readMenuFile");
         }
-        qint16& siblings = m_siblingCounts[item.parent];
+        m_siblingCounts.push_back(0); // the count of item `index`'s children, when it gets some
+        qint16& siblings = m_siblingCounts[std::size_t(item.parent + 1)];
         siblings = Int16::incremented(siblings, "readMenuFile");
         item.siblingOrder = siblings;
         m_document.items.append(std::move(item));
-        m_lastIndexAtLevel[qint32(level)] = index;
+        if (std::size_t(level) >= m_lastIndexAtLevel.size()) {
+            m_lastIndexAtLevel.resize(std::size_t(level) + 1, -1);
+        }
+        m_lastIndexAtLevel[std::size_t(level)] = index;
 
         if (m_counter == 32767) {
             throw ReadFailure { lineNumber, ErrorNumber::Overflow, QStringLiteral("holds more than 32767 items") };
@@ -186,41 +196,75 @@ public:
     }
 
 private:
-    qint16 parentFor(qint16 level) const { return m_lastIndexAtLevel.value(qint32(level) - 1, -1); }
+    qint16 parentFor(qint16 level) const
+    {
+        const std::size_t parentLevel = std::size_t(level) - 1;
+        return level >= 1 && parentLevel < m_lastIndexAtLevel.size() ? m_lastIndexAtLevel[parentLevel] : qint16(-1);
+    }
 
     MenuDocument& m_document;
     qint16 m_counter = 0;
-    QHash<qint32, qint16> m_lastIndexAtLevel;
-    QHash<qint16, qint16> m_siblingCounts;
+    /// The newest item at each level: the parent of the next item one level deeper.
+    std::vector<qint16> m_lastIndexAtLevel;
+    /// Items so far per parent: slot 0 for the top level, slot p + 1 for the children of item p.
+    std::vector<qint16> m_siblingCounts { 0 };
 };
 
-void addCommandLine(MenuDocument& document, QByteArrayView line, int lineNumber)
+/// Reads the command lines of the [Commands] section. Large menus repeat the same few extensions
+/// over and over; each distinct one is decoded once and then shared.
+class CommandSectionReader
 {
-    const qsizetype colon = line.indexOf(':');
-    const qsizetype equals = line.indexOf('=');
-    if (colon < 0) {
-        throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
-                            QStringLiteral("command line has no \":\"") };
+public:
+    explicit CommandSectionReader(MenuDocument& document)
+        : m_document(document)
+    {
     }
-    if (equals < 0) {
-        throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
-                            QStringLiteral("command line has no \"=\"") };
+
+    void addCommandLine(QByteArrayView line, int lineNumber)
+    {
+        const qsizetype colon = line.indexOf(':');
+        const qsizetype equals = line.indexOf('=');
+        if (colon < 0) {
+            throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
+                                QStringLiteral("command line has no \":\"") };
+        }
+        if (equals < 0) {
+            throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
+                                QStringLiteral("command line has no \"=\"") };
+        }
+        if (equals < colon) {
+            throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
+                                QStringLiteral("command line has \"=\" before \":\"") };
+        }
+        const QByteArrayView numberText = line.first(colon);
+        const qint32 index = qint32(parseItemNumber(numberText, lineNumber)) - 1;
+        if (index < 0 || index >= m_document.items.size()) {
+            throw ReadFailure {
+                lineNumber, ErrorNumber::SubscriptOutOfRange,
+                QStringLiteral("item number %1 names no item").arg(Windows1252Codec::decode(numberText))
+            };
+        }
+        Command command;
+        command.extension = sharedExtension(line.sliced(colon + 1, equals - colon - 1));
+        command.command = Windows1252Codec::decode(line.sliced(equals + 1));
+        m_document.items[index].commands.append(std::move(command));
     }
-    if (equals < colon) {
-        throw ReadFailure { lineNumber, ErrorNumber::InvalidProcedureCall,
-                            QStringLiteral("command line has \"=\" before \":\"") };
+
+private:
+    /// The decoded extension, shared with every earlier occurrence of the same bytes. The views point
+    /// into the file's bytes, which outlive the reading.
+    QString sharedExtension(QByteArrayView bytes)
+    {
+        auto found = m_extensions.constFind(bytes);
+        if (found == m_extensions.constEnd()) {
+            found = m_extensions.insert(bytes, Windows1252Codec::decode(bytes));
+        }
+        return found.value();
     }
-    const QByteArrayView numberText = line.first(colon);
-    const qint32 index = qint32(parseItemNumber(numberText, lineNumber)) - 1;
-    if (index < 0 || index >= document.items.size()) {
-        throw ReadFailure { lineNumber, ErrorNumber::SubscriptOutOfRange,
-                            QStringLiteral("item number %1 names no item").arg(Windows1252Codec::decode(numberText)) };
-    }
-    Command command;
-    command.extension = Windows1252Codec::decode(line.sliced(colon + 1, equals - colon - 1));
-    command.command = Windows1252Codec::decode(line.sliced(equals + 1));
-    document.items[index].commands.append(std::move(command));
-}
+
+    MenuDocument& m_document;
+    QHash<QByteArrayView, QString> m_extensions;
+};
 
 /// Advances to the next line or fails: the file ended before `expectedTag`.
 void nextLineOrFail(LineCursor& cursor, QByteArrayView& line, const char* expectedTag)
@@ -248,6 +292,8 @@ void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& documen
         nextLineOrFail(cursor, line, "[Menu]");
     }
 
+    // Every line may be an item, up to the most a menu can hold; reserving spares the regrowth.
+    document.items.reserve(std::min<qsizetype>(std::count(line.data(), line.data() + cursor.remaining(), '\n'), 32768));
     ItemSectionReader itemReader(document);
     while (!isTag(line, QLatin1String("[/menu]"))) {
         nextLineOrFail(cursor, line, "[/Menu]");
@@ -257,6 +303,7 @@ void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& documen
         withLineNumber(cursor.lineNumber(), [&] { itemReader.addItemLine(line, cursor.lineNumber()); });
     }
 
+    CommandSectionReader commandReader(document);
     // Text between the sections is ignored; the [/Menu] line is the first one tested.
     while (!isTag(line, QLatin1String("[commands]"))) {
         nextLineOrFail(cursor, line, "[Commands]");
@@ -267,7 +314,7 @@ void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& documen
         if (line.isEmpty() || isTag(line, QLatin1String("[/commands]"))) {
             continue;
         }
-        withLineNumber(cursor.lineNumber(), [&] { addCommandLine(document, line, cursor.lineNumber()); });
+        withLineNumber(cursor.lineNumber(), [&] { commandReader.addCommandLine(line, cursor.lineNumber()); });
     }
 
     if (document.items.isEmpty()) {

@@ -13,29 +13,69 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 namespace {
 
-constexpr char crlf[] = "\r\n";
-constexpr char levelMarkers[] = "\xB7\xB7\xB7";
+constexpr QLatin1String header("KELV - Menu\r\n\r\n[Menu]\r\n\r\n");
+constexpr QLatin1String middle("\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n");
+constexpr QLatin1String footer("\r\n[/Commands]\r\n");
+constexpr qsizetype markersPerLevel = 3;
 
-/// The item number of a command line: at least four digits, zero-padded.
-void appendItemNumber(QByteArray& out, qint32 number)
+int digitCount(qint32 number)
 {
-    char digits[12];
-    int length = 0;
-    do {
-        digits[length++] = char('0' + number % 10);
+    int digits = 1;
+    while (number >= 10) {
         number /= 10;
-    } while (number > 0);
-    for (int padding = length; padding < 4; ++padding) {
-        out.append('0');
+        ++digits;
     }
-    while (length > 0) {
-        out.append(digits[--length]);
-    }
+    return digits;
 }
+
+/// Fills a buffer that was sized beforehand: a menu of 32,767 items is several megabytes, and
+/// growing it piece by piece would cost more than the writing itself.
+class BufferFiller
+{
+public:
+    explicit BufferFiller(char* start)
+        : m_cursor(start)
+    {
+    }
+
+    void text(QLatin1String ascii)
+    {
+        std::memcpy(m_cursor, ascii.data(), std::size_t(ascii.size()));
+        m_cursor += ascii.size();
+    }
+    void text(QStringView unicode) { m_cursor = Windows1252Codec::encodeInto(unicode, m_cursor); }
+    void character(char byte) { *m_cursor++ = byte; }
+    void repeated(char byte, qsizetype count)
+    {
+        std::memset(m_cursor, byte, std::size_t(count));
+        m_cursor += count;
+    }
+    /// The item number of a command line: at least four digits, zero-padded.
+    void itemNumber(qint32 number)
+    {
+        const int digits = std::max(4, digitCount(number));
+        for (int position = digits - 1; position >= 0; --position) {
+            m_cursor[position] = char('0' + number % 10);
+            number /= 10;
+        }
+        m_cursor += digits;
+    }
+    void lineEnd()
+    {
+        *m_cursor++ = '\r';
+        *m_cursor++ = '\n';
+    }
+
+    const char* cursor() const { return m_cursor; }
+
+private:
+    char* m_cursor;
+};
 
 } // namespace
 
@@ -51,20 +91,9 @@ QByteArray menuFileBytes(const MenuDocument& document)
         indexOfKey.insert(items.at(i).key, i);
     }
 
-    QByteArray out;
-    out.reserve(256 + items.size() * 64);
-    out.append("KELV - Menu").append(crlf).append(crlf);
-    out.append("[Menu]").append(crlf).append(crlf);
-    for (const SaveOrderEntry& entry : order) {
-        for (qint16 level = 0; level < entry.depth; ++level) {
-            out.append(levelMarkers);
-        }
-        Windows1252Codec::encodeAppend(items.at(entry.index).caption, out);
-        out.append(crlf);
-    }
-    out.append(crlf).append("[/Menu]").append(crlf).append(crlf);
-    out.append("[Commands]").append(crlf).append(crlf);
-
+    // Each line's commands come from the item itself or, for a link, from its target.
+    QList<const QList<Command>*> commandSources(order.size());
+    qsizetype size = header.size() + middle.size() + footer.size();
     for (qsizetype k = 0; k < order.size(); ++k) {
         const qint16 number = Int16::checked(k + 1, "writeMenuFile");
         const MenuItem& item = items.at(order.at(k).index);
@@ -75,17 +104,37 @@ QByteArray menuFileBytes(const MenuDocument& document)
                 throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QStringLiteral("writeMenuFile"));
             }
         }
-        const QList<Command>& commands = items.at(source).commands;
-        for (qsizetype slot = 1; slot < commands.size(); ++slot) {
-            appendItemNumber(out, number);
-            out.append(':');
-            Windows1252Codec::encodeAppend(commands.at(slot).extension, out);
-            out.append('=');
-            Windows1252Codec::encodeAppend(commands.at(slot).command, out);
-            out.append(crlf);
+        commandSources[k] = &items.at(source).commands;
+        size += order.at(k).depth * markersPerLevel + item.caption.size() + 2;
+        const qsizetype numberLength = std::max(4, digitCount(number));
+        for (qsizetype slot = 1; slot < commandSources.at(k)->size(); ++slot) {
+            const Command& command = commandSources.at(k)->at(slot);
+            size += numberLength + 1 + command.extension.size() + 1 + command.command.size() + 2;
         }
     }
-    out.append(crlf).append("[/Commands]").append(crlf);
+
+    QByteArray out(size, Qt::Uninitialized);
+    BufferFiller filler(out.data());
+    filler.text(header);
+    for (const SaveOrderEntry& entry : order) {
+        filler.repeated(char(0xB7), entry.depth * markersPerLevel);
+        filler.text(QStringView(items.at(entry.index).caption));
+        filler.lineEnd();
+    }
+    filler.text(middle);
+    for (qsizetype k = 0; k < order.size(); ++k) {
+        const QList<Command>& commands = *commandSources.at(k);
+        for (qsizetype slot = 1; slot < commands.size(); ++slot) {
+            filler.itemNumber(qint32(k + 1));
+            filler.character(':');
+            filler.text(QStringView(commands.at(slot).extension));
+            filler.character('=');
+            filler.text(QStringView(commands.at(slot).command));
+            filler.lineEnd();
+        }
+    }
+    filler.text(footer);
+    Q_ASSERT(filler.cursor() == out.constData() + out.size());
     return out;
 }
 

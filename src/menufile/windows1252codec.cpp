@@ -48,8 +48,13 @@ void Windows1252Codec::encodeAppend(QStringView text, QByteArray& out)
 {
     const qsizetype start = out.size();
     out.resize(start + text.size());
-    char* data = out.data() + start;
+    encodeInto(text, out.data() + start);
+}
+
+char* Windows1252Codec::encodeInto(QStringView text, char* out)
+{
     for (const QChar character : text) {
-        *data++ = encodeCharacter(character.unicode());
+        *out++ = encodeCharacter(character.unicode());
     }
+    return out;
 }

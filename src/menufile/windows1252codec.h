@@ -17,6 +17,9 @@ public:
 
     /// Characters that Windows-1252 cannot hold become "?".
     static QByteArray encode(QStringView text);
-    /// Appends the encoding of `text` to `out` (the writer builds a whole file this way).
+    /// Appends the encoding of `text` to `out`.
     static void encodeAppend(QStringView text, QByteArray& out);
+    /// Writes the encoding of `text` (exactly text.size() bytes) at `out` and returns the end; the
+    /// writer sizes a whole menu file first and then fills it this way.
+    static char* encodeInto(QStringView text, char* out);
 };
