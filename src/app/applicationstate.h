@@ -1,0 +1,78 @@
+#pragma once
+
+#include "app/options.h"
+#include "model/documentlist.h"
+
+#include <QList>
+#include <QPointer>
+#include <QtGlobal>
+
+class EditorWindow;
+
+/// The process-wide state of the editor: the open documents, the editor window that shows each of
+/// them, which document is active, and the options. Every per-document list is addressed by the
+/// same document index; slot 0 of each is a placeholder, and closing a document leaves its slot in
+/// place so that no other index ever shifts. The main window owns one, so a fresh main window starts
+/// with a clean state.
+class ApplicationState final
+{
+public:
+    ApplicationState();
+
+    ApplicationState(const ApplicationState&) = delete;
+    ApplicationState& operator=(const ApplicationState&) = delete;
+
+    /// Appends one slot to every per-document list (document, editor window, and whatever else is
+    /// kept per document) and returns the new document index.
+    qint16 appendDocumentSlot();
+    /// Drops the newest slot of every per-document list again: an open that failed.
+    void removeLastDocumentSlot();
+
+    DocumentList& documents() { return m_documents; }
+    const DocumentList& documents() const { return m_documents; }
+    /// The document at `index`; throws RunTimeError 9 for the placeholder or an index out of range.
+    MenuDocument& document(int index) { return m_documents.document(index); }
+    const MenuDocument& document(int index) const { return m_documents.document(index); }
+
+    /// The editor window of document `index`; null for the placeholder, a closed editor or an index
+    /// out of range.
+    EditorWindow* editor(int index) const;
+    void setEditor(int index, EditorWindow* editor);
+    /// Marks the editor of `index` closed; its document slot stays.
+    void clearEditor(int index) { setEditor(index, nullptr); }
+    /// Indices of the documents whose editor window is open, in ascending order.
+    QList<qint16> openDocumentIndexes() const;
+    /// Index of the last slot; 0 when only the placeholder exists.
+    qint16 lastSlot() const { return m_documents.lastSlot(); }
+
+    /// The document the menu commands act on (the editor window activated last); 0 when none.
+    qint16 activeDocumentIndex() const { return m_activeDocumentIndex; }
+    void setActiveDocumentIndex(qint16 index) { m_activeDocumentIndex = index; }
+
+    /// Set once the user has answered the quit question, so that editor windows then close without
+    /// asking again.
+    bool isQuitting() const { return m_quitting; }
+    void setQuitting(bool quitting) { m_quitting = quitting; }
+
+    const Options& options() const { return m_options; }
+    void setOptions(const Options& options) { m_options = options; }
+
+    /// Editor windows that became documents so far (new and opened menus; failed opens do not
+    /// count). Numbers the captions of new menus.
+    int editorsCreated() const { return m_editorsCreated; }
+    void noteEditorCreated() { ++m_editorsCreated; }
+
+    /// Tree-node index (1-based) of the node last chosen by a plain click, in whichever editor
+    /// window. Names the item whose link is being set while an editor chooses a link target.
+    qint16 lastNodeIndex() const { return m_lastNodeIndex; }
+    void setLastNodeIndex(qint16 index) { m_lastNodeIndex = index; }
+
+private:
+    DocumentList m_documents;
+    QList<QPointer<EditorWindow>> m_editors;
+    qint16 m_activeDocumentIndex = 0;
+    bool m_quitting = false;
+    Options m_options;
+    int m_editorsCreated = 0;
+    qint16 m_lastNodeIndex = 0;
+};

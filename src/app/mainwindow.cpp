@@ -1,0 +1,805 @@
+#include "mainwindow.h"
+
+#include "app/aboutinfo.h"
+#include "app/commandlinemenu.h"
+#include "app/editorwindow.h"
+#include "app/helplauncher.h"
+#include "app/languageconfig.h"
+#include "app/newmenudocument.h"
+#include "app/optionsdialog.h"
+#include "app/optionsstore.h"
+#include "app/programfolder.h"
+#include "app/userprompts.h"
+#include "menufile/menufilereader.h"
+#include "menufile/menufilewriter.h"
+#include "model/menudocument.h"
+#include "model/runtimeerror.h"
+#include "treeview/hidemode.h"
+#include "treeview/itemtree.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QUrl>
+
+namespace {
+
+QString fileDialogTitle()
+{
+    return QStringLiteral("Select a menu file ...");
+}
+
+QString fileDialogFilter()
+{
+    return QStringLiteral("Menu File (*.ini)");
+}
+
+QString lineEnd()
+{
+    return QStringLiteral("\r\n");
+}
+
+/// The folder for Recent.ini: the program's folder, or the per-user folder when the program is
+/// installed where the user cannot write.
+QString recentListFolder(const QString& programFolder)
+{
+    return ProgramFolder::isWritableFolder(programFolder) ? programFolder : ProgramFolder::writablePath();
+}
+
+} // namespace
+
+MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder, QWidget* parent)
+    : QMainWindow(parent)
+    , m_prompts(prompts)
+    , m_optionsStore(optionsStore)
+    , m_programFolder(programFolder)
+    , m_recent(recentListFolder(programFolder))
+{
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral("KELV Menu Editor"));
+    setAcceptDrops(true);
+
+    m_mdiArea = new QMdiArea(this);
+    m_mdiArea->setObjectName(QStringLiteral("mdiArea"));
+    m_mdiArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setCentralWidget(m_mdiArea);
+    connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
+
+    buildMenus();
+    buildStatusBar();
+
+    m_state.setOptions(m_optionsStore.loadOptions());
+    m_mnuCopyComDup->setChecked(m_state.options().copyCommandDup);
+    m_recent.loadRecentList();
+    syncRecentEntries();
+
+    resize(1000, 700);
+}
+
+MainWindow::~MainWindow()
+{
+    // The editor windows go after this object; their going must not reach it any more.
+    disconnect(m_mdiArea, nullptr, this, nullptr);
+}
+
+QAction* MainWindow::addEntry(QMenu* menu, const QString& name, const QString& caption)
+{
+    QAction* entry = menu->addAction(caption);
+    entry->setObjectName(name);
+    return entry;
+}
+
+void MainWindow::addSeparator(QMenu* menu, const QString& name)
+{
+    QAction* separator = menu->addSeparator();
+    separator->setObjectName(name);
+}
+
+void MainWindow::buildMenus()
+{
+    auto namedMenu = [this](QMenu* parentMenu, const QString& name, const QString& caption) {
+        QMenu* menu = parentMenu ? parentMenu->addMenu(caption) : menuBar()->addMenu(caption);
+        menu->setObjectName(name);
+        menu->menuAction()->setObjectName(name);
+        return menu;
+    };
+    // Entries whose commands are not available yet stay visible but disabled.
+    auto unavailable = [](QAction* entry) { entry->setEnabled(false); };
+
+    // File
+    m_mnuFile = namedMenu(nullptr, QStringLiteral("mnuFile"), QStringLiteral("&File"));
+    QAction* mnuNew = addEntry(m_mnuFile, QStringLiteral("mnuNew"), QStringLiteral("New"));
+    mnuNew->setShortcut(QKeySequence::New);
+    connect(mnuNew, &QAction::triggered, this, &MainWindow::mnuNew_Click);
+    QAction* mnuOpen = addEntry(m_mnuFile, QStringLiteral("mnuOpen"), QStringLiteral("Open"));
+    mnuOpen->setShortcut(QKeySequence::Open);
+    connect(mnuOpen, &QAction::triggered, this, &MainWindow::mnuOpen_Click);
+    addSeparator(m_mnuFile, QStringLiteral("Tire01"));
+    m_mnuSave = addEntry(m_mnuFile, QStringLiteral("mnuSave"), QStringLiteral("Save"));
+    m_mnuSave->setShortcut(QKeySequence::Save);
+    m_mnuSave->setEnabled(false);
+    connect(m_mnuSave, &QAction::triggered, this, &MainWindow::mnuSave_Click);
+    QAction* mnuSaveAs = addEntry(m_mnuFile, QStringLiteral("mnuSaveAs"), QStringLiteral("Save as ..."));
+    connect(mnuSaveAs, &QAction::triggered, this, &MainWindow::mnuSaveAs_Click);
+    addSeparator(m_mnuFile, QStringLiteral("Tire11"));
+    QAction* mnuOptions = addEntry(m_mnuFile, QStringLiteral("mnuOptions"), QStringLiteral("Options"));
+    connect(mnuOptions, &QAction::triggered, this, &MainWindow::showOptions);
+    addSeparator(m_mnuFile, QStringLiteral("Tire02"));
+    for (int entry = 0; entry < RecentFileList::EntryCount; ++entry) {
+        QAction* recent = addEntry(m_mnuFile, QStringLiteral("mnuRecent") + QString::number(entry), QString());
+        recent->setVisible(false);
+        connect(recent, &QAction::triggered, this, [this, entry]() { openRecent(entry); });
+        m_mnuRecent.append(recent);
+    }
+    addSeparator(m_mnuFile, QStringLiteral("Tire03"));
+    m_tire03 = m_mnuFile->actions().constLast();
+    m_tire03->setVisible(false);
+    QAction* mnuQuit = addEntry(m_mnuFile, QStringLiteral("mnuQuit"), QStringLiteral("Quit"));
+    mnuQuit->setShortcut(QKeySequence::Quit);
+    if (mnuQuit->shortcut().isEmpty()) {
+        mnuQuit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    }
+    connect(mnuQuit, &QAction::triggered, this, &MainWindow::mnuQuit_Click);
+    connect(m_mnuFile, &QMenu::aboutToShow, this, &MainWindow::updateSaveEntry);
+
+    // Edit
+    m_mnuEdit = namedMenu(nullptr, QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
+    m_mnuUndo = addEntry(m_mnuEdit, QStringLiteral("mnuUndo"), QStringLiteral("Undo"));
+    unavailable(m_mnuUndo);
+    m_mnuRedo = addEntry(m_mnuEdit, QStringLiteral("mnuRedo"), QStringLiteral("Redo"));
+    unavailable(m_mnuRedo);
+    addSeparator(m_mnuEdit, QStringLiteral("Tire04"));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuNewItem"), QStringLiteral("New Item")));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuRename"), QStringLiteral("Rename")));
+    QMenu* mnuSpecial = namedMenu(m_mnuEdit, QStringLiteral("mnuSpecial"), QStringLiteral("Special items"));
+    const QStringList specialCaptions
+        = { QStringLiteral("$audiostream$"), QStringLiteral("$subtitlestream$"), QStringLiteral("$selectedfile$") };
+    for (int entry = 0; entry < specialCaptions.size(); ++entry) {
+        unavailable(addEntry(mnuSpecial, QStringLiteral("mnuSpecialItems") + QString::number(entry),
+                             specialCaptions.at(entry)));
+    }
+    addSeparator(m_mnuEdit, QStringLiteral("Tire08"));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuCut"), QStringLiteral("Cut")));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuCopy"), QStringLiteral("Copy")));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuPaste"), QStringLiteral("Paste")));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuDuplicate"), QStringLiteral("Duplicate")));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuDelete"), QStringLiteral("Delete")));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuReplace"), QStringLiteral("Replace")));
+    addSeparator(m_mnuEdit, QStringLiteral("Tire05"));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuSelectCopy"), QStringLiteral("Select an item to copy")));
+    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuLFCopyCommand"), QStringLiteral("Look for CopyCommand")));
+    unavailable(
+        addEntry(m_mnuEdit, QStringLiteral("mnuUncheckCopyCommand"), QStringLiteral("Uncheck all CopyCommand")));
+    addSeparator(m_mnuEdit, QStringLiteral("Tire10"));
+    m_mnuCopyComDup
+        = addEntry(m_mnuEdit, QStringLiteral("mnuCopyComDup"), QStringLiteral("CopyCommand at Duplication"));
+    m_mnuCopyComDup->setCheckable(true);
+    connect(m_mnuCopyComDup, &QAction::triggered, this, &MainWindow::toggleCopyCommandDup);
+    QAction* mnuRefresh = addEntry(m_mnuEdit, QStringLiteral("mnuRefresh"), QStringLiteral("Refresh List"));
+    mnuRefresh->setShortcut(QKeySequence(Qt::Key_F5));
+    connect(mnuRefresh, &QAction::triggered, this, &MainWindow::mnuRefresh_Click);
+    QMenu* mnuHide = namedMenu(m_mnuEdit, QStringLiteral("mnuHide"), QStringLiteral("Hide items"));
+    m_mnuHideCopies = addEntry(mnuHide, QStringLiteral("mnuHideCopies"), QStringLiteral("... copied"));
+    m_mnuHideWCommand = addEntry(mnuHide, QStringLiteral("mnuHideWCommand"), QStringLiteral("... without command"));
+    m_mnuHideBoth = addEntry(mnuHide, QStringLiteral("mnuHideBoth"), QStringLiteral("... both"));
+    for (QAction* entry : { m_mnuHideCopies, m_mnuHideWCommand, m_mnuHideBoth }) {
+        entry->setCheckable(true);
+    }
+    connect(m_mnuHideCopies, &QAction::triggered, this, &MainWindow::mnuHideCopies_Click);
+    connect(m_mnuHideWCommand, &QAction::triggered, this, &MainWindow::mnuHideWCommand_Click);
+    connect(m_mnuHideBoth, &QAction::triggered, this, &MainWindow::mnuHideBoth_Click);
+
+    // Window
+    m_mnuWindow = namedMenu(nullptr, QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
+    QAction* mnuCascade = addEntry(m_mnuWindow, QStringLiteral("mnuCascade"), QStringLiteral("Cascade"));
+    connect(mnuCascade, &QAction::triggered, m_mdiArea, &QMdiArea::cascadeSubWindows);
+    QAction* mnuHorizontal = addEntry(m_mnuWindow, QStringLiteral("mnuHorizontal"), QStringLiteral("Tile Hozizontal"));
+    connect(mnuHorizontal, &QAction::triggered, this, [this]() { tileWindows(Qt::Horizontal); });
+    QAction* mnuVertical = addEntry(m_mnuWindow, QStringLiteral("mnuVertical"), QStringLiteral("Tile Vertical"));
+    connect(mnuVertical, &QAction::triggered, this, [this]() { tileWindows(Qt::Vertical); });
+    addSeparator(m_mnuWindow, QStringLiteral("Tire09"));
+    QAction* designEntry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName0"), QStringLiteral("window1"));
+    designEntry->setData(0);
+    designEntry->setVisible(false);
+    m_mnuWindowName.append(designEntry);
+
+    // Help
+    m_mnuH = namedMenu(nullptr, QStringLiteral("mnuH"), QStringLiteral("&Help"));
+    QAction* mnuHelp = addEntry(m_mnuH, QStringLiteral("mnuHelp"), QStringLiteral("&Help"));
+    mnuHelp->setShortcut(QKeySequence(Qt::Key_F1));
+    connect(mnuHelp, &QAction::triggered, this, &MainWindow::showHelp);
+    QAction* mnuAbout = addEntry(m_mnuH, QStringLiteral("mnuAbout"), QStringLiteral("&About"));
+    connect(mnuAbout, &QAction::triggered, this, &MainWindow::showAbout);
+
+    // Pop-up menus of the editor windows: the command list's menu and the menu shown when a tree
+    // node is dropped on another. Both come with the commands they belong to.
+    m_mnuCommand = new QMenu(this);
+    m_mnuCommand->setObjectName(QStringLiteral("mnuCommand"));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuAddCommand"), QStringLiteral("Add")));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuEditCommand"), QStringLiteral("Edit")));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuRemoveCommand"), QStringLiteral("Remove")));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuClearCommands"), QStringLiteral("Clear")));
+
+    m_mnuNodes = new QMenu(this);
+    m_mnuNodes->setObjectName(QStringLiteral("mnuNodes"));
+    QMenu* insertSub
+        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertSub"), QStringLiteral("Insert as subitem of"));
+    unavailable(addEntry(insertSub, QStringLiteral("mnuItemCopy"), QStringLiteral("Copy")));
+    unavailable(addEntry(insertSub, QStringLiteral("mnuItemMove"), QStringLiteral("Move")));
+    QMenu* insertNext = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert next to"));
+    unavailable(addEntry(insertNext, QStringLiteral("mnuNextItemCopy"), QStringLiteral("Copy")));
+    unavailable(addEntry(insertNext, QStringLiteral("mnuNextItemMove"), QStringLiteral("Move")));
+}
+
+void MainWindow::buildStatusBar()
+{
+    // Panels 2, 4 and 6 hold the selected item's index, the item count and the selected item's
+    // place among its siblings with its number of children; 1, 3 and 5 caption them.
+    const QStringList texts = { tr("Item index:"), QString(),       tr("Item count:"),
+                                QString(),         tr("Position:"), QStringLiteral("(Position ; Children)") };
+    for (int panel = 0; panel < texts.size(); ++panel) {
+        auto* label = new QLabel(texts.at(panel), this);
+        label->setObjectName(QStringLiteral("pnl") + QString::number(panel + 1));
+        if (panel % 2 == 1) {
+            label->setFrameShape(QFrame::Panel);
+            label->setFrameShadow(QFrame::Sunken);
+            label->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("(0000 ; 0000)")) + 12);
+        }
+        statusBar()->addWidget(label);
+        m_panels.append(label);
+    }
+}
+
+void MainWindow::setStatusPanelText(int panel, const QString& text)
+{
+    if (panel >= 1 && panel <= m_panels.size()) {
+        m_panels.at(panel - 1)->setText(text);
+    }
+}
+
+void MainWindow::showItemCount(int count)
+{
+    setStatusPanelText(4, QString::number(count));
+}
+
+QString MainWindow::activeDocumentTag() const
+{
+    const qint16 index = m_state.activeDocumentIndex();
+    return index == 0 ? QString() : QString::number(index);
+}
+
+void MainWindow::showCritical(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    request.icon = MessageRequest::Icon::Critical;
+    m_prompts.showMessage(request);
+}
+
+void MainWindow::showRunTimeError(const RunTimeError& error)
+{
+    showCritical(error.report());
+}
+
+QString MainWindow::openErrorMessage()
+{
+    const QStringList lines = { QStringLiteral("An error occured while opening the file !"),
+                                QString(),
+                                QStringLiteral("This is not a valid KELV Menu file"),
+                                QString(),
+                                QStringLiteral("Contact the developer for further information :"),
+                                contactLines() };
+    return lines.join(lineEnd());
+}
+
+// ---- Documents and editor windows -----------------------------------------------------------
+
+QMdiSubWindow* MainWindow::frameOf(const EditorWindow* editor) const
+{
+    return editor ? qobject_cast<QMdiSubWindow*>(editor->parentWidget()) : nullptr;
+}
+
+EditorWindow* MainWindow::createEditor(qint16 index)
+{
+    auto* editor = new EditorWindow(*this, index);
+    QMdiSubWindow* frame = m_mdiArea->addSubWindow(editor);
+    frame->setAttribute(Qt::WA_DeleteOnClose);
+    m_state.setEditor(index, editor);
+
+    QAction* entry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName") + QString::number(index), QString());
+    entry->setData(index);
+    entry->setVisible(false);
+    connect(entry, &QAction::triggered, this, [this, index]() { activateEditor(index); });
+    m_mnuWindowName.append(entry);
+
+    frame->show();
+    activateEditor(index);
+    return editor;
+}
+
+void MainWindow::discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow, qint16 previousIndex)
+{
+    EditorWindow* editor = m_state.editor(index);
+    m_state.clearEditor(index);
+    if (QMdiSubWindow* frame = frameOf(editor)) {
+        m_mdiArea->removeSubWindow(frame);
+        delete frame;
+    }
+    delete m_mnuWindowName.takeLast();
+    m_state.removeLastDocumentSlot();
+
+    if (previousWindow && m_mdiArea->subWindowList().contains(previousWindow)) {
+        m_mdiArea->setActiveSubWindow(previousWindow);
+    }
+    m_state.setActiveDocumentIndex(m_state.editor(previousIndex) ? previousIndex : 0);
+    if (m_state.activeDocumentIndex() != 0) {
+        editorActivated(m_state.activeDocumentIndex());
+    } else {
+        updateHideMarks();
+    }
+}
+
+void MainWindow::activateEditor(qint16 index)
+{
+    EditorWindow* editor = m_state.editor(index);
+    QMdiSubWindow* frame = frameOf(editor);
+    if (!frame) {
+        return;
+    }
+    if (frame->isMinimized()) {
+        frame->showNormal();
+    }
+    m_mdiArea->setActiveSubWindow(frame);
+    editorActivated(index);
+}
+
+void MainWindow::onSubWindowActivated(QMdiSubWindow* window)
+{
+    // A null window only means that the main window itself lost the focus; the active document
+    // stays until another editor window is activated or the active one closes.
+    auto* editor = window ? qobject_cast<EditorWindow*>(window->widget()) : nullptr;
+    if (editor && m_state.editor(editor->documentIndex()) == editor) {
+        editorActivated(editor->documentIndex());
+    }
+}
+
+void MainWindow::editorActivated(qint16 index)
+{
+    m_state.setActiveDocumentIndex(index);
+    updateHideMarks();
+    updateSaveEntry();
+    try {
+        showItemCount(int(m_state.document(index).items.size()));
+    } catch (const RunTimeError& error) {
+        showRunTimeError(error);
+    }
+}
+
+void MainWindow::setEditorCaption(qint16 index, const QString& caption)
+{
+    if (EditorWindow* editor = m_state.editor(index)) {
+        editor->setWindowTitle(caption);
+    }
+    if (index >= 1 && index < m_mnuWindowName.size()) {
+        m_mnuWindowName.at(index)->setText(caption);
+        m_mnuWindowName.at(index)->setVisible(true);
+    }
+}
+
+void MainWindow::editorClosed(qint16 index)
+{
+    if (index >= 1 && index < m_mnuWindowName.size()) {
+        m_mnuWindowName.at(index)->setVisible(false);
+    }
+    m_state.clearEditor(index);
+    if (m_state.activeDocumentIndex() == index) {
+        // The area activates the next editor window, if any, once this one is gone.
+        m_state.setActiveDocumentIndex(0);
+        updateHideMarks();
+        updateSaveEntry();
+    }
+}
+
+void MainWindow::regenerateTree(qint16 index, qint32 modeChange)
+{
+    EditorWindow* editor = m_state.editor(index);
+    if (!editor) {
+        return;
+    }
+    editor->generateTree(modeChange);
+    if (index == m_state.activeDocumentIndex()) {
+        updateHideMarks();
+        showItemCount(int(m_state.document(index).items.size()));
+    }
+}
+
+// ---- File commands ----------------------------------------------------------------------------
+
+void MainWindow::openCommandLineMenu(const QString& commandLine)
+{
+    const QString path = menuPathFromCommandLine(commandLine, m_programFolder);
+    if (!path.isEmpty()) {
+        openMenu(path, QFileInfo(path).fileName());
+    }
+}
+
+void MainWindow::mnuNew_Click()
+{
+    const qint16 index = m_state.appendDocumentSlot();
+    m_state.document(index) = newMenuDocument(index);
+    const QString caption = QStringLiteral("New menu ") + QString::number(m_state.editorsCreated() + 1);
+    createEditor(index);
+    m_state.noteEditorCreated();
+    try {
+        regenerateTree(index, 0);
+    } catch (const RunTimeError& error) {
+        showRunTimeError(error);
+    }
+    setEditorCaption(index, caption);
+}
+
+void MainWindow::mnuOpen_Click()
+{
+    const QString path = m_prompts.askOpenFileName(fileDialogTitle(), fileDialogFilter());
+    if (!path.isEmpty()) {
+        openMenu(path, QFileInfo(path).fileName());
+    }
+}
+
+qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
+{
+    QMdiSubWindow* previousWindow = m_mdiArea->activeSubWindow();
+    const qint16 previousIndex = m_state.activeDocumentIndex();
+
+    const qint16 index = m_state.appendDocumentSlot();
+    EditorWindow* editor = createEditor(index);
+    editor->showBusyNotice(QStringLiteral("Loading..."));
+    editor->tree()->setUpdatesEnabled(false);
+
+    MenuReadResult result;
+    try {
+        result = readMenuFile(path, m_state.options().checkCopyCommand != 0, m_state.document(index));
+    } catch (const RunTimeError& error) {
+        result.code = MenuReadResult::Failed;
+        result.errorNumber = error.number();
+    }
+    if (!result.ok()) {
+        showCritical(result.code == MenuReadResult::NotAMenuFile ? notMenuFileMessage() : openErrorMessage());
+        discardNewestEditor(index, previousWindow, previousIndex);
+        return 0;
+    }
+
+    editor->tree()->setUpdatesEnabled(true);
+    editor->hideBusyNotice();
+    MenuDocument& document = m_state.document(index);
+    document.windowIndex = index;
+    document.filePath = path;
+    document.saved = true;
+    m_state.noteEditorCreated();
+    activateEditor(index);
+    try {
+        regenerateTree(index, m_state.options().startingHideMode());
+    } catch (const RunTimeError& error) {
+        showRunTimeError(error);
+    }
+    setEditorCaption(index, fileTitle);
+    m_recent.addRecentFile(path);
+    syncRecentEntries();
+    return index;
+}
+
+bool MainWindow::writeDocument(qint16 index, const QString& path)
+{
+    try {
+        MenuDocument& document = m_state.document(index);
+        writeMenuFile(document, path);
+        document.filePath = path;
+        document.saved = true;
+    } catch (const RunTimeError& error) {
+        // The writer leaves the old file as it was; the document stays unsaved, so nothing is lost.
+        showRunTimeError(error);
+        return false;
+    }
+    updateSaveEntry();
+    return true;
+}
+
+void MainWindow::updateSaveEntry()
+{
+    const qint16 index = m_state.activeDocumentIndex();
+    bool enabled = false;
+    if (m_state.editor(index)) {
+        const MenuDocument& document = m_state.document(index);
+        enabled = !document.filePath.isEmpty() && !document.saved;
+    }
+    m_mnuSave->setEnabled(enabled);
+}
+
+void MainWindow::mnuSave_Click()
+{
+    const qint16 index = m_state.activeDocumentIndex();
+    if (!m_state.editor(index)) {
+        return;
+    }
+    const QString path = m_state.document(index).filePath;
+    if (!path.isEmpty()) {
+        writeDocument(index, path);
+    }
+}
+
+void MainWindow::mnuSaveAs_Click()
+{
+    const qint16 index = m_state.activeDocumentIndex();
+    if (!m_state.editor(index)) {
+        return;
+    }
+    const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
+    if (path.isEmpty()) {
+        return;
+    }
+    if (writeDocument(index, path)) {
+        setEditorCaption(index, QFileInfo(path).fileName());
+    }
+}
+
+bool MainWindow::saveForClosing(qint16 index)
+{
+    QString path = m_state.document(index).filePath;
+    if (path.isEmpty()) {
+        path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
+        if (path.isEmpty()) {
+            return true; // no name given: nothing is written
+        }
+    }
+    return writeDocument(index, path);
+}
+
+bool MainWindow::confirmCloseEditor(qint16 index)
+{
+    if (m_state.isQuitting() || !m_state.documents().isDocumentIndex(index) || m_state.document(index).saved) {
+        return true;
+    }
+    MessageRequest request;
+    request.text = QStringLiteral("Do you want to save changes ?");
+    request.icon = MessageRequest::Icon::Question;
+    request.buttons = MessageRequest::Buttons::YesNoCancel;
+    switch (m_prompts.showMessage(request)) {
+    case UserPrompts::Answer::Yes:
+        // A failed write keeps the window open, so the changes are not lost.
+        return saveForClosing(index);
+    case UserPrompts::Answer::No:
+        return true;
+    case UserPrompts::Answer::Cancel:
+    case UserPrompts::Answer::Ok:
+        break;
+    }
+    return false;
+}
+
+bool MainWindow::confirmQuit()
+{
+    QList<qint16> unsaved;
+    for (const qint16 index : m_state.openDocumentIndexes()) {
+        if (!m_state.document(index).saved) {
+            unsaved.append(index);
+        }
+    }
+    if (!unsaved.isEmpty()) {
+        QString text = QStringLiteral("Do you want to save changes on file : ");
+        for (const qint16 index : unsaved) {
+            text += lineEnd() + QStringLiteral("    ") + m_state.editor(index)->windowTitle();
+        }
+        MessageRequest request;
+        request.text = text;
+        request.icon = MessageRequest::Icon::Question;
+        request.buttons = MessageRequest::Buttons::YesNoCancel;
+        const UserPrompts::Answer answer = m_prompts.showMessage(request);
+        if (answer != UserPrompts::Answer::Yes && answer != UserPrompts::Answer::No) {
+            return false;
+        }
+        if (answer == UserPrompts::Answer::Yes) {
+            for (const qint16 index : unsaved) {
+                // A document that cannot be written stops quitting rather than being lost.
+                if (!saveForClosing(index)) {
+                    return false;
+                }
+            }
+        }
+    }
+    m_state.setQuitting(true);
+    return true;
+}
+
+void MainWindow::mnuQuit_Click()
+{
+    close();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!m_state.isQuitting() && !confirmQuit()) {
+        event->ignore();
+        return;
+    }
+    m_mdiArea->closeAllSubWindows();
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    if (!event->mimeData()->hasUrls()) {
+        return;
+    }
+    event->acceptProposedAction();
+    const QList<QUrl> urls = event->mimeData()->urls();
+    for (const QUrl& url : urls) {
+        if (!url.isLocalFile()) {
+            continue;
+        }
+        const QString path = url.toLocalFile();
+        const QFileInfo file(path);
+        if (file.exists() && path.right(4).toLower() == QLatin1String(".ini")) {
+            openMenu(path, file.fileName());
+        }
+    }
+}
+
+// ---- Tree display -----------------------------------------------------------------------------
+
+void MainWindow::mnuRefresh_Click()
+{
+    const qint16 index = m_state.activeDocumentIndex();
+    EditorWindow* editor = m_state.editor(index);
+    if (!editor) {
+        return;
+    }
+    try {
+        regenerateTree(index, -3);
+        editor->ColorizeMenu();
+    } catch (const RunTimeError& error) {
+        showRunTimeError(error);
+    }
+}
+
+void MainWindow::toggleHide(QAction* entry, int markedChange, int unmarkedChange)
+{
+    // The entry has already toggled its own mark; what counts is the mark it had before.
+    const bool wasMarked = !entry->isChecked();
+    const qint16 index = m_state.activeDocumentIndex();
+    try {
+        if (m_state.editor(index)) {
+            regenerateTree(index, wasMarked ? markedChange : unmarkedChange);
+        }
+    } catch (const RunTimeError& error) {
+        showRunTimeError(error);
+    }
+    // The marks always follow the document's hide mode.
+    updateHideMarks();
+}
+
+void MainWindow::mnuHideCopies_Click()
+{
+    toggleHide(m_mnuHideCopies, -1, 1);
+}
+
+void MainWindow::mnuHideWCommand_Click()
+{
+    toggleHide(m_mnuHideWCommand, -2, 2);
+}
+
+void MainWindow::mnuHideBoth_Click()
+{
+    toggleHide(m_mnuHideBoth, 0, 3);
+}
+
+void MainWindow::updateHideMarks()
+{
+    const qint16 index = m_state.activeDocumentIndex();
+    const int hideMode = m_state.editor(index) ? m_state.document(index).hideMode : 0;
+    const HideMode::Marks marks = HideMode::marksFor(hideMode);
+    m_mnuHideCopies->setChecked(marks.copies);
+    m_mnuHideWCommand->setChecked(marks.withoutCommand);
+    m_mnuHideBoth->setChecked(marks.both);
+}
+
+// ---- Window menu ------------------------------------------------------------------------------
+
+void MainWindow::tileWindows(Qt::Orientation orientation)
+{
+    QList<QMdiSubWindow*> windows;
+    const QList<QMdiSubWindow*> all = m_mdiArea->subWindowList(QMdiArea::CreationOrder);
+    for (QMdiSubWindow* window : all) {
+        if (window->isVisible() && !window->isMinimized()) {
+            windows.append(window);
+        }
+    }
+    if (windows.isEmpty()) {
+        return;
+    }
+    const QRect area = m_mdiArea->viewport()->rect();
+    const int count = int(windows.size());
+    // Horizontal tiling stacks the windows one above the other, each as wide as the area;
+    // vertical tiling puts them side by side, each as high as the area.
+    const int total = orientation == Qt::Horizontal ? area.height() : area.width();
+    int start = 0;
+    for (int position = 0; position < count; ++position) {
+        const int end = total * (position + 1) / count;
+        QMdiSubWindow* window = windows.at(position);
+        if (window->isMaximized()) {
+            window->showNormal();
+        }
+        if (orientation == Qt::Horizontal) {
+            window->setGeometry(0, start, area.width(), end - start);
+        } else {
+            window->setGeometry(start, 0, end - start, area.height());
+        }
+        start = end;
+    }
+}
+
+// ---- Recent files, options, help --------------------------------------------------------------
+
+void MainWindow::syncRecentEntries()
+{
+    for (int entry = 0; entry < m_mnuRecent.size(); ++entry) {
+        const RecentFileList::Entry recent = m_recent.entry(entry);
+        m_mnuRecent.at(entry)->setText(recent.caption);
+        m_mnuRecent.at(entry)->setVisible(recent.visible);
+    }
+    m_tire03->setVisible(m_recent.separatorVisible());
+}
+
+void MainWindow::openRecent(int entry)
+{
+    const QString path = m_recent.entry(entry).caption;
+    if (!path.isEmpty()) {
+        openMenu(path, QFileInfo(path).fileName());
+    }
+}
+
+void MainWindow::toggleCopyCommandDup(bool checked)
+{
+    Options options = m_state.options();
+    options.copyCommandDup = checked;
+    m_state.setOptions(options);
+    m_optionsStore.saveOptions(options);
+}
+
+void MainWindow::showOptions()
+{
+    OptionsDialog dialog(m_optionsStore, m_state.options(), this);
+    dialog.exec();
+    m_state.setOptions(dialog.options());
+}
+
+void MainWindow::showHelp()
+{
+    HelpLauncher launcher(m_prompts);
+    launcher.showHelp(LanguageConfig(m_programFolder).helpFilePath());
+}
+
+void MainWindow::showAbout()
+{
+    MessageRequest request;
+    request.text = aboutText();
+    request.icon = MessageRequest::Icon::Information;
+    m_prompts.showMessage(request);
+}

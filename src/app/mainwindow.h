@@ -1,0 +1,164 @@
+#pragma once
+
+#include "app/applicationstate.h"
+#include "app/recentfilelist.h"
+
+#include <QList>
+#include <QMainWindow>
+#include <QString>
+
+class EditorWindow;
+class OptionsStore;
+class QAction;
+class QLabel;
+class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+class RunTimeError;
+class UserPrompts;
+
+/// The main window (frmMain): the menu bar, the status bar and the area that holds one editor
+/// window per open menu document. Every menu command acts on the active document, the document of
+/// the editor window activated last.
+///
+/// Its dependencies come in from outside so that tests can answer the message boxes and dialogs
+/// and keep the options, the recent list and the written files in temporary folders.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// Loads the options from `optionsStore` and the recent list from the program's folder (or the
+    /// per-user folder when the program's folder cannot be written to).
+    MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder,
+               QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    ApplicationState& state() { return m_state; }
+    const ApplicationState& state() const { return m_state; }
+    UserPrompts& prompts() { return m_prompts; }
+    QString programFolder() const { return m_programFolder; }
+
+    /// Opens the menu file named on the command line, if it names one ("$exepath$" stands for the
+    /// program's folder; anything not ending in "ini" is ignored).
+    void openCommandLineMenu(const QString& commandLine);
+
+    /// A new menu with one item, in a new editor window.
+    void mnuNew_Click();
+    /// Asks for a menu file and opens it.
+    void mnuOpen_Click();
+    /// Opens the menu file at `path` in a new editor window captioned `fileTitle`. On failure the
+    /// user is told why and nothing is left behind: no window, no document slot. Returns the new
+    /// document index, 0 on failure.
+    qint16 openMenu(const QString& path, const QString& fileTitle);
+    /// Writes the active document to its file.
+    void mnuSave_Click();
+    /// Asks for a file name and writes the active document to it.
+    void mnuSaveAs_Click();
+    /// Asks once about every unsaved document and ends the program (closes the main window).
+    void mnuQuit_Click();
+
+    void mnuRefresh_Click();
+    void mnuHideCopies_Click();
+    void mnuHideWCommand_Click();
+    void mnuHideBoth_Click();
+
+    /// Document index of the active editor window; 0 when no editor window is active.
+    qint16 activeDocumentIndex() const { return m_state.activeDocumentIndex(); }
+    /// The active document index as text; empty when no editor window is active.
+    QString activeDocumentTag() const;
+    /// The editor window of document `index`; null when it is closed or there is none.
+    EditorWindow* editor(qint16 index) const { return m_state.editor(index); }
+    EditorWindow* activeEditor() const { return m_state.editor(m_state.activeDocumentIndex()); }
+
+    /// Rebuilds the tree of document `index` in its editor window (see EditorWindow::generateTree)
+    /// and, when it is the active document, brings the Hide check marks and the item count up to
+    /// date.
+    void regenerateTree(qint16 index, qint32 modeChange);
+    /// Shows `count` in the item-count panel (panel 4) of the status bar.
+    void showItemCount(int count);
+    /// Sets the text of status-bar panel `panel` (1..6).
+    void setStatusPanelText(int panel, const QString& text);
+    /// Reports a run-time error of an operation to the user. Every failure of a menu command or of
+    /// a click in an editor window ends up here.
+    void showRunTimeError(const RunTimeError& error);
+    /// Enables Save exactly when the active document has a file and is not saved.
+    void updateSaveEntry();
+    /// Sets the check marks of the three Hide entries from the active document's hide mode.
+    void updateHideMarks();
+
+    /// The save question of an editor window that is about to close. False keeps it open.
+    bool confirmCloseEditor(qint16 index);
+    /// An editor window has closed: its window-menu entry goes, its document slot stays.
+    void editorClosed(qint16 index);
+    /// An editor window has become the active one.
+    void editorActivated(qint16 index);
+
+    /// The message shown when a menu file cannot be read for another reason than not being a menu
+    /// file.
+    static QString openErrorMessage();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void buildMenus();
+    void buildStatusBar();
+    QAction* addEntry(QMenu* menu, const QString& name, const QString& caption);
+    void addSeparator(QMenu* menu, const QString& name);
+
+    EditorWindow* createEditor(qint16 index);
+    void discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow, qint16 previousIndex);
+    void activateEditor(qint16 index);
+    void setEditorCaption(qint16 index, const QString& caption);
+    QMdiSubWindow* frameOf(const EditorWindow* editor) const;
+    void tileWindows(Qt::Orientation orientation);
+
+    /// Writes document `index` to `path`; a failure is shown and leaves the document unsaved.
+    bool writeDocument(qint16 index, const QString& path);
+    /// Saves document `index` for closing: to its file, else to a name asked for. False when the
+    /// write failed, true also when the user gave no name.
+    bool saveForClosing(qint16 index);
+    /// The quit question and the saving it asks for. False when quitting stops.
+    bool confirmQuit();
+
+    void showCritical(const QString& text);
+    void toggleHide(QAction* entry, int markedChange, int unmarkedChange);
+    void syncRecentEntries();
+    void openRecent(int entry);
+    void toggleCopyCommandDup(bool checked);
+    void showOptions();
+    void showHelp();
+    void showAbout();
+    void onSubWindowActivated(QMdiSubWindow* window);
+
+    UserPrompts& m_prompts;
+    OptionsStore& m_optionsStore;
+    QString m_programFolder;
+    ApplicationState m_state;
+    RecentFileList m_recent;
+
+    QMdiArea* m_mdiArea = nullptr;
+    QMenu* m_mnuFile = nullptr;
+    QMenu* m_mnuEdit = nullptr;
+    QMenu* m_mnuWindow = nullptr;
+    QMenu* m_mnuH = nullptr;
+    QMenu* m_mnuCommand = nullptr;
+    QMenu* m_mnuNodes = nullptr;
+    QAction* m_mnuSave = nullptr;
+    QAction* m_mnuUndo = nullptr;
+    QAction* m_mnuRedo = nullptr;
+    QAction* m_mnuCopyComDup = nullptr;
+    QAction* m_mnuHideCopies = nullptr;
+    QAction* m_mnuHideWCommand = nullptr;
+    QAction* m_mnuHideBoth = nullptr;
+    QAction* m_tire03 = nullptr;
+    QAction* m_tire09 = nullptr;
+    QList<QAction*> m_mnuRecent;
+    /// One entry per document slot, addressed by document index; entry 0 is the hidden design
+    /// entry "window1".
+    QList<QAction*> m_mnuWindowName;
+    QList<QLabel*> m_panels;
+};
