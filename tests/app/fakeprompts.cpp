@@ -1,0 +1,42 @@
+#include "fakeprompts.h"
+
+UserPrompts::Answer FakePrompts::showMessage(const MessageRequest& request)
+{
+    messages.append(request);
+    if (request.buttons == MessageRequest::Buttons::Ok) {
+        return Answer::Ok;
+    }
+    if (answers.isEmpty()) {
+        ++unansweredQuestions;
+        return Answer::Cancel;
+    }
+    return answers.takeFirst();
+}
+
+QString FakePrompts::askOpenFileName(const QString& title, const QString& filter)
+{
+    fileRequests.append({ FileRequest::Kind::Open, title, filter });
+    return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
+}
+
+QString FakePrompts::askSaveFileName(const QString& title, const QString& filter)
+{
+    fileRequests.append({ FileRequest::Kind::Save, title, filter });
+    return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
+}
+
+QStringList FakePrompts::messageTexts() const
+{
+    QStringList texts;
+    for (const MessageRequest& request : messages) {
+        texts.append(request.text);
+    }
+    return texts;
+}
+
+void FakePrompts::clearLog()
+{
+    messages.clear();
+    fileRequests.clear();
+    unansweredQuestions = 0;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "app/userprompts.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+/// Answers message boxes and file dialogs from queues filled in advance and logs every request
+/// exactly as the user would have seen it.
+class FakePrompts final : public UserPrompts
+{
+public:
+    /// One file dialog that was shown.
+    struct FileRequest
+    {
+        enum class Kind { Open, Save };
+        Kind kind = Kind::Open;
+        QString title;
+        QString filter;
+    };
+
+    Answer showMessage(const MessageRequest& request) override;
+    QString askOpenFileName(const QString& title, const QString& filter) override;
+    QString askSaveFileName(const QString& title, const QString& filter) override;
+
+    /// Answers for the coming Yes/No/Cancel boxes, in order. A box with only OK needs none.
+    QList<Answer> answers;
+    /// Names the coming file dialogs return, in order; a dialog with none left returns no name.
+    QStringList fileNames;
+
+    QList<MessageRequest> messages;
+    QList<FileRequest> fileRequests;
+    /// Yes/No/Cancel boxes that found no answer queued (they got Cancel).
+    int unansweredQuestions = 0;
+
+    /// The texts of the logged messages, in order.
+    QStringList messageTexts() const;
+    void clearLog();
+};

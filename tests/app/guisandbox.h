@@ -1,0 +1,56 @@
+#pragma once
+
+#include "fakeprompts.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <memory>
+
+class MainWindow;
+class OptionsStore;
+class QAction;
+
+/// Everything a window test touches, kept in one temporary folder: the program's folder (Recent.ini,
+/// Config.ini, Help/), a folder of menu files, and the options store as an INI file. The main window
+/// is created on first use, so that a test can prepare options and files first. Nothing is written
+/// beside the built program or into the user's real settings.
+class GuiSandbox
+{
+public:
+    GuiSandbox();
+    ~GuiSandbox();
+    GuiSandbox(const GuiSandbox&) = delete;
+    GuiSandbox& operator=(const GuiSandbox&) = delete;
+
+    bool isValid() const { return m_root.isValid(); }
+    QString programFolder() const;
+    QString menuFolder() const;
+    /// A path in the menu folder.
+    QString menuPath(const QString& fileName) const;
+
+    /// Copies a bundled example menu into the menu folder (under `fileName`, default its own name)
+    /// and returns the copy's path.
+    QString copyExample(const QString& exampleName, const QString& fileName = QString()) const;
+    /// Writes `bytes` to `path` and returns the path; empty when writing failed.
+    static QString writeFile(const QString& path, const QByteArray& bytes);
+    static QByteArray readFile(const QString& path);
+    /// A menu file in the editor's layout: `itemLines` as they stand in the [Menu] section (depth
+    /// marked by "···"), `commandLines` as in the [Commands] section ("0002:zip=pack.exe a").
+    static QByteArray menuBytes(const QStringList& itemLines, const QStringList& commandLines);
+
+    OptionsStore& optionsStore() { return *m_optionsStore; }
+    FakePrompts& prompts() { return m_prompts; }
+    MainWindow& window();
+
+    /// The main window's menu entry named `name`; null when there is none.
+    QAction* action(const QString& name);
+
+private:
+    QTemporaryDir m_root;
+    std::unique_ptr<OptionsStore> m_optionsStore;
+    FakePrompts m_prompts;
+    std::unique_ptr<MainWindow> m_window;
+};

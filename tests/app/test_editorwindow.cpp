@@ -1,0 +1,303 @@
+#include "guisandbox.h"
+
+#include "app/editorwindow.h"
+#include "app/mainwindow.h"
+#include "model/menudocument.h"
+#include "model/runtimeerror.h"
+#include "treeview/itemtree.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+QStringList listLines(const QListWidget* list)
+{
+    QStringList lines;
+    for (int row = 0; row < list->count(); ++row) {
+        lines.append(list->item(row)->text());
+    }
+    return lines;
+}
+
+MenuItem makeItem(const QString& caption, const QString& key, qint16 parent, qint16 siblingOrder,
+                  const QList<Command>& commands = {})
+{
+    MenuItem item;
+    item.caption = caption;
+    item.key = key;
+    item.parent = parent;
+    item.siblingOrder = siblingOrder;
+    item.commands = MenuItem::placeholderCommands() + commands;
+    return item;
+}
+
+/// Archive (E0) with the children Pack (E1, two commands) and Unpack (E2, a link to Pack that
+/// keeps one command of its own), then Delete (E3, one command).
+MenuDocument linkedDocument()
+{
+    MenuDocument document;
+    MenuItem archive = makeItem(QStringLiteral("Archive"), QStringLiteral("E0"), -1, 1);
+    archive.childCount = 2;
+    MenuItem pack = makeItem(QStringLiteral("Pack"), QStringLiteral("E1"), 0, 1,
+                             { { QStringLiteral("zip"), QStringLiteral("pack.exe a $fs-001$") },
+                               { QStringLiteral("rar"), QStringLiteral("pack.exe r $fs-001$||echo done") } });
+    MenuItem unpack = makeItem(QStringLiteral("Unpack"), QStringLiteral("E2"), 0, 2,
+                               { { QStringLiteral("zip"), QStringLiteral("unpack.exe $fs-001$") } });
+    unpack.copyKey = QStringLiteral("E1");
+    unpack.copiesCommands = true;
+    MenuItem erase = makeItem(QStringLiteral("Delete"), QStringLiteral("E3"), -1, 2,
+                              { { QString(), QStringLiteral("del $fs-001$") } });
+    erase.copyKey = QStringLiteral("E1"); // a target chosen once, link switched off
+    document.items = { archive, pack, unpack, erase };
+    document.lastIndex = 3;
+    return document;
+}
+
+/// A new menu in the sandbox's main window whose document is replaced by `document`.
+EditorWindow* showDocument(GuiSandbox& sandbox, const MenuDocument& document)
+{
+    MainWindow& window = sandbox.window();
+    window.mnuNew_Click();
+    const qint16 index = window.activeDocumentIndex();
+    MenuDocument& slot = window.state().document(index);
+    slot = document;
+    slot.windowIndex = index;
+    window.regenerateTree(index, -3);
+    return window.editor(index);
+}
+
+QString panelText(GuiSandbox& sandbox, int panel)
+{
+    return sandbox.window().findChild<QLabel*>(QStringLiteral("pnl") + QString::number(panel))->text();
+}
+
+template <typename Widget> Widget* control(EditorWindow* editor, const char* name)
+{
+    return editor->findChild<Widget*>(QString::fromLatin1(name));
+}
+
+} // namespace
+
+class TestEditorWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void controlsCarryTheirNames()
+    {
+        GuiSandbox sandbox;
+        sandbox.window().mnuNew_Click();
+        EditorWindow* editor = sandbox.window().activeEditor();
+        QCOMPARE(editor->objectName(), QStringLiteral("frmEditor"));
+        QVERIFY(control<ItemTree>(editor, "lstMenu"));
+        QVERIFY(control<QListWidget>(editor, "lstCommand"));
+        QVERIFY(control<QCheckBox>(editor, "chkCopyCommand"));
+        QVERIFY(control<QLineEdit>(editor, "txtItemIndexCopy")->isReadOnly());
+        QVERIFY(control<QPushButton>(editor, "cmdChangeCopy")->isCheckable());
+        QVERIFY(control<QLabel>(editor, "lblPath"));
+        QVERIFY(control<QFrame>(editor, "frm01"));
+        QVERIFY(control<QLabel>(editor, "lblReconstruct"));
+        // Commands built later are there but cannot be used yet.
+        QVERIFY(!control<QPushButton>(editor, "cmdUp")->isEnabled());
+        QVERIFY(!control<QPushButton>(editor, "cmdDown")->isEnabled());
+        QVERIFY(!control<QPushButton>(editor, "cmdChangeCopy")->isEnabled());
+        QVERIFY(!control<QCheckBox>(editor, "chkCopyCommand")->isEnabled());
+    }
+
+    void aFreshEditorHasTheDefaultCaption()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.state().appendDocumentSlot();
+        EditorWindow editor(window, index);
+        QCOMPARE(editor.windowTitle(), QStringLiteral("KELV Menu Editor - Form"));
+        QCOMPARE(editor.documentIndex(), index);
+    }
+
+    void generatingSelectsTheFirstItemAndHidesTheNotice()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+        QCOMPARE(tree->nodeCount(), 5);
+        QCOMPARE(tree->currentItem(), tree->node(2));
+        QCOMPARE(tree->keyOf(tree->currentItem()), QStringLiteral("E0"));
+        QVERIFY(editor->nodeClicked());
+        QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Archive"));
+        QVERIFY(control<QFrame>(editor, "frm01")->isHidden());
+        QCOMPARE(control<QLabel>(editor, "lblReconstruct")->text(), QStringLiteral("Generating tree ..."));
+    }
+
+    void anEmptyTreeSelectsNothing()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, MenuDocument());
+        QCOMPARE(editor->tree()->nodeCount(), 1);
+        QVERIFY(editor->tree()->selectedItems().isEmpty());
+        QVERIFY(control<QListWidget>(editor, "lstCommand")->count() == 0);
+        QVERIFY(control<QLabel>(editor, "lblPath")->text().isEmpty());
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void clickingAnItemShowsItsPlaceAndCommands()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E1")));
+
+        QCOMPARE(panelText(sandbox, 2), QStringLiteral("1"));
+        QCOMPARE(panelText(sandbox, 6), QStringLiteral("(1 ; 0)"));
+        QCOMPARE(sandbox.window().state().lastNodeIndex(),
+                 qint16(tree->indexOfNode(tree->nodeByKey(QStringLiteral("E1")))));
+        QCOMPARE(tree->currentItem(), tree->nodeByKey(QStringLiteral("E1")));
+        QVERIFY(tree->currentItem()->isSelected());
+        QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Archive\\Pack"));
+        auto* commands = control<QListWidget>(editor, "lstCommand");
+        QCOMPARE(listLines(commands),
+                 QStringList({ QStringLiteral("zip=pack.exe a $fs-001$"),
+                               QStringLiteral("rar=pack.exe r $fs-001$||echo done") }));
+        QVERIFY(commands->isEnabled());
+        QVERIFY(!control<QCheckBox>(editor, "chkCopyCommand")->isChecked());
+        QVERIFY(control<QLineEdit>(editor, "txtItemIndexCopy")->text().isEmpty());
+        QVERIFY(!control<QLineEdit>(editor, "txtItemIndexCopy")->isEnabled());
+
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E0")));
+        QCOMPARE(panelText(sandbox, 2), QStringLiteral("0"));
+        QCOMPARE(panelText(sandbox, 6), QStringLiteral("(1 ; 2)"));
+        QVERIFY(control<QListWidget>(editor, "lstCommand")->count() == 0);
+    }
+
+    void aLinkedItemShowsItsTargetsCommands()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        editor->lstMenu_NodeClick(editor->tree()->nodeByKey(QStringLiteral("E2")));
+
+        auto* commands = control<QListWidget>(editor, "lstCommand");
+        QCOMPARE(listLines(commands),
+                 QStringList({ QStringLiteral("zip=pack.exe a $fs-001$"),
+                               QStringLiteral("rar=pack.exe r $fs-001$||echo done") }));
+        QVERIFY(!commands->isEnabled());
+        QVERIFY(control<QCheckBox>(editor, "chkCopyCommand")->isChecked());
+        QCOMPARE(control<QLineEdit>(editor, "txtItemIndexCopy")->text(), QStringLiteral("1"));
+        QVERIFY(control<QLineEdit>(editor, "txtItemIndexCopy")->isEnabled());
+        QCOMPARE(panelText(sandbox, 6), QStringLiteral("(2 ; 0)"));
+        // Showing the link changes nothing in the document.
+        const MenuItem& item = sandbox.window().state().document(editor->documentIndex()).items.at(2);
+        QVERIFY(item.copiesCommands);
+        QCOMPARE(item.commands.size(), 2);
+    }
+
+    void anItemWithASwitchedOffLinkShowsItsTargetAndOwnCommands()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        editor->lstMenu_NodeClick(editor->tree()->nodeByKey(QStringLiteral("E3")));
+        QCOMPARE(listLines(control<QListWidget>(editor, "lstCommand")),
+                 QStringList({ QStringLiteral("=del $fs-001$") }));
+        QCOMPARE(control<QLineEdit>(editor, "txtItemIndexCopy")->text(), QStringLiteral("1"));
+        QVERIFY(!control<QCheckBox>(editor, "chkCopyCommand")->isChecked());
+        QCOMPARE(panelText(sandbox, 2), QStringLiteral("3"));
+        QCOMPARE(panelText(sandbox, 6), QStringLiteral("(2 ; 0)"));
+    }
+
+    void aBrokenLinkShowsNoCommands()
+    {
+        GuiSandbox sandbox;
+        MenuDocument document = linkedDocument();
+        document.items[2].copyKey = QStringLiteral("E9");
+        EditorWindow* editor = showDocument(sandbox, document);
+        editor->lstMenu_NodeClick(editor->tree()->nodeByKey(QStringLiteral("E2")));
+        QVERIFY(control<QListWidget>(editor, "lstCommand")->count() == 0);
+        QCOMPARE(control<QLineEdit>(editor, "txtItemIndexCopy")->text(), QStringLiteral("-1"));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void clickingTheRootDoesNothing()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E1")));
+        editor->lstMenu_NodeClick(tree->node(1));
+        QCOMPARE(tree->currentItem(), tree->nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(panelText(sandbox, 2), QStringLiteral("1"));
+        QCOMPARE(control<QListWidget>(editor, "lstCommand")->count(), 2);
+    }
+
+    void mouseClicksAndKeyboardMovesShowTheItem()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        sandbox.window().show();
+        QVERIFY(QTest::qWaitForWindowExposed(&sandbox.window()));
+        ItemTree* tree = editor->tree();
+
+        QTreeWidgetItem* erase = tree->nodeByKey(QStringLiteral("E3"));
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::NoModifier, tree->visualItemRect(erase).center());
+        QCOMPARE(tree->currentItem(), erase);
+        QCOMPARE(panelText(sandbox, 2), QStringLiteral("3"));
+        QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Delete"));
+
+        tree->setFocus();
+        QTest::keyClick(tree, Qt::Key_Up);
+        QCOMPARE(tree->keyOf(tree->currentItem()), QStringLiteral("E2"));
+        QCOMPARE(panelText(sandbox, 2), QStringLiteral("2"));
+        QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Archive\\Unpack"));
+        QVERIFY(control<QCheckBox>(editor, "chkCopyCommand")->isChecked());
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void aClickOnANodeWithoutItemReportsTheError()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        sandbox.window().show();
+        QVERIFY(QTest::qWaitForWindowExposed(&sandbox.window()));
+        ItemTree* tree = editor->tree();
+        // The item behind the node goes away without the tree being rebuilt.
+        sandbox.window().state().document(editor->documentIndex()).items[3].key = QStringLiteral("E7");
+
+        QTreeWidgetItem* erase = tree->nodeByKey(QStringLiteral("E3"));
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::NoModifier, tree->visualItemRect(erase).center());
+
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        const MessageRequest& shown = sandbox.prompts().messages.constFirst();
+        QCOMPARE(shown.icon, MessageRequest::Icon::Critical);
+        QCOMPARE(shown.text, RunTimeError(9, QStringLiteral("lstMenu_NodeClick")).report());
+    }
+
+    void colorizeFollowsTheDocument()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+        const QColor maroon(128, 0, 0);
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E3"))->foreground(0).color(), maroon);
+        MenuDocument& document = sandbox.window().state().document(editor->documentIndex());
+        document.items[3].commands = MenuItem::placeholderCommands();
+        editor->ColorizeMenu();
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E3"))->foreground(0).color(), QColor(0, 0, 0));
+    }
+
+    void closingTheEditorAsksTheMainWindow()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        sandbox.prompts().answers = { UserPrompts::Answer::Cancel };
+        QVERIFY(!editor->closeWindow());
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QVERIFY(sandbox.window().editor(editor->documentIndex()) == editor);
+    }
+};
+
+QTEST_MAIN(TestEditorWindow)
+#include "test_editorwindow.moc"

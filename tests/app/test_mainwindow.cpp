@@ -1,0 +1,1124 @@
+#include "guisandbox.h"
+
+#include "app/aboutinfo.h"
+#include "app/editorwindow.h"
+#include "app/helplauncher.h"
+#include "app/languageconfig.h"
+#include "app/mainwindow.h"
+#include "app/optionsstore.h"
+#include "menufile/menufilereader.h"
+#include "model/menudocument.h"
+#include "treeview/itemtree.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+
+namespace {
+
+using Answer = UserPrompts::Answer;
+
+/// The entries of `menu` as "name|caption", separators as "name|-", submenus followed by their own
+/// entries indented by two blanks.
+QStringList menuLayout(const QMenu* menu, const QString& indent = QString())
+{
+    QStringList layout;
+    const QList<QAction*> actions = menu->actions();
+    for (const QAction* action : actions) {
+        const QString caption = action->isSeparator() ? QStringLiteral("-") : action->text();
+        layout.append(indent + action->objectName() + QLatin1Char('|') + caption);
+        if (action->menu()) {
+            layout += menuLayout(action->menu(), indent + QStringLiteral("  "));
+        }
+    }
+    return layout;
+}
+
+/// The captions of the visible window-menu entries, in menu order.
+QStringList visibleWindowEntries(MainWindow& window)
+{
+    QStringList captions;
+    const QList<QAction*> actions = window.findChild<QMenu*>(QStringLiteral("mnuWindow"))->actions();
+    for (const QAction* action : actions) {
+        if (action->objectName().startsWith(QLatin1String("mnuWindowName")) && action->isVisible()) {
+            captions.append(action->text());
+        }
+    }
+    return captions;
+}
+
+/// The captions of the open editor windows, by document index.
+QStringList editorCaptions(MainWindow& window)
+{
+    QStringList captions;
+    for (const qint16 index : window.state().openDocumentIndexes()) {
+        captions.append(window.editor(index)->windowTitle());
+    }
+    return captions;
+}
+
+QMdiArea* mdiArea(MainWindow& window)
+{
+    return window.findChild<QMdiArea*>();
+}
+
+QMdiSubWindow* frameOf(EditorWindow* editor)
+{
+    return qobject_cast<QMdiSubWindow*>(editor->parentWidget());
+}
+
+MessageRequest critical(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    request.icon = MessageRequest::Icon::Critical;
+    return request;
+}
+
+MessageRequest saveQuestion(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    request.icon = MessageRequest::Icon::Question;
+    request.buttons = MessageRequest::Buttons::YesNoCancel;
+    return request;
+}
+
+/// What an edit does to a document as far as closing is concerned: it changes and is not saved.
+void editDocument(MainWindow& window, qint16 index, const QString& newCaption)
+{
+    MenuDocument& document = window.state().document(index);
+    document.items[0].caption = newCaption;
+    document.saved = false;
+}
+
+QString firstCaptionInFile(const QString& path)
+{
+    MenuDocument document;
+    if (!readMenuFile(path, false, document).ok() || document.items.isEmpty()) {
+        return QString();
+    }
+    return document.items.constFirst().caption;
+}
+
+/// A file name as long as a file system allows (255 bytes). The file itself can be made, but no
+/// temporary file with a longer name can be placed beside it, so a safe save over it always fails,
+/// whatever rights the tests run with.
+QString longestFileName()
+{
+    return QString(251, QLatin1Char('m')) + QStringLiteral(".ini");
+}
+
+void sendDrop(MainWindow& window, const QStringList& paths)
+{
+    QList<QUrl> urls;
+    for (const QString& path : paths) {
+        urls.append(QUrl::fromLocalFile(path));
+    }
+    QMimeData data;
+    data.setUrls(urls);
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &enter);
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &drop);
+}
+
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void menusHoldEveryEntryInOrder()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.objectName(), QStringLiteral("frmMain"));
+        QCOMPARE(window.windowTitle(), QStringLiteral("KELV Menu Editor"));
+
+        QStringList bar;
+        const QList<QAction*> barActions = window.menuBar()->actions();
+        for (const QAction* action : barActions) {
+            bar.append(action->menu()->objectName() + QLatin1Char('|') + action->text());
+        }
+        QCOMPARE(bar,
+                 QStringList({ QStringLiteral("mnuFile|&File"), QStringLiteral("mnuEdit|&Edit"),
+                               QStringLiteral("mnuWindow|&Window"), QStringLiteral("mnuH|&Help") }));
+
+        QStringList file = { QStringLiteral("mnuNew|New"),
+                             QStringLiteral("mnuOpen|Open"),
+                             QStringLiteral("Tire01|-"),
+                             QStringLiteral("mnuSave|Save"),
+                             QStringLiteral("mnuSaveAs|Save as ..."),
+                             QStringLiteral("Tire11|-"),
+                             QStringLiteral("mnuOptions|Options"),
+                             QStringLiteral("Tire02|-") };
+        for (int entry = 0; entry < 10; ++entry) {
+            file.append(QStringLiteral("mnuRecent") + QString::number(entry) + QLatin1Char('|'));
+        }
+        file += { QStringLiteral("Tire03|-"), QStringLiteral("mnuQuit|Quit") };
+        QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuFile"))), file);
+
+        const QStringList edit = { QStringLiteral("mnuUndo|Undo"),
+                                   QStringLiteral("mnuRedo|Redo"),
+                                   QStringLiteral("Tire04|-"),
+                                   QStringLiteral("mnuNewItem|New Item"),
+                                   QStringLiteral("mnuRename|Rename"),
+                                   QStringLiteral("mnuSpecial|Special items"),
+                                   QStringLiteral("  mnuSpecialItems0|$audiostream$"),
+                                   QStringLiteral("  mnuSpecialItems1|$subtitlestream$"),
+                                   QStringLiteral("  mnuSpecialItems2|$selectedfile$"),
+                                   QStringLiteral("Tire08|-"),
+                                   QStringLiteral("mnuCut|Cut"),
+                                   QStringLiteral("mnuCopy|Copy"),
+                                   QStringLiteral("mnuPaste|Paste"),
+                                   QStringLiteral("mnuDuplicate|Duplicate"),
+                                   QStringLiteral("mnuDelete|Delete"),
+                                   QStringLiteral("mnuReplace|Replace"),
+                                   QStringLiteral("Tire05|-"),
+                                   QStringLiteral("mnuSelectCopy|Select an item to copy"),
+                                   QStringLiteral("mnuLFCopyCommand|Look for CopyCommand"),
+                                   QStringLiteral("mnuUncheckCopyCommand|Uncheck all CopyCommand"),
+                                   QStringLiteral("Tire10|-"),
+                                   QStringLiteral("mnuCopyComDup|CopyCommand at Duplication"),
+                                   QStringLiteral("mnuRefresh|Refresh List"),
+                                   QStringLiteral("mnuHide|Hide items"),
+                                   QStringLiteral("  mnuHideCopies|... copied"),
+                                   QStringLiteral("  mnuHideWCommand|... without command"),
+                                   QStringLiteral("  mnuHideBoth|... both") };
+        QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuEdit"))), edit);
+
+        const QStringList windowMenu
+            = { QStringLiteral("mnuCascade|Cascade"), QStringLiteral("mnuHorizontal|Tile Hozizontal"),
+                QStringLiteral("mnuVertical|Tile Vertical"), QStringLiteral("Tire09|-"),
+                QStringLiteral("mnuWindowName0|window1") };
+        QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuWindow"))), windowMenu);
+
+        QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuH"))),
+                 QStringList({ QStringLiteral("mnuHelp|&Help"), QStringLiteral("mnuAbout|&About") }));
+
+        QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuCommand"))),
+                 QStringList({ QStringLiteral("mnuAddCommand|Add"), QStringLiteral("mnuEditCommand|Edit"),
+                               QStringLiteral("mnuRemoveCommand|Remove"), QStringLiteral("mnuClearCommands|Clear") }));
+        QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuNodes"))),
+                 QStringList({ QStringLiteral("mnuNodesInsertSub|Insert as subitem of"),
+                               QStringLiteral("  mnuItemCopy|Copy"), QStringLiteral("  mnuItemMove|Move"),
+                               QStringLiteral("mnuNodesInsertNext|Insert next to"),
+                               QStringLiteral("  mnuNextItemCopy|Copy"), QStringLiteral("  mnuNextItemMove|Move") }));
+        // The pop-up menus are not on the menu bar.
+        for (const QAction* action : barActions) {
+            QVERIFY(action->menu()->objectName() != QLatin1String("mnuCommand"));
+            QVERIFY(action->menu()->objectName() != QLatin1String("mnuNodes"));
+        }
+    }
+
+    void entriesOfLaterCommandsAreDisabled()
+    {
+        GuiSandbox sandbox;
+        const QStringList disabled = { QStringLiteral("mnuUndo"),          QStringLiteral("mnuRedo"),
+                                       QStringLiteral("mnuNewItem"),       QStringLiteral("mnuRename"),
+                                       QStringLiteral("mnuSpecialItems0"), QStringLiteral("mnuSpecialItems1"),
+                                       QStringLiteral("mnuSpecialItems2"), QStringLiteral("mnuCut"),
+                                       QStringLiteral("mnuCopy"),          QStringLiteral("mnuPaste"),
+                                       QStringLiteral("mnuDuplicate"),     QStringLiteral("mnuDelete"),
+                                       QStringLiteral("mnuReplace"),       QStringLiteral("mnuSelectCopy"),
+                                       QStringLiteral("mnuLFCopyCommand"), QStringLiteral("mnuUncheckCopyCommand"),
+                                       QStringLiteral("mnuAddCommand"),    QStringLiteral("mnuEditCommand"),
+                                       QStringLiteral("mnuRemoveCommand"), QStringLiteral("mnuClearCommands"),
+                                       QStringLiteral("mnuItemCopy"),      QStringLiteral("mnuItemMove"),
+                                       QStringLiteral("mnuNextItemCopy"),  QStringLiteral("mnuNextItemMove") };
+        for (const QString& name : disabled) {
+            QAction* entry = sandbox.action(name);
+            QVERIFY2(entry, qPrintable(name));
+            QVERIFY2(!entry->isEnabled(), qPrintable(name));
+        }
+        // Opening a document does not switch them on.
+        sandbox.window().mnuNew_Click();
+        for (const QString& name : disabled) {
+            QVERIFY2(!sandbox.action(name)->isEnabled(), qPrintable(name));
+        }
+        const QStringList enabled
+            = { QStringLiteral("mnuNew"),      QStringLiteral("mnuOpen"),       QStringLiteral("mnuSaveAs"),
+                QStringLiteral("mnuOptions"),  QStringLiteral("mnuQuit"),       QStringLiteral("mnuCopyComDup"),
+                QStringLiteral("mnuRefresh"),  QStringLiteral("mnuHideCopies"), QStringLiteral("mnuHideWCommand"),
+                QStringLiteral("mnuHideBoth"), QStringLiteral("mnuCascade"),    QStringLiteral("mnuHorizontal"),
+                QStringLiteral("mnuVertical"), QStringLiteral("mnuHelp"),       QStringLiteral("mnuAbout") };
+        for (const QString& name : enabled) {
+            QVERIFY2(sandbox.action(name)->isEnabled(), qPrintable(name));
+        }
+    }
+
+    void standardShortcuts()
+    {
+        GuiSandbox sandbox;
+        QCOMPARE(sandbox.action(QStringLiteral("mnuNew"))->shortcut(), QKeySequence(QKeySequence::New));
+        QCOMPARE(sandbox.action(QStringLiteral("mnuOpen"))->shortcut(), QKeySequence(QKeySequence::Open));
+        QCOMPARE(sandbox.action(QStringLiteral("mnuSave"))->shortcut(), QKeySequence(QKeySequence::Save));
+        QVERIFY(!sandbox.action(QStringLiteral("mnuQuit"))->shortcut().isEmpty());
+        QCOMPARE(sandbox.action(QStringLiteral("mnuHelp"))->shortcut(), QKeySequence(Qt::Key_F1));
+        QCOMPARE(sandbox.action(QStringLiteral("mnuRefresh"))->shortcut(), QKeySequence(Qt::Key_F5));
+    }
+
+    void statusBarHasSixPanels()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        for (int panel = 1; panel <= 6; ++panel) {
+            QVERIFY(window.findChild<QLabel*>(QStringLiteral("pnl") + QString::number(panel)));
+        }
+        QCOMPARE(window.findChild<QLabel*>(QStringLiteral("pnl6"))->text(), QStringLiteral("(Position ; Children)"));
+        window.mnuNew_Click();
+        QCOMPARE(window.findChild<QLabel*>(QStringLiteral("pnl4"))->text(), QStringLiteral("1"));
+    }
+
+    void startsWithoutDocumentsAndNoActiveDocument()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.state().lastSlot(), qint16(0));
+        QCOMPARE(window.activeDocumentIndex(), qint16(0));
+        QVERIFY(window.activeDocumentTag().isEmpty());
+        QVERIFY(mdiArea(window)->subWindowList().isEmpty());
+        QVERIFY(visibleWindowEntries(window).isEmpty());
+    }
+
+    void newMenusAreNumberedByEditorsCreated()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QString notMenu = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("notes.ini")), "hello\r\n");
+        MainWindow& window = sandbox.window();
+
+        window.mnuNew_Click();
+        window.mnuNew_Click();
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1"), QStringLiteral("New menu 2") }));
+        QCOMPARE(window.activeDocumentTag(), QStringLiteral("2"));
+
+        QVERIFY(window.openMenu(menu, QStringLiteral("archive-tools.ini")) == 3);
+        QVERIFY(window.openMenu(notMenu, QStringLiteral("notes.ini")) == 0);
+        window.mnuNew_Click();
+        QCOMPARE(editorCaptions(window),
+                 QStringList({ QStringLiteral("New menu 1"), QStringLiteral("New menu 2"),
+                               QStringLiteral("archive-tools.ini"), QStringLiteral("New menu 4") }));
+        QCOMPARE(visibleWindowEntries(window), editorCaptions(window));
+    }
+
+    void newMenuHoldsOneItem()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        const qint16 index = window.activeDocumentIndex();
+        QCOMPARE(index, qint16(1));
+        const MenuDocument& document = window.state().document(index);
+        QCOMPARE(document.items.size(), 1);
+        const MenuItem& item = document.items.constFirst();
+        QCOMPARE(item.caption, QStringLiteral("New Item 1"));
+        QCOMPARE(item.key, QStringLiteral("E0"));
+        QCOMPARE(item.level, qint16(1));
+        QCOMPARE(item.parent, qint16(-1));
+        QCOMPARE(item.siblingOrder, qint16(1));
+        QCOMPARE(item.copyKey, QStringLiteral("-1"));
+        QVERIFY(!document.saved);
+        QVERIFY(document.filePath.isEmpty());
+        QCOMPARE(document.windowIndex, index);
+
+        EditorWindow* editor = window.editor(index);
+        QCOMPARE(editor->tree()->nodeCount(), 2);
+        QCOMPARE(editor->tree()->currentItem(), editor->tree()->node(2));
+        QCOMPARE(sandbox.action(QStringLiteral("mnuWindowName1"))->text(), QStringLiteral("New menu 1"));
+        QCOMPARE(sandbox.action(QStringLiteral("mnuWindowName1"))->data().toInt(), 1);
+    }
+
+    void openingAMenuShowsItUnderItsFileName()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        QCOMPARE(index, qint16(1));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+        const MenuDocument& document = window.state().document(index);
+        QVERIFY(document.saved);
+        QCOMPARE(document.filePath, menu);
+        QCOMPARE(document.windowIndex, index);
+        QCOMPARE(document.hideMode, 0);
+        QCOMPARE(window.editor(index)->windowTitle(), QStringLiteral("archive-tools.ini"));
+        QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("archive-tools.ini") }));
+        QCOMPARE(window.activeDocumentIndex(), index);
+        QCOMPARE(window.findChild<QLabel*>(QStringLiteral("pnl4"))->text(), QString::number(document.items.size()));
+        QVERIFY(window.editor(index)->tree()->nodeCount() > 1);
+    }
+
+    void openingANonMenuFileShowsOnlyTheReadersMessage()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QString notMenu = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("notes.ini")), "hello\r\n");
+        MainWindow& window = sandbox.window();
+        window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        window.mnuNew_Click();
+        const QStringList captionsBefore = editorCaptions(window);
+        const auto framesBefore = mdiArea(window)->subWindowList();
+        const qint16 activeBefore = window.activeDocumentIndex();
+
+        QCOMPARE(window.openMenu(notMenu, QStringLiteral("notes.ini")), qint16(0));
+
+        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ critical(notMenuFileMessage()) }));
+        QCOMPARE(sandbox.prompts().messages.constFirst().text, QStringLiteral("This is not a valid KELV Menu file !"));
+        QCOMPARE(window.state().lastSlot(), qint16(2));
+        QCOMPARE(mdiArea(window)->subWindowList(), framesBefore);
+        QCOMPARE(editorCaptions(window), captionsBefore);
+        QCOMPARE(visibleWindowEntries(window), captionsBefore);
+        QVERIFY(!sandbox.action(QStringLiteral("mnuWindowName3")));
+        QCOMPARE(window.activeDocumentIndex(), activeBefore);
+        // Nothing of the failed file reaches the recent list.
+        QVERIFY(!sandbox.action(QStringLiteral("mnuRecent1"))->isVisible());
+    }
+
+    void openingABrokenMenuFileShowsTheOpenError()
+    {
+        GuiSandbox sandbox;
+        // The command line names an item but has no "=".
+        const QString broken = GuiSandbox::writeFile(
+            sandbox.menuPath(QStringLiteral("broken.ini")),
+            GuiSandbox::menuBytes({ QStringLiteral("Archive") }, { QStringLiteral("0001:zip") }));
+        MenuDocument probe;
+        QCOMPARE(readMenuFile(broken, false, probe).code, MenuReadResult::Failed);
+
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        QCOMPARE(window.openMenu(broken, QStringLiteral("broken.ini")), qint16(0));
+
+        const QString expected = QStringLiteral("An error occured while opening the file !\r\n\r\n"
+                                                "This is not a valid KELV Menu file\r\n\r\n"
+                                                "Contact the developer for further information :\r\n")
+            + contactLines();
+        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ critical(expected) }));
+        QCOMPARE(window.state().lastSlot(), qint16(1));
+        QCOMPARE(mdiArea(window)->subWindowList().size(), 1);
+        QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("New menu 1") }));
+        QCOMPARE(window.activeDocumentIndex(), qint16(1));
+    }
+
+    void openingAMissingFileFailsLikeABrokenOne()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.openMenu(sandbox.menuPath(QStringLiteral("absent.ini")), QStringLiteral("absent.ini")),
+                 qint16(0));
+        QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MainWindow::openErrorMessage() }));
+        QCOMPARE(window.state().lastSlot(), qint16(0));
+        QCOMPARE(window.activeDocumentIndex(), qint16(0));
+        QVERIFY(mdiArea(window)->subWindowList().isEmpty());
+    }
+
+    void openDialogAsksForAMenuFile()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        sandbox.prompts().fileNames = { menu };
+        sandbox.action(QStringLiteral("mnuOpen"))->trigger();
+        QCOMPARE(sandbox.prompts().fileRequests.size(), 1);
+        QCOMPARE(sandbox.prompts().fileRequests.constFirst().title, QStringLiteral("Select a menu file ..."));
+        QCOMPARE(sandbox.prompts().fileRequests.constFirst().filter, QStringLiteral("Menu File (*.ini)"));
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("archive-tools.ini") }));
+
+        // Leaving the dialog without a file opens nothing.
+        sandbox.action(QStringLiteral("mnuOpen"))->trigger();
+        QCOMPARE(window.state().lastSlot(), qint16(1));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void openedMenusStartWithTheHideModeOfTheOptions_data()
+    {
+        QTest::addColumn<int>("copies");
+        QTest::addColumn<int>("withoutCommand");
+        QTest::addColumn<int>("hideMode");
+        QTest::addColumn<QString>("marks");
+        QTest::newRow("none") << 0 << 0 << 0 << QStringLiteral("---");
+        QTest::newRow("copies") << 1 << 0 << 1 << QStringLiteral("C--");
+        QTest::newRow("without command") << 0 << 1 << 2 << QStringLiteral("-W-");
+        QTest::newRow("both") << 1 << 1 << 3 << QStringLiteral("CWB");
+    }
+
+    void openedMenusStartWithTheHideModeOfTheOptions()
+    {
+        QFETCH(int, copies);
+        QFETCH(int, withoutCommand);
+        QFETCH(int, hideMode);
+        QFETCH(QString, marks);
+        GuiSandbox sandbox;
+        Options options;
+        options.hideItemsCopyCommand = qint16(copies);
+        options.hideItemsWithoutCommand = qint16(withoutCommand);
+        sandbox.optionsStore().saveOptions(options);
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        QCOMPARE(window.state().document(index).hideMode, hideMode);
+        QString shown;
+        shown += sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked() ? QLatin1Char('C') : QLatin1Char('-');
+        shown += sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked() ? QLatin1Char('W') : QLatin1Char('-');
+        shown += sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked() ? QLatin1Char('B') : QLatin1Char('-');
+        QCOMPARE(shown, marks);
+        // A new menu starts with everything shown, whatever the options say.
+        window.mnuNew_Click();
+        QCOMPARE(window.state().document(window.activeDocumentIndex()).hideMode, 0);
+    }
+
+    void copyCommandOptionLinksIdenticalCommandListsOnOpen()
+    {
+        GuiSandbox sandbox;
+        Options options;
+        options.checkCopyCommand = 1;
+        sandbox.optionsStore().saveOptions(options);
+        const QString menu
+            = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("twins.ini")),
+                                    GuiSandbox::menuBytes({ QStringLiteral("First"), QStringLiteral("Second") },
+                                                          { QStringLiteral("0001:txt=notepad $fs-001$"),
+                                                            QStringLiteral("0002:txt=notepad $fs-001$") }));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("twins.ini"));
+        const MenuDocument& document = window.state().document(index);
+        QVERIFY(!document.items.at(0).copiesCommands);
+        QVERIFY(document.items.at(1).copiesCommands);
+        QCOMPARE(document.items.at(1).copyKey, QStringLiteral("E0"));
+    }
+
+    void closingAnUnchangedOpenedMenuNeverAsks()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        QVERIFY(window.editor(index)->closeWindow());
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+        QVERIFY(!window.editor(index));
+        QVERIFY(visibleWindowEntries(window).isEmpty());
+        QCOMPARE(window.activeDocumentIndex(), qint16(0));
+        // The slot stays, so indices of later documents never shift.
+        QCOMPARE(window.state().lastSlot(), qint16(1));
+        window.mnuNew_Click();
+        QCOMPARE(window.activeDocumentIndex(), qint16(2));
+    }
+
+    void closingANewUntouchedMenuAsks()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::No };
+        QVERIFY(window.editor(1)->closeWindow());
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ saveQuestion(QStringLiteral("Do you want to save changes ?")) }));
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+        QVERIFY(!window.editor(1));
+    }
+
+    void cancelAtTheCloseQuestionKeepsTheWindow()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::Cancel };
+        QVERIFY(!window.editor(1)->closeWindow());
+        QVERIFY(window.editor(1));
+        QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("New menu 1") }));
+        QCOMPARE(mdiArea(window)->subWindowList().size(), 1);
+        QCOMPARE(window.activeDocumentIndex(), qint16(1));
+    }
+
+    void noAtTheCloseQuestionWritesNothing()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, index, QStringLiteral("Changed"));
+        sandbox.prompts().answers = { Answer::No };
+        QVERIFY(window.editor(index)->closeWindow());
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+        QVERIFY(!window.editor(index));
+    }
+
+    void yesAtTheCloseQuestionWritesToTheMenusFile()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, index, QStringLiteral("Changed"));
+        sandbox.prompts().answers = { Answer::Yes };
+        QVERIFY(window.editor(index)->closeWindow());
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+        QCOMPARE(firstCaptionInFile(menu), QStringLiteral("Changed"));
+        QVERIFY(!window.editor(index));
+    }
+
+    void yesAtTheCloseQuestionOfANewMenuAsksForAName()
+    {
+        GuiSandbox sandbox;
+        const QString target = sandbox.menuPath(QStringLiteral("fresh.ini"));
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::Yes };
+        sandbox.prompts().fileNames = { target };
+        QVERIFY(window.editor(1)->closeWindow());
+        QCOMPARE(sandbox.prompts().fileRequests.size(), 1);
+        QCOMPARE(sandbox.prompts().fileRequests.constFirst().kind, FakePrompts::FileRequest::Kind::Save);
+        QCOMPARE(sandbox.prompts().fileRequests.constFirst().title, QStringLiteral("Select a menu file ..."));
+        QCOMPARE(firstCaptionInFile(target), QStringLiteral("New Item 1"));
+
+        // Leaving the save dialog without a name writes nothing and still closes.
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::Yes };
+        QVERIFY(window.editor(2)->closeWindow());
+        QVERIFY(!window.editor(2));
+        QCOMPARE(QDir(sandbox.menuFolder()).entryList(QDir::Files), QStringList({ QStringLiteral("fresh.ini") }));
+    }
+
+    void aFailedWriteAtTheCloseQuestionKeepsTheWindow()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"), longestFileName());
+        QVERIFY(!menu.isEmpty());
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, longestFileName());
+        editDocument(window, index, QStringLiteral("Changed"));
+        sandbox.prompts().answers = { Answer::Yes };
+        QVERIFY(!window.editor(index)->closeWindow());
+        QVERIFY(window.editor(index));
+        QCOMPARE(sandbox.prompts().messages.size(), 2);
+        QCOMPARE(sandbox.prompts().messages.at(1).icon, MessageRequest::Icon::Critical);
+        QVERIFY(sandbox.prompts().messages.at(1).text.startsWith(QLatin1String("Error ")));
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+        QVERIFY(!window.state().document(index).saved);
+    }
+
+    void cancelAtTheQuitQuestionKeepsEverythingOpen()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        window.show();
+        const qint16 opened = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, opened, QStringLiteral("Changed"));
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::Cancel };
+
+        sandbox.action(QStringLiteral("mnuQuit"))->trigger();
+
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QVERIFY(window.isVisible());
+        QVERIFY(!window.state().isQuitting());
+        QCOMPARE(editorCaptions(window),
+                 QStringList({ QStringLiteral("archive-tools.ini"), QStringLiteral("New menu 2") }));
+        QCOMPARE(mdiArea(window)->subWindowList().size(), 2);
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+    }
+
+    void quitAsksOnceForEveryUnsavedMenu()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        window.show();
+        window.mnuNew_Click();
+        window.openMenu(menu, QStringLiteral("archive-tools.ini")); // saved: not listed
+        window.mnuNew_Click();
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::No };
+
+        sandbox.action(QStringLiteral("mnuQuit"))->trigger();
+
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ saveQuestion(QStringLiteral("Do you want to save changes on file : \r\n"
+                                                                     "    New menu 1\r\n"
+                                                                     "    New menu 3\r\n"
+                                                                     "    New menu 4")) }));
+        QVERIFY(window.state().isQuitting());
+        QVERIFY(!window.isVisible());
+        QVERIFY(window.state().openDocumentIndexes().isEmpty());
+        QVERIFY(visibleWindowEntries(window).isEmpty());
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+    }
+
+    void yesAtTheQuitQuestionWritesEveryUnsavedMenu()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QString target = sandbox.menuPath(QStringLiteral("fresh.ini"));
+        MainWindow& window = sandbox.window();
+        window.show();
+        const qint16 opened = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, opened, QStringLiteral("Changed"));
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::Yes };
+        sandbox.prompts().fileNames = { target };
+
+        window.close();
+
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QCOMPARE(firstCaptionInFile(menu), QStringLiteral("Changed"));
+        QCOMPARE(firstCaptionInFile(target), QStringLiteral("New Item 1"));
+        QVERIFY(window.state().openDocumentIndexes().isEmpty());
+    }
+
+    void aFailedWriteAtTheQuitQuestionStopsQuitting()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"), longestFileName());
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        window.show();
+        const qint16 index = window.openMenu(menu, longestFileName());
+        editDocument(window, index, QStringLiteral("Changed"));
+        sandbox.prompts().answers = { Answer::Yes };
+
+        window.close();
+
+        QCOMPARE(sandbox.prompts().messages.size(), 2);
+        QCOMPARE(sandbox.prompts().messages.at(1).icon, MessageRequest::Icon::Critical);
+        QVERIFY(window.isVisible());
+        QVERIFY(!window.state().isQuitting());
+        QVERIFY(window.editor(index));
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+    }
+
+    void quitWithEverythingSavedAsksNothing()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        window.show();
+        window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        window.close();
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+        QVERIFY(!window.isVisible());
+        QVERIFY(window.state().openDocumentIndexes().isEmpty());
+    }
+
+    void commandLineWithProgramFolderOpensTheMenuBelowIt()
+    {
+        GuiSandbox sandbox;
+        QDir(sandbox.programFolder()).mkpath(QStringLiteral("Menus"));
+        QVERIFY(QFile::copy(QStringLiteral(KELV_EXAMPLES_DIR "/archive-tools.ini"),
+                            sandbox.programFolder() + QStringLiteral("/Menus/Archive.INI")));
+        MainWindow& window = sandbox.window();
+        window.openCommandLineMenu(QStringLiteral("$EXEPATH$/Menus/Archive.INI"));
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("Archive.INI") }));
+        QCOMPARE(window.state().document(1).filePath, sandbox.programFolder() + QStringLiteral("/Menus/Archive.INI"));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void commandLineNotEndingInIniIsIgnored()
+    {
+        GuiSandbox sandbox;
+        const QString notes = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("notes.txt")),
+                                                    GuiSandbox::menuBytes({ QStringLiteral("Item") }, {}));
+        MainWindow& window = sandbox.window();
+        window.openCommandLineMenu(notes);
+        window.openCommandLineMenu(QString());
+        QCOMPARE(window.state().lastSlot(), qint16(0));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void saveIsOfferedOnlyForAChangedMenuWithAFile()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        QMenu* fileMenu = window.findChild<QMenu*>(QStringLiteral("mnuFile"));
+        QAction* save = sandbox.action(QStringLiteral("mnuSave"));
+
+        Q_EMIT fileMenu->aboutToShow();
+        QVERIFY(!save->isEnabled()); // no document
+
+        window.mnuNew_Click();
+        Q_EMIT fileMenu->aboutToShow();
+        QVERIFY(!save->isEnabled()); // no file yet
+
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        Q_EMIT fileMenu->aboutToShow();
+        QVERIFY(!save->isEnabled()); // saved
+
+        editDocument(window, index, QStringLiteral("Changed"));
+        Q_EMIT fileMenu->aboutToShow();
+        QVERIFY(save->isEnabled());
+
+        save->trigger();
+        QCOMPARE(firstCaptionInFile(menu), QStringLiteral("Changed"));
+        QVERIFY(window.state().document(index).saved);
+        Q_EMIT fileMenu->aboutToShow();
+        QVERIFY(!save->isEnabled());
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void aFailedSaveKeepsTheOldFileAndShowsTheError()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"), longestFileName());
+        QVERIFY(!menu.isEmpty());
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, longestFileName());
+        editDocument(window, index, QStringLiteral("Changed"));
+        Q_EMIT window.findChild<QMenu*>(QStringLiteral("mnuFile"))->aboutToShow();
+
+        sandbox.action(QStringLiteral("mnuSave"))->trigger();
+
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        const MessageRequest& shown = sandbox.prompts().messages.constFirst();
+        QCOMPARE(shown.icon, MessageRequest::Icon::Critical);
+        QCOMPARE(shown.buttons, MessageRequest::Buttons::Ok);
+        QVERIFY(shown.title.isEmpty());
+        QVERIFY(shown.text.startsWith(QLatin1String("Error ")));
+        QVERIFY(shown.text.endsWith(QLatin1String(" (writeMenuFile)")));
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+        QVERIFY(!window.state().document(index).saved);
+        QCOMPARE(window.state().document(index).items.constFirst().caption, QStringLiteral("Changed"));
+    }
+
+    void saveAsWritesTheMenuAndRenamesTheWindow()
+    {
+        GuiSandbox sandbox;
+        const QString target = sandbox.menuPath(QStringLiteral("renamed.ini"));
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        window.mnuNew_Click();
+        sandbox.prompts().fileNames = { target };
+
+        sandbox.action(QStringLiteral("mnuSaveAs"))->trigger();
+
+        QCOMPARE(sandbox.prompts().fileRequests.size(), 1);
+        QCOMPARE(sandbox.prompts().fileRequests.constFirst().kind, FakePrompts::FileRequest::Kind::Save);
+        QCOMPARE(sandbox.prompts().fileRequests.constFirst().filter, QStringLiteral("Menu File (*.ini)"));
+        QCOMPARE(firstCaptionInFile(target), QStringLiteral("New Item 1"));
+        const MenuDocument& document = window.state().document(2);
+        QCOMPARE(document.filePath, target);
+        QVERIFY(document.saved);
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1"), QStringLiteral("renamed.ini") }));
+        QCOMPARE(visibleWindowEntries(window), editorCaptions(window));
+        // Closing it now asks nothing.
+        QVERIFY(window.editor(2)->closeWindow());
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void aFailedSaveAsKeepsNameAndCaption()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        // A folder cannot be replaced by a menu file.
+        sandbox.prompts().fileNames = { sandbox.menuFolder() };
+        sandbox.action(QStringLiteral("mnuSaveAs"))->trigger();
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QCOMPARE(sandbox.prompts().messages.constFirst().icon, MessageRequest::Icon::Critical);
+        QVERIFY(window.state().document(1).filePath.isEmpty());
+        QVERIFY(!window.state().document(1).saved);
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1") }));
+    }
+
+    void droppedMenuFilesOpenInOrder()
+    {
+        GuiSandbox sandbox;
+        const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
+        const QString text = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("menu.txt")),
+                                                   GuiSandbox::menuBytes({ QStringLiteral("Item") }, {}));
+        const QString upper = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("SECOND.INI"));
+        MainWindow& window = sandbox.window();
+        QVERIFY(window.acceptDrops());
+
+        sendDrop(window, { first, text, sandbox.menuPath(QStringLiteral("absent.ini")), upper });
+
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("first.ini"), QStringLiteral("SECOND.INI") }));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void windowMenuActivatesAndRestoresEditors()
+    {
+        GuiSandbox sandbox;
+        const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
+        const QString second = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("second.ini"));
+        MainWindow& window = sandbox.window();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.openMenu(first, QStringLiteral("first.ini"));
+        window.openMenu(second, QStringLiteral("second.ini"));
+        QCOMPARE(window.activeDocumentIndex(), qint16(2));
+        QCOMPARE(visibleWindowEntries(window),
+                 QStringList({ QStringLiteral("first.ini"), QStringLiteral("second.ini") }));
+
+        QMdiSubWindow* firstFrame = frameOf(window.editor(1));
+        firstFrame->showMinimized();
+        QAction* entry = sandbox.action(QStringLiteral("mnuWindowName1"));
+        QCOMPARE(entry->data().toInt(), 1);
+        entry->trigger();
+        QCOMPARE(window.activeDocumentIndex(), qint16(1));
+        QCOMPARE(window.activeDocumentTag(), QStringLiteral("1"));
+        QVERIFY(!firstFrame->isMinimized());
+        QCOMPARE(mdiArea(window)->activeSubWindow(), firstFrame);
+
+        // Activating a window directly (as a click on it does) also makes its document active.
+        mdiArea(window)->setActiveSubWindow(frameOf(window.editor(2)));
+        QCOMPARE(window.activeDocumentIndex(), qint16(2));
+
+        // A closed editor's entry disappears; the other editor becomes the active one.
+        QVERIFY(window.editor(2)->closeWindow());
+        QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("first.ini") }));
+        QTRY_COMPARE(window.activeDocumentIndex(), qint16(1));
+    }
+
+    void activationSetsTheHideMarks()
+    {
+        GuiSandbox sandbox;
+        const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
+        const QString second = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("second.ini"));
+        MainWindow& window = sandbox.window();
+        window.openMenu(first, QStringLiteral("first.ini"));
+        sandbox.action(QStringLiteral("mnuHideBoth"))->trigger();
+        window.openMenu(second, QStringLiteral("second.ini"));
+        sandbox.action(QStringLiteral("mnuHideWCommand"))->trigger();
+        QCOMPARE(window.state().document(1).hideMode, 3);
+        QCOMPARE(window.state().document(2).hideMode, 2);
+
+        sandbox.action(QStringLiteral("mnuWindowName1"))->trigger();
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
+
+        sandbox.action(QStringLiteral("mnuWindowName2"))->trigger();
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
+    }
+
+    void hideCommandsFollowTheirArithmetic()
+    {
+        GuiSandbox sandbox;
+        // A submenu without commands, a leaf with commands, a leaf without, and a link.
+        const QString menu
+            = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("hide.ini")),
+                                    GuiSandbox::menuBytes({ QStringLiteral("Tools"), QStringLiteral("···Pack"),
+                                                            QStringLiteral("···Empty"), QStringLiteral("Notepad") },
+                                                          { QStringLiteral("0002:zip=pack.exe $fs-001$"),
+                                                            QStringLiteral("0004:txt=notepad $fs-001$") }));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("hide.ini"));
+        MenuDocument& document = window.state().document(index);
+        document.items[3].copyKey = QStringLiteral("E1");
+        document.items[3].copiesCommands = true;
+        ItemTree* tree = window.editor(index)->tree();
+        QAction* copies = sandbox.action(QStringLiteral("mnuHideCopies"));
+        QAction* withoutCommand = sandbox.action(QStringLiteral("mnuHideWCommand"));
+        QAction* both = sandbox.action(QStringLiteral("mnuHideBoth"));
+
+        both->trigger();
+        QCOMPARE(document.hideMode, 3);
+        QVERIFY(copies->isChecked() && withoutCommand->isChecked() && both->isChecked());
+        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QVERIFY(!tree->nodeByKey(QStringLiteral("E2"))); // no commands
+        QVERIFY(!tree->nodeByKey(QStringLiteral("E3"))); // a link
+        QVERIFY(tree->nodeByKey(QStringLiteral("E0"))); // a submenu stays
+
+        copies->trigger();
+        QCOMPARE(document.hideMode, 2);
+        QVERIFY(!copies->isChecked() && withoutCommand->isChecked() && !both->isChecked());
+        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QVERIFY(tree->nodeByKey(QStringLiteral("E3")));
+
+        withoutCommand->trigger();
+        QCOMPARE(document.hideMode, 0);
+        QVERIFY(!copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
+        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV"));
+        QCOMPARE(tree->nodeCount(), 5);
+
+        copies->trigger();
+        QCOMPARE(document.hideMode, 1);
+        QVERIFY(copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
+        QVERIFY(!tree->nodeByKey(QStringLiteral("E3")));
+        both->trigger();
+        QCOMPARE(document.hideMode, 3);
+        both->trigger();
+        QCOMPARE(document.hideMode, 0);
+        QVERIFY(!copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
+    }
+
+    void hideCommandsWithoutDocumentChangeNothing()
+    {
+        GuiSandbox sandbox;
+        sandbox.action(QStringLiteral("mnuHideBoth"))->trigger();
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void refreshRebuildsTheTreeKeepingTheHideMode()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        sandbox.action(QStringLiteral("mnuHideWCommand"))->trigger();
+        MenuDocument& document = window.state().document(index);
+        document.items[0].caption = QStringLiteral("Packing");
+        ItemTree* tree = window.editor(index)->tree();
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E0"))->text(0), QStringLiteral("Archive"));
+
+        sandbox.action(QStringLiteral("mnuRefresh"))->trigger();
+
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E0"))->text(0), QStringLiteral("Packing"));
+        QCOMPARE(document.hideMode, 2);
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
+        QCOMPARE(tree->currentItem(), tree->node(2));
+    }
+
+    void tilingArrangesTheWindows()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.mnuNew_Click();
+        window.mnuNew_Click();
+        window.mnuNew_Click();
+        const QRect area = mdiArea(window)->viewport()->rect();
+        QList<QMdiSubWindow*> frames;
+        for (const qint16 index : window.state().openDocumentIndexes()) {
+            frames.append(frameOf(window.editor(index)));
+        }
+
+        sandbox.action(QStringLiteral("mnuHorizontal"))->trigger();
+        int top = 0;
+        for (const QMdiSubWindow* frame : frames) {
+            QCOMPARE(frame->geometry().left(), 0);
+            QCOMPARE(frame->geometry().width(), area.width());
+            QCOMPARE(frame->geometry().top(), top);
+            top = frame->geometry().bottom() + 1;
+        }
+        QCOMPARE(top, area.height());
+
+        sandbox.action(QStringLiteral("mnuVertical"))->trigger();
+        int left = 0;
+        for (const QMdiSubWindow* frame : frames) {
+            QCOMPARE(frame->geometry().top(), 0);
+            QCOMPARE(frame->geometry().height(), area.height());
+            QCOMPARE(frame->geometry().left(), left);
+            left = frame->geometry().right() + 1;
+        }
+        QCOMPARE(left, area.width());
+
+        sandbox.action(QStringLiteral("mnuCascade"))->trigger();
+        QVERIFY(frames.at(0)->geometry().topLeft() != frames.at(1)->geometry().topLeft());
+    }
+
+    void recentListKeepsTheLastFiveOpenedMenus()
+    {
+        GuiSandbox sandbox;
+        QStringList paths;
+        for (int n = 1; n <= 6; ++n) {
+            paths.append(sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("menu%1.ini").arg(n)));
+        }
+        MainWindow& window = sandbox.window();
+        QVERIFY(!sandbox.action(QStringLiteral("Tire03"))->isVisible());
+        sandbox.prompts().fileNames = paths;
+        for (int n = 0; n < 6; ++n) {
+            sandbox.action(QStringLiteral("mnuOpen"))->trigger();
+        }
+        QCOMPARE(window.state().openDocumentIndexes().size(), 6);
+        for (int entry = 0; entry < 5; ++entry) {
+            QAction* recent = sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry));
+            QVERIFY(recent->isVisible());
+            QCOMPARE(recent->text(), paths.at(5 - entry));
+        }
+        for (int entry = 5; entry < 10; ++entry) {
+            QVERIFY(!sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry))->isVisible());
+        }
+        QVERIFY(sandbox.action(QStringLiteral("Tire03"))->isVisible());
+        const QByteArray expected = (QStringList({ paths.at(5), paths.at(4), paths.at(3), paths.at(2), paths.at(1) })
+                                         .join(QStringLiteral("\r\n"))
+                                     + QStringLiteral("\r\n"))
+                                        .toLocal8Bit();
+        QCOMPARE(GuiSandbox::readFile(sandbox.programFolder() + QStringLiteral("/Recent.ini")), expected);
+
+        // A fresh start shows the same list, and an entry opens its menu.
+        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
+        QAction* newest = second.findChild<QAction*>(QStringLiteral("mnuRecent0"));
+        QCOMPARE(newest->text(), paths.at(5));
+        newest->trigger();
+        QCOMPARE(editorCaptions(second), QStringList({ QStringLiteral("menu6.ini") }));
+    }
+
+    void optionsOfAnEmptyStoreAreAllOff()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.state().options(), Options());
+        QAction* copyComDup = sandbox.action(QStringLiteral("mnuCopyComDup"));
+        QVERIFY(copyComDup->isCheckable());
+        QVERIFY(!copyComDup->isChecked());
+
+        copyComDup->trigger();
+        QVERIFY(copyComDup->isChecked());
+        QVERIFY(window.state().options().copyCommandDup);
+        QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::copyCommandDupName()),
+                 QStringLiteral("True"));
+        QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::checkCopyCommandName()),
+                 QStringLiteral("0"));
+
+        copyComDup->trigger();
+        QVERIFY(!copyComDup->isChecked());
+        QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::copyCommandDupName()),
+                 QStringLiteral("False"));
+    }
+
+    void storedCopyCommandDupChecksItsEntry()
+    {
+        GuiSandbox sandbox;
+        Options options;
+        options.copyCommandDup = true;
+        sandbox.optionsStore().saveOptions(options);
+        QVERIFY(sandbox.action(QStringLiteral("mnuCopyComDup"))->isChecked());
+        QCOMPARE(sandbox.window().state().options(), options);
+    }
+
+    void aboutShowsTheProgramAndVersion()
+    {
+        GuiSandbox sandbox;
+        sandbox.action(QStringLiteral("mnuAbout"))->trigger();
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QCOMPARE(sandbox.prompts().messages.constFirst().text, aboutText());
+        QVERIFY(sandbox.prompts().messages.constFirst().text.startsWith(QLatin1String("KELV Menu Editor v")));
+        QVERIFY(sandbox.prompts().messages.constFirst().title.isEmpty());
+    }
+
+    void helpWithoutAHelpFileSaysSo()
+    {
+        GuiSandbox sandbox;
+        sandbox.action(QStringLiteral("mnuHelp"))->trigger();
+        const QString helpFile = LanguageConfig(sandbox.programFolder()).helpFilePath();
+        QVERIFY(helpFile.startsWith(sandbox.programFolder()));
+        QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ HelpLauncher::missingFileText(helpFile) }));
+    }
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "test_mainwindow.moc"
