@@ -12,6 +12,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QDropEvent>
 #include <QFile>
@@ -22,7 +23,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 
 namespace {
@@ -132,6 +135,19 @@ void sendDrop(MainWindow& window, const QStringList& paths)
     QApplication::sendEvent(&window, &enter);
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&window, &drop);
+}
+
+/// Once the Options dialog shows, ticks "hide copy-command items" and presses `buttonName`.
+void answerOptionsDialog(const QString& buttonName)
+{
+    QTimer::singleShot(0, qApp, [buttonName]() {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog || dialog->objectName() != QLatin1String("frmOptions")) {
+            return;
+        }
+        dialog->findChild<QCheckBox*>(QStringLiteral("chkHideItemsCopyCommand"))->setChecked(true);
+        dialog->findChild<QPushButton*>(buttonName)->click();
+    });
 }
 
 } // namespace
@@ -1098,6 +1114,29 @@ private Q_SLOTS:
         sandbox.optionsStore().saveOptions(options);
         QVERIFY(sandbox.action(QStringLiteral("mnuCopyComDup"))->isChecked());
         QCOMPARE(sandbox.window().state().options(), options);
+    }
+
+    void optionsDialogChangesTheOptionsOnSaveOnly()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+        // Cancel first: nothing changes.
+        answerOptionsDialog(QStringLiteral("cmdCancel"));
+        sandbox.action(QStringLiteral("mnuOptions"))->trigger();
+        QCOMPARE(window.state().options(), Options());
+
+        answerOptionsDialog(QStringLiteral("cmdSave"));
+        sandbox.action(QStringLiteral("mnuOptions"))->trigger();
+        QCOMPARE(window.state().options().hideItemsCopyCommand, qint16(1));
+        QCOMPARE(sandbox.optionsStore().loadOptions().hideItemsCopyCommand, qint16(1));
+
+        // The next menu opened starts with copy-command links hidden.
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        QCOMPARE(window.state().document(index).hideMode, 1);
     }
 
     void aboutShowsTheProgramAndVersion()
