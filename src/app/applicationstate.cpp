@@ -11,6 +11,7 @@ ApplicationState::ApplicationState()
 qint16 ApplicationState::appendDocumentSlot()
 {
     const qint16 index = m_documents.append();
+    m_histories.appendSlot();
     m_editors.append(QPointer<EditorWindow>());
     return index;
 }
@@ -21,6 +22,7 @@ void ApplicationState::removeLastDocumentSlot()
         return;
     }
     m_documents.removeLast();
+    m_histories.removeLastSlot();
     m_editors.removeLast();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/options.h"
+#include "history/historytable.h"
 #include "model/documentlist.h"
 
 #include <QList>
@@ -33,6 +34,11 @@ public:
     /// The document at `index`; throws RunTimeError 9 for the placeholder or an index out of range.
     MenuDocument& document(int index) { return m_documents.document(index); }
     const MenuDocument& document(int index) const { return m_documents.document(index); }
+
+    /// The undo and redo stacks of every document, by document index; created with the document
+    /// and kept for the whole run.
+    HistoryTable& histories() { return m_histories; }
+    const HistoryTable& histories() const { return m_histories; }
 
     /// The editor window of document `index`; null for the placeholder, a closed editor or an index
     /// out of range.
@@ -69,6 +75,7 @@ public:
 
 private:
     DocumentList m_documents;
+    HistoryTable m_histories;
     QList<QPointer<EditorWindow>> m_editors;
     qint16 m_activeDocumentIndex = 0;
     bool m_quitting = false;

@@ -10,6 +10,7 @@
 #include "app/optionsstore.h"
 #include "app/programfolder.h"
 #include "app/userprompts.h"
+#include "history/editingoperation.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
 #include "model/menudocument.h"
@@ -49,9 +50,10 @@ QString lineEnd()
     return QStringLiteral("\r\n");
 }
 
-/// The folder for Recent.ini: the program's folder, or the per-user folder when the program is
-/// installed where the user cannot write.
-QString recentListFolder(const QString& programFolder)
+/// The folder for the files the editor writes beside itself (Recent.ini, the autosave files): the
+/// program's folder, or the per-user folder when the program is installed where the user cannot
+/// write.
+QString writableFolder(const QString& programFolder)
 {
     return ProgramFolder::isWritableFolder(programFolder) ? programFolder : ProgramFolder::writablePath();
 }
@@ -63,7 +65,10 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     , m_prompts(prompts)
     , m_optionsStore(optionsStore)
     , m_programFolder(programFolder)
-    , m_recent(recentListFolder(programFolder))
+    , m_recent(writableFolder(programFolder))
+    , m_undoManager(m_state.documents(), m_state.histories(), writableFolder(programFolder), *this)
+    , m_undoErrorReport(prompts, [this] { mnuUndo_Click(); })
+    , m_undoController(m_state.documents(), m_undoManager, m_undoErrorReport, *this)
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("KELV Menu Editor"));
@@ -155,10 +160,15 @@ void MainWindow::buildMenus()
 
     // Edit
     m_mnuEdit = namedMenu(nullptr, QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
+    // Enabled by the history as the active document's stacks fill and empty.
     m_mnuUndo = addEntry(m_mnuEdit, QStringLiteral("mnuUndo"), QStringLiteral("Undo"));
-    unavailable(m_mnuUndo);
+    m_mnuUndo->setShortcut(QKeySequence::Undo);
+    m_mnuUndo->setEnabled(false);
+    connect(m_mnuUndo, &QAction::triggered, this, &MainWindow::mnuUndo_Click);
     m_mnuRedo = addEntry(m_mnuEdit, QStringLiteral("mnuRedo"), QStringLiteral("Redo"));
-    unavailable(m_mnuRedo);
+    m_mnuRedo->setShortcut(QKeySequence::Redo);
+    m_mnuRedo->setEnabled(false);
+    connect(m_mnuRedo, &QAction::triggered, this, &MainWindow::mnuRedo_Click);
     addSeparator(m_mnuEdit, QStringLiteral("Tire04"));
     unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuNewItem"), QStringLiteral("New Item")));
     unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuRename"), QStringLiteral("Rename")));
@@ -379,6 +389,7 @@ void MainWindow::editorActivated(qint16 index)
     m_state.setActiveDocumentIndex(index);
     updateHideMarks();
     updateSaveEntry();
+    m_undoManager.updateMenu(index);
     try {
         showItemCount(int(m_state.document(index).items.size()));
     } catch (const RunTimeError& error) {
@@ -408,6 +419,7 @@ void MainWindow::editorClosed(qint16 index)
         m_state.setActiveDocumentIndex(0);
         updateHideMarks();
         updateSaveEntry();
+        m_undoManager.updateMenu(0);
     }
 }
 
@@ -662,6 +674,35 @@ void MainWindow::dropEvent(QDropEvent* event)
     }
 }
 
+// ---- Undo and redo -----------------------------------------------------------------------------
+
+void MainWindow::mnuUndo_Click()
+{
+    m_undoController.mnuUndo_Click();
+    updateSaveEntry();
+}
+
+void MainWindow::mnuRedo_Click()
+{
+    m_undoController.mnuRedo_Click();
+    updateSaveEntry();
+}
+
+bool MainWindow::runEditingOperation(const std::function<void()>& operation)
+{
+    return ::runEditingOperation(m_undoErrorReport, operation);
+}
+
+void MainWindow::setUndoEnabled(bool enabled)
+{
+    m_mnuUndo->setEnabled(enabled);
+}
+
+void MainWindow::setRedoEnabled(bool enabled)
+{
+    m_mnuRedo->setEnabled(enabled);
+}
+
 // ---- Tree display -----------------------------------------------------------------------------
 
 void MainWindow::mnuRefresh_Click()
@@ -671,12 +712,10 @@ void MainWindow::mnuRefresh_Click()
     if (!editor) {
         return;
     }
-    try {
+    runEditingOperation([this, index, editor] {
         regenerateTree(index, -3);
         editor->ColorizeMenu();
-    } catch (const RunTimeError& error) {
-        showRunTimeError(error);
-    }
+    });
 }
 
 void MainWindow::toggleHide(QAction* entry, int markedChange, int unmarkedChange)
@@ -684,12 +723,9 @@ void MainWindow::toggleHide(QAction* entry, int markedChange, int unmarkedChange
     // The entry has already toggled its own mark; what counts is the mark it had before.
     const bool wasMarked = !entry->isChecked();
     const qint16 index = m_state.activeDocumentIndex();
-    try {
-        if (m_state.editor(index)) {
-            regenerateTree(index, wasMarked ? markedChange : unmarkedChange);
-        }
-    } catch (const RunTimeError& error) {
-        showRunTimeError(error);
+    if (m_state.editor(index)) {
+        const int modeChange = wasMarked ? markedChange : unmarkedChange;
+        runEditingOperation([this, index, modeChange] { regenerateTree(index, modeChange); });
     }
     // The marks always follow the document's hide mode.
     updateHideMarks();

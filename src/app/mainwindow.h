@@ -2,6 +2,13 @@
 
 #include "app/applicationstate.h"
 #include "app/recentfilelist.h"
+#include "history/historyhost.h"
+#include "history/historymenu.h"
+#include "history/undocontroller.h"
+#include "history/undoerrorreport.h"
+#include "history/undomanager.h"
+
+#include <functional>
 
 #include <QList>
 #include <QMainWindow>
@@ -23,7 +30,7 @@ class UserPrompts;
 ///
 /// Its dependencies come in from outside so that tests can answer the message boxes and dialogs
 /// and keep the options, the recent list and the written files in temporary folders.
-class MainWindow final : public QMainWindow
+class MainWindow final : public QMainWindow, public HistoryMenu, public HistoryHost
 {
     Q_OBJECT
 
@@ -64,7 +71,7 @@ public:
     void mnuHideBoth_Click();
 
     /// Document index of the active editor window; 0 when no editor window is active.
-    qint16 activeDocumentIndex() const { return m_state.activeDocumentIndex(); }
+    qint16 activeDocumentIndex() const override { return m_state.activeDocumentIndex(); }
     /// The active document index as text; empty when no editor window is active.
     QString activeDocumentTag() const;
     /// The editor window of document `index`; null when it is closed or there is none.
@@ -74,9 +81,24 @@ public:
     /// Rebuilds the tree of document `index` in its editor window (see EditorWindow::generateTree)
     /// and, when it is the active document, brings the Hide check marks and the item count up to
     /// date.
-    void regenerateTree(qint16 index, qint32 modeChange);
+    void regenerateTree(qint16 index, qint32 modeChange) override;
     /// Shows `count` in the item-count panel (panel 4) of the status bar.
-    void showItemCount(int count);
+    void showItemCount(int count) override;
+
+    /// Undoes the active document's last recorded edit (also run by the error report of a failed
+    /// edit). With no active editor window it goes to the error report.
+    void mnuUndo_Click();
+    /// Redoes the active document's last undone edit.
+    void mnuRedo_Click();
+    /// Records the undo state of every edit: each editing operation calls this before it changes
+    /// document `index`.
+    UndoManager& undoManager() { return m_undoManager; }
+    /// Runs one editing operation. A failure inside it (a 16-bit overflow, an index naming no item, a
+    /// failed autosave write ...) ends it at once, is reported, and the active document is undone to
+    /// its last recorded state. Returns whether the operation ran to its end.
+    bool runEditingOperation(const std::function<void()>& operation);
+    void setUndoEnabled(bool enabled) override;
+    void setRedoEnabled(bool enabled) override;
     /// Sets the text of status-bar panel `panel` (1..6).
     void setStatusPanelText(int panel, const QString& text);
     /// Reports a run-time error of an operation to the user. Every failure of a menu command or of
@@ -139,6 +161,9 @@ private:
     QString m_programFolder;
     ApplicationState m_state;
     RecentFileList m_recent;
+    UndoManager m_undoManager;
+    UndoErrorReport m_undoErrorReport;
+    UndoController m_undoController;
 
     QMdiArea* m_mdiArea = nullptr;
     QMenu* m_mnuFile = nullptr;
