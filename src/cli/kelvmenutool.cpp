@@ -83,19 +83,13 @@ int KelvMenuTool::runDump(const QStringList& arguments)
 {
     const QString command = QStringLiteral("dump");
     QCommandLineParser parser;
-    parser.addOption(helpOption());
     parser.addOption(detectLinksOption());
-    if (!parser.parse(parserArguments(command, arguments))) {
-        return usageError(command, parser.errorText());
-    }
-    if (parser.isSet(QStringLiteral("help"))) {
-        print(UsageText::dump());
-        return ExitCode::Success;
+    if (const auto ended = parseArguments(parser, command, arguments, UsageText::dump())) {
+        return *ended;
     }
     const QStringList files = parser.positionalArguments();
-    if (files.size() != 1) {
-        return usageError(command,
-                          files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+    if (const auto ended = requireOneFile(command, files)) {
+        return *ended;
     }
 
     MenuDocument document;
@@ -111,20 +105,14 @@ int KelvMenuTool::runFormat(const QStringList& arguments)
 {
     const QString command = QStringLiteral("format");
     QCommandLineParser parser;
-    parser.addOption(helpOption());
     parser.addOption(detectLinksOption());
     parser.addOption(outputOption());
-    if (!parser.parse(parserArguments(command, arguments))) {
-        return usageError(command, parser.errorText());
-    }
-    if (parser.isSet(QStringLiteral("help"))) {
-        print(UsageText::format());
-        return ExitCode::Success;
+    if (const auto ended = parseArguments(parser, command, arguments, UsageText::format())) {
+        return *ended;
     }
     const QStringList files = parser.positionalArguments();
-    if (files.size() != 1) {
-        return usageError(command,
-                          files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+    if (const auto ended = requireOneFile(command, files)) {
+        return *ended;
     }
     const QString outputPath
         = parser.isSet(QStringLiteral("output")) ? parser.value(QStringLiteral("output")) : files.first();
@@ -150,13 +138,8 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
 {
     const QString command = QStringLiteral("check");
     QCommandLineParser parser;
-    parser.addOption(helpOption());
-    if (!parser.parse(parserArguments(command, arguments))) {
-        return usageError(command, parser.errorText());
-    }
-    if (parser.isSet(QStringLiteral("help"))) {
-        print(UsageText::check());
-        return ExitCode::Success;
+    if (const auto ended = parseArguments(parser, command, arguments, UsageText::check())) {
+        return *ended;
     }
     const QStringList files = parser.positionalArguments();
     if (files.isEmpty()) {
@@ -167,7 +150,7 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
     for (const QString& path : files) {
         // Without link detection, so that the command count is what the file itself stores.
         MenuDocument document;
-        const MenuReadResult result = readMenu(path, false, document);
+        const MenuReadResult result = readMenuFile(path, false, document);
         if (!result.ok()) {
             printError(failureText(path, result) + QLatin1Char('\n'));
             anyInvalid = true;
@@ -188,18 +171,12 @@ int KelvMenuTool::runTree(const QStringList& arguments)
 {
     const QString command = QStringLiteral("tree");
     QCommandLineParser parser;
-    parser.addOption(helpOption());
-    if (!parser.parse(parserArguments(command, arguments))) {
-        return usageError(command, parser.errorText());
-    }
-    if (parser.isSet(QStringLiteral("help"))) {
-        print(UsageText::tree());
-        return ExitCode::Success;
+    if (const auto ended = parseArguments(parser, command, arguments, UsageText::tree())) {
+        return *ended;
     }
     const QStringList files = parser.positionalArguments();
-    if (files.size() != 1) {
-        return usageError(command,
-                          files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+    if (const auto ended = requireOneFile(command, files)) {
+        return *ended;
     }
 
     // With detection, so that the listing shows the links the editor would show.
@@ -212,9 +189,32 @@ int KelvMenuTool::runTree(const QStringList& arguments)
     return ExitCode::Success;
 }
 
+std::optional<int> KelvMenuTool::parseArguments(QCommandLineParser& parser, const QString& command,
+                                                const QStringList& arguments, const QString& usage)
+{
+    parser.addOption(helpOption());
+    if (!parser.parse(parserArguments(command, arguments))) {
+        return usageError(command, parser.errorText());
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        print(usage);
+        return ExitCode::Success;
+    }
+    return std::nullopt;
+}
+
+std::optional<int> KelvMenuTool::requireOneFile(const QString& command, const QStringList& files)
+{
+    if (files.size() == 1) {
+        return std::nullopt;
+    }
+    return usageError(command,
+                      files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+}
+
 int KelvMenuTool::readOrReport(const QString& path, bool detectLinks, MenuDocument& document)
 {
-    const MenuReadResult result = readMenu(path, detectLinks, document);
+    const MenuReadResult result = readMenuFile(path, detectLinks, document);
     if (result.ok()) {
         return ExitCode::Success;
     }
@@ -232,19 +232,6 @@ QString KelvMenuTool::failureText(const QString& path, const MenuReadResult& res
         return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
     }
     return QStringLiteral("%1: %2").arg(path, reason);
-}
-
-MenuReadResult KelvMenuTool::readMenu(const QString& path, bool detectLinks, MenuDocument& document)
-{
-    try {
-        return readMenuFile(path, detectLinks, document);
-    } catch (const RunTimeError& error) {
-        MenuReadResult result;
-        result.code = MenuReadResult::Failed;
-        result.reason = error.description();
-        result.errorNumber = error.number();
-        return result;
-    }
 }
 
 int KelvMenuTool::usageError(const QString& command, const QString& message)

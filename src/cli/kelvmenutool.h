@@ -1,8 +1,11 @@
 #pragma once
 
+#include <optional>
+
 #include <QString>
 #include <QStringList>
 
+class QCommandLineParser;
 class QIODevice;
 struct MenuDocument;
 struct MenuReadResult;
@@ -28,8 +31,13 @@ private:
     int readOrReport(const QString& path, bool detectLinks, MenuDocument& document);
     /// `FILE:LINE: reason` or `FILE: reason` for a file the reader refused.
     static QString failureText(const QString& path, const MenuReadResult& result);
-    /// Reads like the editor, but a run-time error escaping the reader becomes a failed read.
-    static MenuReadResult readMenu(const QString& path, bool detectLinks, MenuDocument& document);
+
+    /// Adds --help to `parser` and parses `arguments` of `command`. Returns the exit code when that
+    /// already ends the command (a usage error, or the usage printed for --help).
+    std::optional<int> parseArguments(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
+                                      const QString& usage);
+    /// A usage error unless `files` holds exactly one file name.
+    std::optional<int> requireOneFile(const QString& command, const QStringList& files);
 
     int usageError(const QString& command, const QString& message);
     void print(const QString& text);

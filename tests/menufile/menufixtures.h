@@ -21,3 +21,30 @@ inline QString markers(int count)
 {
     return QString(count, QChar(0xB7));
 }
+
+/// The lines of a small menu in the canonical layout: Archive (Pack, Unpack: two commands each)
+/// and Delete (one command).
+inline QStringList exampleMenuLines()
+{
+    const QString dots = markers(3);
+    return { QStringLiteral("KELV - Menu"),
+             QString(),
+             QStringLiteral("[Menu]"),
+             QString(),
+             QStringLiteral("Archive"),
+             dots + QStringLiteral("Pack"),
+             dots + QStringLiteral("Unpack"),
+             QStringLiteral("Delete"),
+             QString(),
+             QStringLiteral("[/Menu]"),
+             QString(),
+             QStringLiteral("[Commands]"),
+             QString(),
+             QStringLiteral("0002:zip=pack.exe a $fs-001$"),
+             QStringLiteral("0002:rar=pack.exe r $fs-001$"),
+             QStringLiteral("0003:zip=pack.exe a $fs-001$"),
+             QStringLiteral("0003:rar=pack.exe r $fs-001$"),
+             QStringLiteral("0004:=del $fs-001$"),
+             QString(),
+             QStringLiteral("[/Commands]") };
+}

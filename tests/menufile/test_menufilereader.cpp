@@ -12,31 +12,6 @@
 
 namespace {
 
-QStringList exampleLines()
-{
-    const QString dots = markers(3);
-    return { QStringLiteral("KELV - Menu"),
-             QString(),
-             QStringLiteral("[Menu]"),
-             QString(),
-             QStringLiteral("Archive"),
-             dots + QStringLiteral("Pack"),
-             dots + QStringLiteral("Unpack"),
-             QStringLiteral("Delete"),
-             QString(),
-             QStringLiteral("[/Menu]"),
-             QString(),
-             QStringLiteral("[Commands]"),
-             QString(),
-             QStringLiteral("0002:zip=pack.exe a $fs-001$"),
-             QStringLiteral("0002:rar=pack.exe r $fs-001$"),
-             QStringLiteral("0003:zip=pack.exe a $fs-001$"),
-             QStringLiteral("0003:rar=pack.exe r $fs-001$"),
-             QStringLiteral("0004:=del $fs-001$"),
-             QString(),
-             QStringLiteral("[/Commands]") };
-}
-
 /// A menu file of the given item lines and command lines, in the canonical layout.
 QByteArray menuFile(const QStringList& itemLines, const QStringList& commandLines)
 {
@@ -76,7 +51,7 @@ private Q_SLOTS:
     void readsTheExampleMenu()
     {
         MenuDocument document;
-        const MenuReadResult result = read(menuFileFromLines(exampleLines()), document);
+        const MenuReadResult result = read(menuFileFromLines(exampleMenuLines()), document);
         QVERIFY(result.ok());
         QVERIFY(result.reason.isEmpty());
         QCOMPARE(document.items.size(), qsizetype(4));
@@ -117,7 +92,7 @@ private Q_SLOTS:
     void sectionTagsInAnyLetterCaseReadTheSame()
     {
         MenuDocument lowerCase;
-        QStringList lines = exampleLines();
+        QStringList lines = exampleMenuLines();
         lines[2] = QStringLiteral("[menu]");
         lines[9] = QStringLiteral("[/menu]");
         lines[11] = QStringLiteral("[commands]");
@@ -133,27 +108,27 @@ private Q_SLOTS:
         QCOMPARE(mixedCase, lowerCase);
 
         MenuDocument canonical;
-        QVERIFY(read(menuFileFromLines(exampleLines()), canonical).ok());
+        QVERIFY(read(menuFileFromLines(exampleMenuLines()), canonical).ok());
         QCOMPARE(canonical, lowerCase);
     }
 
     void tagWithTrailingBlankIsNoTagAndReadingRunsToTheEnd()
     {
         MenuDocument document;
-        QStringList lines = exampleLines();
+        QStringList lines = exampleMenuLines();
         lines[2] = QStringLiteral("[Menu] ");
         compareFailure(read(menuFileFromLines(lines), document), 0, QStringLiteral("ends before [Menu]"), 62);
 
         // A closing tag with a blank is an item line, so everything after it becomes items.
-        lines = exampleLines();
+        lines = exampleMenuLines();
         lines[9] = QStringLiteral("[/Menu] ");
         compareFailure(read(menuFileFromLines(lines), document), 0, QStringLiteral("ends before [/Menu]"), 62);
 
-        lines = exampleLines();
+        lines = exampleMenuLines();
         lines[19] = QStringLiteral(" [/Commands]");
         compareFailure(read(menuFileFromLines(lines), document), 20, QStringLiteral("command line has no \":\""), 5);
 
-        lines = exampleLines();
+        lines = exampleMenuLines();
         lines[11] = QStringLiteral("[Commands]\t");
         compareFailure(read(menuFileFromLines(lines), document), 0, QStringLiteral("ends before [Commands]"), 62);
     }
@@ -161,7 +136,7 @@ private Q_SLOTS:
     void blankLinesAndTextOutsideTheSectionsAreIgnored()
     {
         MenuDocument expected;
-        QVERIFY(read(menuFileFromLines(exampleLines()), expected).ok());
+        QVERIFY(read(menuFileFromLines(exampleMenuLines()), expected).ok());
 
         const QString dots = markers(3);
         const QStringList lines { QStringLiteral("KELV - Menu"),
@@ -198,14 +173,14 @@ private Q_SLOTS:
     void lineEndsMayBeCrLfLfOrCr()
     {
         MenuDocument expected;
-        QVERIFY(read(menuFileFromLines(exampleLines()), expected).ok());
+        QVERIFY(read(menuFileFromLines(exampleMenuLines()), expected).ok());
         for (const char* lineEnd : { "\n", "\r" }) {
             MenuDocument document;
-            QVERIFY(read(menuFileFromLines(exampleLines(), lineEnd), document).ok());
+            QVERIFY(read(menuFileFromLines(exampleMenuLines(), lineEnd), document).ok());
             QCOMPARE(document, expected);
         }
         // Mixed ends, and a last line without any end.
-        QByteArray mixed = menuFileFromLines(exampleLines(), "\r\n");
+        QByteArray mixed = menuFileFromLines(exampleMenuLines(), "\r\n");
         mixed.replace("Pack\r\n", "Pack\n");
         mixed.replace("[Menu]\r\n", "[Menu]\r");
         mixed.chop(2);
@@ -422,7 +397,7 @@ private Q_SLOTS:
         const QString path = folder.filePath(QStringLiteral("menu.ini"));
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        QStringList broken = exampleLines();
+        QStringList broken = exampleMenuLines();
         broken[13] = QStringLiteral("0002 zip");
         file.write(menuFileFromLines(broken));
         file.close();
@@ -433,7 +408,7 @@ private Q_SLOTS:
         QCOMPARE(openFileDescriptorCount(), before);
 
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(menuFileFromLines(exampleLines()));
+        file.write(menuFileFromLines(exampleMenuLines()));
         file.close();
         QVERIFY(readMenuFile(path, false, document).ok());
         QCOMPARE(openFileDescriptorCount(), before);

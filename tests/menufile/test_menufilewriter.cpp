@@ -49,27 +49,7 @@ MenuDocument exampleDocument()
 
 QByteArray exampleBytes()
 {
-    const QString dots = markers(3);
-    return menuFileFromLines({ QStringLiteral("KELV - Menu"),
-                               QString(),
-                               QStringLiteral("[Menu]"),
-                               QString(),
-                               QStringLiteral("Archive"),
-                               dots + QStringLiteral("Pack"),
-                               dots + QStringLiteral("Unpack"),
-                               QStringLiteral("Delete"),
-                               QString(),
-                               QStringLiteral("[/Menu]"),
-                               QString(),
-                               QStringLiteral("[Commands]"),
-                               QString(),
-                               QStringLiteral("0002:zip=pack.exe a $fs-001$"),
-                               QStringLiteral("0002:rar=pack.exe r $fs-001$"),
-                               QStringLiteral("0003:zip=pack.exe a $fs-001$"),
-                               QStringLiteral("0003:rar=pack.exe r $fs-001$"),
-                               QStringLiteral("0004:=del $fs-001$"),
-                               QString(),
-                               QStringLiteral("[/Commands]") });
+    return menuFileFromLines(exampleMenuLines());
 }
 
 /// A random menu in tree pre-order, as the reader produces it, without links.
