@@ -247,7 +247,13 @@ public:
         Command command;
         command.extension = sharedExtension(line.sliced(colon + 1, equals - colon - 1));
         command.command = Windows1252Codec::decode(line.sliced(equals + 1));
-        m_document.items[index].commands.append(std::move(command));
+        QList<Command>& commands = m_document.items[index].commands;
+        if (commands.size() == 1) {
+            // Items mostly hold a few commands; growing the list one by one would reallocate it
+            // with every command.
+            commands.reserve(4);
+        }
+        commands.append(std::move(command));
     }
 
 private:
