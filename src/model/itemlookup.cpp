@@ -1,7 +1,9 @@
 #include "itemlookup.h"
 
+#include "errortable.h"
 #include "int16.h"
 #include "menudocument.h"
+#include "runtimeerror.h"
 
 qint16 findItemByKey(const MenuDocument& document, const QString& key)
 {
@@ -20,6 +22,10 @@ qint16 findParent(const MenuDocument& document, int index)
         return -1;
     }
     const auto& items = document.items;
+    // An index past the last item names no item: the same run-time error as any such index.
+    if (index >= items.size()) {
+        throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QStringLiteral("findParent"));
+    }
     const int parentLevel = int(items.at(index).level) - 1;
     for (int j = index; j >= 0; --j) {
         if (items.at(j).level == parentLevel) {

@@ -10,7 +10,8 @@ struct MenuDocument;
 qint16 findItemByKey(const MenuDocument& document, const QString& key);
 
 /// The nearest item at or before `index` whose level is one less than the level of item `index`;
-/// -1 for a negative index or when there is none. Only meaningful while a file is being read.
+/// -1 for a negative index or when there is none; throws RunTimeError 9 for an index past the last
+/// item. Only meaningful while a file is being read.
 qint16 findParent(const MenuDocument& document, int index);
 
 /// Number of items whose parent is -1.

@@ -1,5 +1,6 @@
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
+#include "model/runtimeerror.h"
 
 #include <QTest>
 
@@ -61,6 +62,22 @@ private Q_SLOTS:
         QCOMPARE(findParent(document, 4), qint16(3));
         QCOMPARE(findParent(document, 5), qint16(2));
         QCOMPARE(findParent(document, -1), qint16(-1));
+    }
+
+    void findParentPastTheLastItemIsError9()
+    {
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("E0"), 0, -1), makeItem(QStringLiteral("E1"), 1, 0) };
+        for (const int index : { 2, 40 }) {
+            try {
+                findParent(document, index);
+                QFAIL("an index past the last item was accepted");
+            } catch (const RunTimeError& error) {
+                QCOMPARE(error.number(), 9);
+            }
+        }
+        QVERIFY_THROWS_EXCEPTION(RunTimeError, findParent(MenuDocument(), 0));
+        QCOMPARE(findParent(document, 1), qint16(0));
     }
 
     void countTopLevelCountsParentMinusOne()
