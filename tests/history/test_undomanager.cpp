@@ -240,11 +240,15 @@ private Q_SLOTS:
         HistoryFixture h(missingFolder);
         const qint16 index = h.openDocument(2);
         const MenuDocument before = h.document(index);
+        // A state left to redo: the edit cuts the redo chain before it writes the file.
+        h.histories.history(index).pushRedoState(before);
         QVERIFY_THROWS_EXCEPTION(RunTimeError, h.undoManager.saveUndoState(index, true));
         QCOMPARE(h.histories.history(index).undoCount(), qint16(1));
         QCOMPARE(h.histories.history(index).undoState(0), before);
         QVERIFY(!h.document(index).saved);
         QVERIFY(h.menu.undoEnabled);
+        QCOMPARE(h.histories.history(index).redoCount(), qint16(0));
+        QVERIFY(!h.menu.redoEnabled);
         QVERIFY(!QFileInfo::exists(missingFolder));
     }
 
