@@ -209,6 +209,71 @@ private Q_SLOTS:
         QCOMPARE(panelText(sandbox, 6), QStringLiteral("(2 ; 0)"));
     }
 
+    void switchingALinkOffShowsTheOwnCommandsAndOnAgainRelinks()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+        QTreeWidgetItem* unpack = tree->nodeByKey(QStringLiteral("E2"));
+        editor->lstMenu_NodeClick(unpack);
+        QCOMPARE(unpack->foreground(0).color(), QColor(0, 0, 0));
+        auto* box = control<QCheckBox>(editor, "chkCopyCommand");
+        auto* target = control<QLineEdit>(editor, "txtItemIndexCopy");
+        auto* commands = control<QListWidget>(editor, "lstCommand");
+        const MenuItem& item = sandbox.window().state().document(editor->documentIndex()).items.at(2);
+
+        // Off: the commands the item held before it was linked come back, and so does its colour.
+        box->setChecked(false);
+        editor->chkCopyCommand_Click();
+        QVERIFY(!item.copiesCommands);
+        QCOMPARE(item.copyKey, QStringLiteral("E1"));
+        QCOMPARE(listLines(commands), QStringList({ QStringLiteral("zip=unpack.exe $fs-001$") }));
+        QVERIFY(commands->isEnabled());
+        QVERIFY(!target->isEnabled());
+        QCOMPARE(target->text(), QStringLiteral("1"));
+        QCOMPARE(unpack->foreground(0).color(), QColor(128, 0, 0));
+
+        // On again: the same target, without choosing it anew.
+        box->setChecked(true);
+        editor->chkCopyCommand_Click();
+        QVERIFY(item.copiesCommands);
+        QCOMPARE(item.copyKey, QStringLiteral("E1"));
+        QCOMPARE(listLines(commands),
+                 QStringList({ QStringLiteral("zip=pack.exe a $fs-001$"),
+                               QStringLiteral("rar=pack.exe r $fs-001$||echo done") }));
+        QVERIFY(!commands->isEnabled());
+        QVERIFY(target->isEnabled());
+        QCOMPARE(target->text(), QStringLiteral("1"));
+        QCOMPARE(item.commands.size(), 2); // its own command is kept while the link is on
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+
+        // Showing the item again shows the link as it now stands.
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E1")));
+        editor->lstMenu_NodeClick(unpack);
+        QVERIFY(box->isChecked());
+        QCOMPARE(target->text(), QStringLiteral("1"));
+    }
+
+    void checkingTheBoxWithoutATargetIsRefused()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        editor->lstMenu_NodeClick(editor->tree()->nodeByKey(QStringLiteral("E1")));
+        auto* box = control<QCheckBox>(editor, "chkCopyCommand");
+        QVERIFY(control<QLineEdit>(editor, "txtItemIndexCopy")->text().isEmpty());
+
+        box->setChecked(true);
+        editor->chkCopyCommand_Click();
+
+        MessageRequest refused;
+        refused.text = QStringLiteral("Select an item to copy command before !");
+        refused.icon = MessageRequest::Icon::Exclamation;
+        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ refused }));
+        QVERIFY(!box->isChecked());
+        QVERIFY(!sandbox.window().state().document(editor->documentIndex()).items.at(1).copiesCommands);
+        QCOMPARE(control<QListWidget>(editor, "lstCommand")->count(), 2);
+    }
+
     void aBrokenLinkShowsNoCommands()
     {
         GuiSandbox sandbox;

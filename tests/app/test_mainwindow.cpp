@@ -7,7 +7,9 @@
 #include "app/mainwindow.h"
 #include "app/optionsstore.h"
 #include "menufile/menufilereader.h"
+#include "model/itemlookup.h"
 #include "model/menudocument.h"
+#include "treeview/hidemode.h"
 #include "treeview/itemtree.h"
 
 #include <QAction>
@@ -24,6 +26,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
+#include <QRandomGenerator>
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
@@ -148,6 +151,28 @@ void answerOptionsDialog(const QString& buttonName)
         dialog->findChild<QCheckBox*>(QStringLiteral("chkHideItemsCopyCommand"))->setChecked(true);
         dialog->findChild<QPushButton*>(buttonName)->click();
     });
+}
+
+/// The tree of document `index` matches its hide mode (root text, the Hide marks), every item node
+/// names an item, and a click on each node selects it and shows its path.
+void checkEveryNode(MainWindow& window, qint16 index)
+{
+    EditorWindow* editor = window.editor(index);
+    QVERIFY(editor);
+    ItemTree* tree = editor->tree();
+    const MenuDocument& document = window.state().document(index);
+    QVERIFY(tree->nodeCount() >= 1);
+    QCOMPARE(tree->node(1)->text(0), HideMode::rootText(document.hideMode));
+    const HideMode::Marks marks = HideMode::marksFor(document.hideMode);
+    QCOMPARE(window.findChild<QAction*>(QStringLiteral("mnuHideCopies"))->isChecked(), marks.copies);
+    QCOMPARE(window.findChild<QAction*>(QStringLiteral("mnuHideWCommand"))->isChecked(), marks.withoutCommand);
+    QCOMPARE(window.findChild<QAction*>(QStringLiteral("mnuHideBoth"))->isChecked(), marks.both);
+    for (int node = 2; node <= tree->nodeCount(); ++node) {
+        QVERIFY(findItemByKey(document, tree->keyOf(tree->node(node))) >= 0);
+        editor->lstMenu_NodeClick(tree->node(node));
+        QCOMPARE(tree->currentItem(), tree->node(node));
+        QCOMPARE(editor->findChild<QLabel*>(QStringLiteral("lblPath"))->text(), tree->fullPath(tree->node(node)));
+    }
 }
 
 } // namespace
@@ -1137,6 +1162,83 @@ private Q_SLOTS:
         // The next menu opened starts with copy-command links hidden.
         const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
         QCOMPARE(window.state().document(index).hideMode, 1);
+    }
+
+    void anyMenuFileOpensOrFailsWithoutHarm()
+    {
+        // Menus as people write them by hand: stray and skipped depth markers, odd captions,
+        // identical command lists (links when the option is on), and now and then a line the
+        // reader cannot take. Each either opens and can be clicked through, hidden and refreshed,
+        // or fails with one message and leaves nothing behind.
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QRandomGenerator random(20261122);
+        const QStringList captions = { QStringLiteral("Pack"), QString(),
+                                       QStringLiteral("Root"), QStringLiteral("  blanks  "),
+                                       QStringLiteral("E1"),   QStringLiteral("a=b:c") };
+        const QStringList commands = { QStringLiteral("zip=pack.exe $fs-001$"), QStringLiteral("=del $fs-001$"),
+                                       QStringLiteral("txt=notepad a=b:c") };
+        const QStringList brokenLines
+            = { QStringLiteral("0001zip"), QStringLiteral("x:zip=pack"), QStringLiteral("9999:zip=pack") };
+        const QList<QAction*> hideEntries
+            = { sandbox.action(QStringLiteral("mnuHideCopies")), sandbox.action(QStringLiteral("mnuHideWCommand")),
+                sandbox.action(QStringLiteral("mnuHideBoth")) };
+        for (int round = 0; round < 120; ++round) {
+            Options options;
+            options.checkCopyCommand = qint16(round % 2);
+            options.hideItemsCopyCommand = qint16((round / 2) % 2);
+            options.hideItemsWithoutCommand = qint16((round / 4) % 2);
+            window.state().setOptions(options);
+
+            const int itemCount = random.bounded(1, 20);
+            QStringList itemLines;
+            for (int item = 0; item < itemCount; ++item) {
+                QString line
+                    = QString(random.bounded(0, 10), QChar(0xB7)) + captions.at(random.bounded(int(captions.size())));
+                // An empty line is no item at all.
+                itemLines.append(line.isEmpty() ? QStringLiteral("Item") : line);
+            }
+            QStringList commandLines;
+            const int commandCount = random.bounded(0, 2 * itemCount);
+            for (int command = 0; command < commandCount; ++command) {
+                commandLines.append(QStringLiteral("%1:").arg(random.bounded(1, itemCount + 1), 4, 10, QLatin1Char('0'))
+                                    + commands.at(random.bounded(int(commands.size()))));
+            }
+            const bool broken = round % 10 == 9;
+            if (broken) {
+                commandLines.insert(random.bounded(int(commandLines.size()) + 1),
+                                    brokenLines.at(random.bounded(int(brokenLines.size()))));
+            }
+            const QString name = QStringLiteral("random%1.ini").arg(round);
+            const QString path
+                = GuiSandbox::writeFile(sandbox.menuPath(name), GuiSandbox::menuBytes(itemLines, commandLines));
+            QVERIFY(!path.isEmpty());
+
+            sandbox.prompts().clearLog();
+            const qint16 slotsBefore = window.state().lastSlot();
+            const qint16 index = window.openMenu(path, name);
+            if (broken) {
+                QCOMPARE(index, qint16(0));
+                QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MainWindow::openErrorMessage() }));
+                QCOMPARE(window.state().lastSlot(), slotsBefore);
+                continue;
+            }
+            QVERIFY2(index != 0, qPrintable(sandbox.prompts().messageTexts().join(QLatin1Char('|'))));
+            const MenuDocument& document = window.state().document(index);
+            checkEveryNode(window, index);
+            for (int step = 0; step < 4 && !QTest::currentTestFailed(); ++step) {
+                hideEntries.at(random.bounded(int(hideEntries.size())))->trigger();
+                checkEveryNode(window, index);
+            }
+            sandbox.action(QStringLiteral("mnuRefresh"))->trigger();
+            checkEveryNode(window, index);
+            if (QTest::currentTestFailed()) {
+                return;
+            }
+            QVERIFY(sandbox.prompts().messages.isEmpty());
+            QVERIFY(document.saved);
+            QVERIFY(window.editor(index)->closeWindow());
+        }
     }
 
     void aboutShowsTheProgramAndVersion()
