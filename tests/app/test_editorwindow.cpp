@@ -134,6 +134,23 @@ private Q_SLOTS:
         QCOMPARE(control<QLabel>(editor, "lblReconstruct")->text(), QStringLiteral("Generating tree ..."));
     }
 
+    void theFirstItemIsShownBeforeTheRootTellsOfHiding()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+        auto* path = control<QLabel>(editor, "lblPath");
+
+        sandbox.window().regenerateTree(editor->documentIndex(), 1);
+
+        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QCOMPARE(tree->currentItem(), tree->nodeByKey(QStringLiteral("E0")));
+        QCOMPARE(path->text(), QStringLiteral("KELV\\Archive"));
+        // A click afterwards shows the path as the tree now reads.
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(path->text(), QStringLiteral("KELV (Some items may be hidded)\\Archive\\Pack"));
+    }
+
     void anEmptyTreeSelectsNothing()
     {
         GuiSandbox sandbox;
