@@ -690,7 +690,11 @@ void MainWindow::mnuRedo_Click()
 
 bool MainWindow::runEditingOperation(const std::function<void()>& operation)
 {
-    return ::runEditingOperation(m_undoErrorReport, operation);
+    const bool completed = ::runEditingOperation(m_undoErrorReport, operation);
+    // Every recorded edit marks the document unsaved and an undone failure may mark it saved
+    // again; Save (and Ctrl+S) follows at once.
+    updateSaveEntry();
+    return completed;
 }
 
 void MainWindow::setUndoEnabled(bool enabled)

@@ -217,7 +217,6 @@ private Q_SLOTS:
         QVERIFY(window.state().document(index).saved);
         QVERIFY(edit(window, index, [](MenuDocument& document) { renameFirstItem(document, QStringLiteral("x")); }));
         QVERIFY(!window.state().document(index).saved);
-        window.updateSaveEntry();
         QVERIFY(sandbox.action(QStringLiteral("mnuSave"))->isEnabled());
 
         sandbox.action(QStringLiteral("mnuUndo"))->trigger();
