@@ -66,33 +66,6 @@ private:
     bool m_previous;
 };
 
-/// Shows the root node as plain "KELV" for the length of a scope and then gives it back the text it
-/// had, also when the work in the scope throws.
-class PlainRootText
-{
-public:
-    explicit PlainRootText(QTreeWidgetItem* root)
-        : m_root(root)
-        , m_text(root ? root->text(0) : QString())
-    {
-        if (m_root) {
-            m_root->setText(0, QStringLiteral("KELV"));
-        }
-    }
-    ~PlainRootText()
-    {
-        if (m_root) {
-            m_root->setText(0, m_text);
-        }
-    }
-    PlainRootText(const PlainRootText&) = delete;
-    PlainRootText& operator=(const PlainRootText&) = delete;
-
-private:
-    QTreeWidgetItem* m_root;
-    QString m_text;
-};
-
 /// The index of the item behind `key`; an index that names no item is a run-time error of `source`.
 int itemIndexOf(const MenuDocument& document, const QString& key, const char* source)
 {
@@ -266,12 +239,17 @@ void EditorWindow::generateTree(int modeChange)
     m_lstMenu->generate(document(), modeChange);
     // The first item is shown while the root still reads "KELV"; the root tells that items may be
     // hidden only once that is done, so the path shown right after a rebuild never carries it.
-    const PlainRootText plainRoot(m_lstMenu->node(1));
-    if (m_lstMenu->nodeCount() > 1) {
-        lstMenu_NodeClick(m_lstMenu->node(2));
-    } else {
-        showNoItem();
+    try {
+        if (m_lstMenu->nodeCount() > 1) {
+            lstMenu_NodeClick(m_lstMenu->node(2));
+        } else {
+            showNoItem();
+        }
+    } catch (...) {
+        m_lstMenu->showRootText(document().hideMode);
+        throw;
     }
+    m_lstMenu->showRootText(document().hideMode);
 }
 
 void EditorWindow::ColorizeMenu()

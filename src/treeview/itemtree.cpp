@@ -277,7 +277,13 @@ void ItemTree::generate(MenuDocument& document, int modeChange)
     }
 
     setIndentation(2);
-    root->setText(0, HideMode::rootText(document.hideMode));
+}
+
+void ItemTree::showRootText(int hideMode)
+{
+    if (QTreeWidgetItem* root = node(1)) {
+        root->setText(0, HideMode::rootText(hideMode));
+    }
 }
 
 void ItemTree::colorize(const MenuDocument& document)

@@ -54,10 +54,13 @@ public:
 
     /// Rebuilds the tree from `document` after applying `modeChange` to its hide mode: the root
     /// "Root" / "KELV", one node per shown item (see planTree), the whole tree expanded (down to
-    /// expandedLevels) and styled, indentation 2, the root text telling whether items may be hidden.
-    /// Painting is suspended for the whole rebuild and resumed at its end. Selecting a node
-    /// afterwards is left to the editor window.
+    /// expandedLevels) and styled, indentation 2. Painting is suspended for the whole rebuild and
+    /// resumed at its end. Selecting a node afterwards and the root's final text (showRootText) are
+    /// left to the editor window, which shows the first item while the root still reads "KELV".
     void generate(MenuDocument& document, int modeChange);
+    /// The last step of a rebuild: the root's text tells whether items may be hidden ("KELV" or
+    /// "KELV (Some items may be hidded)").
+    void showRootText(int hideMode);
 
     /// Re-applies the node styles to every item node from the current state of `document`, without
     /// rebuilding the tree. A node whose key names no item any more is left black and not bold.
