@@ -11,14 +11,23 @@
 #include "model/documentlist.h"
 #include "model/menudocument.h"
 
+#include <QTemporaryDir>
+
 /// The history as the main window holds it: the document list and the history table in step, the
 /// Undo and Redo entries, the error report whose undo is the controller's Undo, and a main window
 /// that the tests steer.
 class HistoryFixture
 {
 public:
+    /// Autosave files go to a temporary folder of the fixture's own.
+    HistoryFixture()
+        : HistoryFixture(QString())
+    {
+    }
+
+    /// Autosave files go to `autosaveFolder`; empty means the fixture's own temporary folder.
     explicit HistoryFixture(const QString& autosaveFolder)
-        : undoManager(documents, histories, autosaveFolder, menu)
+        : undoManager(documents, histories, autosaveFolder.isEmpty() ? folder.path() : autosaveFolder, menu)
         , report(prompts, [this] { controller.mnuUndo_Click(); })
         , controller(documents, undoManager, report, host)
     {
@@ -61,6 +70,7 @@ public:
 
     MenuDocument& document(qint16 index) { return documents.document(index); }
 
+    QTemporaryDir folder;
     DocumentList documents;
     HistoryTable histories;
     RecordingHistoryMenu menu;

@@ -47,16 +47,11 @@ class TestEditingOperation : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_folder->isValid());
-        m_history = std::make_unique<HistoryFixture>(m_folder->path());
+        m_history = std::make_unique<HistoryFixture>();
+        QVERIFY(m_history->folder.isValid());
     }
 
-    void cleanup()
-    {
-        m_history.reset();
-        m_folder.reset();
-    }
+    void cleanup() { m_history.reset(); }
 
     void aCompletedOperationReportsNothing()
     {
@@ -111,7 +106,7 @@ private Q_SLOTS:
 
     void aFailedAutosaveWriteIsReportedAndUndone()
     {
-        const QString missingFolder = QDir(m_folder->path()).filePath(QStringLiteral("gone"));
+        const QString missingFolder = QDir(m_history->folder.path()).filePath(QStringLiteral("gone"));
         HistoryFixture h(missingFolder);
         const qint16 index = h.openDocument(2);
         h.host.activeIndex = index;
@@ -193,7 +188,6 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<HistoryFixture> m_history;
 };
 

@@ -29,16 +29,11 @@ class TestUndoController : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_folder->isValid());
-        m_history = std::make_unique<HistoryFixture>(m_folder->path());
+        m_history = std::make_unique<HistoryFixture>();
+        QVERIFY(m_history->folder.isValid());
     }
 
-    void cleanup()
-    {
-        m_history.reset();
-        m_folder.reset();
-    }
+    void cleanup() { m_history.reset(); }
 
     void undoRestoresRebuildsTheTreeAndShowsTheItemCount()
     {
@@ -200,7 +195,6 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<HistoryFixture> m_history;
 };
 

@@ -30,16 +30,11 @@ class TestUndoManager : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_folder->isValid());
-        m_history = std::make_unique<HistoryFixture>(m_folder->path());
+        m_history = std::make_unique<HistoryFixture>();
+        QVERIFY(m_history->folder.isValid());
     }
 
-    void cleanup()
-    {
-        m_history.reset();
-        m_folder.reset();
-    }
+    void cleanup() { m_history.reset(); }
 
     void recordingKeepsTheStateBeforeTheEditAndMarksTheDocumentUnsaved()
     {
@@ -208,7 +203,7 @@ private Q_SLOTS:
         const QByteArray thirdExpected = menuFileBytes(h.document(third));
         h.edit(third, QStringLiteral("Only edit"));
 
-        const QDir folder(m_folder->path());
+        const QDir folder(m_history->folder.path());
         QCOMPARE(folder.entryList(QDir::Files),
                  QStringList({ QStringLiteral("menuAutoSave1.ini"), QStringLiteral("menuAutoSave3.ini") }));
         QCOMPARE(fileBytes(folder.filePath(QStringLiteral("menuAutoSave1.ini"))), firstExpected);
@@ -231,12 +226,13 @@ private Q_SLOTS:
     void autosavePathNamesTheDocumentIndex()
     {
         HistoryFixture& h = *m_history;
-        QCOMPARE(h.undoManager.autosavePath(12), QDir(m_folder->path()).filePath(QStringLiteral("menuAutoSave12.ini")));
+        QCOMPARE(h.undoManager.autosavePath(12),
+                 QDir(m_history->folder.path()).filePath(QStringLiteral("menuAutoSave12.ini")));
     }
 
     void aFailedAutosaveWriteThrowsAfterTheStateIsRecorded()
     {
-        const QString missingFolder = QDir(m_folder->path()).filePath(QStringLiteral("no-such-folder"));
+        const QString missingFolder = QDir(m_history->folder.path()).filePath(QStringLiteral("no-such-folder"));
         HistoryFixture h(missingFolder);
         const qint16 index = h.openDocument(2);
         const MenuDocument before = h.document(index);
@@ -266,7 +262,7 @@ private Q_SLOTS:
             QVERIFY_THROWS_EXCEPTION(RunTimeError, h.undoManager.undoDocument(index));
             QVERIFY_THROWS_EXCEPTION(RunTimeError, h.undoManager.redoDocument(index));
         }
-        QVERIFY(QDir(m_folder->path()).entryList(QDir::Files).isEmpty());
+        QVERIFY(QDir(m_history->folder.path()).entryList(QDir::Files).isEmpty());
     }
 
     void theMenuFollowsTheActivatedDocument()
@@ -314,7 +310,6 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<HistoryFixture> m_history;
 };
 
