@@ -65,8 +65,9 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     , m_prompts(prompts)
     , m_optionsStore(optionsStore)
     , m_programFolder(programFolder)
-    , m_recent(writableFolder(programFolder))
-    , m_undoManager(m_state.documents(), m_state.histories(), writableFolder(programFolder), *this)
+    , m_writableFolder(writableFolder(programFolder))
+    , m_recent(m_writableFolder)
+    , m_undoManager(m_state.documents(), m_state.histories(), m_writableFolder, *this)
     , m_undoErrorReport(prompts, [this] { mnuUndo_Click(); })
     , m_undoController(m_state.documents(), m_undoManager, m_undoErrorReport, *this)
 {

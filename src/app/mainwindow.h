@@ -159,6 +159,8 @@ private:
     UserPrompts& m_prompts;
     OptionsStore& m_optionsStore;
     QString m_programFolder;
+    /// Where the files the editor writes beside itself go (decided once, it probes the disk).
+    QString m_writableFolder;
     ApplicationState m_state;
     RecentFileList m_recent;
     UndoManager m_undoManager;
