@@ -5,9 +5,9 @@
 #include "benchtiming.h"
 #include "menugenerator.h"
 
+#include "app/itemtree.h"
 #include "editing/copylinks.h"
 #include "model/runtimeerror.h"
-#include "treeview/itemtree.h"
 #include "treeview/treeplan.h"
 
 #include <QApplication>
@@ -93,7 +93,7 @@ int main(int argc, char* argv[])
             ItemTree tree;
             tree.resize(400, 700);
             const double generate = medianMilliseconds(
-                runs, [] {}, [&tree, &document] { tree.generate(document, -3); });
+                runs, [] {}, [&tree, &document] { tree.generate(document); });
             if (tree.nodeCount() != planned + 1) {
                 std::fputs("the tree does not hold the planned nodes\n", stderr);
                 return 1;
@@ -101,13 +101,13 @@ int main(int argc, char* argv[])
             const double colorize = medianMilliseconds(
                 runs, [] {}, [&tree, &document] { tree.colorize(document); });
             const double clear = medianMilliseconds(
-                runs, [&tree, &document] { tree.generate(document, -3); }, [&tree] { tree.clearNodes(); });
+                runs, [&tree, &document] { tree.generate(document); }, [&tree] { tree.clearNodes(); });
 
             tree.show();
             const double shown = medianMilliseconds(
                 runs, [] {},
                 [&tree, &document] {
-                    tree.generate(document, -3);
+                    tree.generate(document);
                     QApplication::processEvents();
                 });
             tree.hide();

@@ -6,6 +6,7 @@
 
 #include "editing/copylinks.h"
 #include "editing/itemdeletion.h"
+#include "editing/menuopening.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
 #include "model/runtimeerror.h"
@@ -85,14 +86,14 @@ int main(int argc, char* argv[])
             const double read = medianMilliseconds(
                 runs, [&target] { target = MenuDocument {}; },
                 [&target, &path] {
-                    if (!readMenuFile(path, false, target).ok()) {
+                    if (!readMenuFile(path, target).ok()) {
                         throw RunTimeError(0, QStringLiteral("readMenuFile"), QStringLiteral("not read"));
                     }
                 });
             const double readLinks = medianMilliseconds(
                 runs, [&target] { target = MenuDocument {}; },
                 [&target, &path] {
-                    if (!readMenuFile(path, true, target).ok()) {
+                    if (!openMenuFile(path, true, target).ok()) {
                         throw RunTimeError(0, QStringLiteral("readMenuFile"), QStringLiteral("not read"));
                     }
                 });

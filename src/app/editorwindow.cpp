@@ -1,15 +1,20 @@
 #include "editorwindow.h"
 
-#include "app/applicationstate.h"
+#include "app/itemtree.h"
 #include "app/mainwindow.h"
-#include "app/userprompts.h"
+#include "core/applicationstate.h"
+#include "core/editingsession.h"
+#include "editing/itemcreation.h"
+#include "editing/itempanel.h"
+#include "editing/linkediting.h"
+#include "editing/treeupdate.h"
 #include "model/errortable.h"
 #include "model/int16.h"
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
-#include "treeview/itemtree.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QFrame>
@@ -19,7 +24,9 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
+#include <QMouseEvent>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -27,7 +34,7 @@ namespace {
 
 QString rootKey()
 {
-    return QStringLiteral("Root");
+    return SelectedNode::rootKey();
 }
 
 /// Keeps the busy notice up for the length of a scope, also when the work in it throws.
@@ -76,14 +83,12 @@ int itemIndexOf(const MenuDocument& document, const QString& key, const char* so
     return index;
 }
 
-/// Whether `copyKey` names a link target at all: "-1" (never chosen) and the empty key of a newly
-/// created item both mean that the item has no target.
-bool hasLinkTarget(const QString& copyKey)
-{
-    return !copyKey.isEmpty() && copyKey != QLatin1String("-1");
-}
-
 } // namespace
+
+QColor EditorWindow::choosingColour()
+{
+    return QColor(168, 227, 176);
+}
 
 EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget* parent)
     : QWidget(parent)
@@ -97,9 +102,22 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
     connect(m_lstMenu, &QTreeWidget::currentItemChanged, this,
             [this](QTreeWidgetItem* current, QTreeWidgetItem*) { onCurrentNodeChanged(current); });
     connect(m_lstMenu, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* node, int) { onNodeClicked(node); });
+    connect(m_lstMenu, &ItemTree::labelEditStarted, this, &EditorWindow::onLabelEditStarted);
+    connect(m_lstMenu, &ItemTree::labelEditCommitted, this, &EditorWindow::onLabelEditCommitted);
+    connect(m_lstMenu, &ItemTree::rootCollapsed, this, &EditorWindow::onRootCollapsed);
+    // Only the user's clicks count: the box is set from the document whenever an item is shown.
+    connect(m_chkCopyCommand, &QCheckBox::clicked, this, &EditorWindow::chkCopyCommand_Click);
+    connect(m_cmdChangeCopy, &QPushButton::toggled, this, &EditorWindow::cmdChangeCopy_Click);
+    m_txtItemIndexCopy->installEventFilter(this);
+    m_lstMenu->viewport()->installEventFilter(this);
+    m_main.attachEditor(*this);
 }
 
-EditorWindow::~EditorWindow() = default;
+EditorWindow::~EditorWindow()
+{
+    // The tree goes after this window; what it signals on the way must not reach the window.
+    disconnect(m_lstMenu, nullptr, this, nullptr);
+}
 
 void EditorWindow::buildLayout()
 {
@@ -118,9 +136,8 @@ void EditorWindow::buildLayout()
     m_lstCommand->setObjectName(QStringLiteral("lstCommand"));
     commandsCaption->setBuddy(m_lstCommand);
 
-    // The copy-command link: the check box switches it, the field names the target item and the
-    // button starts choosing a target in the tree. Setting a link by hand is not available yet, so
-    // the check box and the button only show the link.
+    // The copy-command link: the check box switches it, the field names the target item (a double
+    // click follows the link) and the button starts choosing a target in the tree.
     m_chkCopyCommand = new QCheckBox(tr("Use the commands of item"), this);
     m_chkCopyCommand->setObjectName(QStringLiteral("chkCopyCommand"));
     m_chkCopyCommand->setEnabled(false);
@@ -133,6 +150,7 @@ void EditorWindow::buildLayout()
     m_cmdChangeCopy->setObjectName(QStringLiteral("cmdChangeCopy"));
     m_cmdChangeCopy->setCheckable(true);
     m_cmdChangeCopy->setEnabled(false);
+    m_cmdChangeCopy->setAutoFillBackground(true);
 
     auto* linkBox = new QGroupBox(tr("Copy command"), this);
     linkBox->setObjectName(QStringLiteral("grpCopyCommand"));
@@ -193,14 +211,24 @@ void EditorWindow::buildLayout()
     resize(640, 420);
 }
 
-MenuDocument& EditorWindow::document()
+const MenuDocument& EditorWindow::document() const
 {
     return m_main.state().document(m_documentIndex);
 }
 
-const MenuDocument& EditorWindow::document() const
+WindowEditingState& EditorWindow::windowState() const
 {
-    return m_main.state().document(m_documentIndex);
+    return m_main.state().window(m_documentIndex);
+}
+
+bool EditorWindow::nodeClicked() const
+{
+    return windowState().nodeClicked;
+}
+
+bool EditorWindow::isChoosingLinkTarget() const
+{
+    return m_cmdChangeCopy->isChecked();
 }
 
 void EditorWindow::showBusyNotice(const QString& text)
@@ -231,12 +259,12 @@ void EditorWindow::resizeEvent(QResizeEvent* event)
     placeBusyNotice();
 }
 
-void EditorWindow::generateTree(int modeChange)
+void EditorWindow::generateTree()
 {
     BusyNotice notice(*this, QStringLiteral("Generating tree ..."));
     FlagScope selecting(m_selectingNode);
     m_shownByMove = nullptr;
-    m_lstMenu->generate(document(), modeChange);
+    m_lstMenu->generate(document());
     // The first item is shown while the root still reads "KELV"; the root tells that items may be
     // hidden only once that is done, so the path shown right after a rebuild never carries it.
     try {
@@ -265,6 +293,13 @@ void EditorWindow::lstMenu_NodeClick(QTreeWidgetItem* node)
         return; // the root node, or no node of this tree
     }
     ApplicationState& state = m_main.state();
+    if (isChoosingLinkTarget()) {
+        EditArguments arguments;
+        arguments.sourceKey = nodeKey(state.lastNodeIndex());
+        arguments.targetKey = m_lstMenu->keyOf(node);
+        m_main.session().run(m_documentIndex, EditOperations::chooseLinkTarget, arguments);
+        return;
+    }
     state.setLastNodeIndex(Int16::checked(nodeIndex, "lstMenu_NodeClick"));
 
     const MenuDocument& menu = document();
@@ -274,7 +309,7 @@ void EditorWindow::lstMenu_NodeClick(QTreeWidgetItem* node)
                               QStringLiteral("(") + QString::number(item.siblingOrder) + QStringLiteral(" ; ")
                                   + QString::number(item.childCount) + QStringLiteral(")"));
     m_main.setStatusPanelText(2, QString::number(itemIndex));
-    m_nodeClicked = true;
+    windowState().nodeClicked = true;
     {
         FlagScope selecting(m_selectingNode);
         m_lstMenu->setCurrentItem(node);
@@ -288,69 +323,64 @@ void EditorWindow::SelectItem()
     QTreeWidgetItem* node = m_lstMenu->currentItem();
     m_lblPath->setText(node ? m_lstMenu->fullPath(node) : QString());
     m_lstCommand->clear();
-    if (!node || m_lstMenu->keyOf(node) == rootKey()) {
-        return;
+    if (node && m_lstMenu->keyOf(node) != rootKey()) {
+        const MenuDocument& menu = document();
+        const ItemPanel panel = itemPanel(menu, itemIndexOf(menu, m_lstMenu->keyOf(node), "SelectItem"));
+        m_txtItemIndexCopy->setText(panel.linkTarget);
+        m_chkCopyCommand->setChecked(panel.linked);
+        m_lstCommand->addItems(panel.commandLines);
+        if (!windowState().nodeClicked) {
+            ColorizeMenu();
+        }
     }
-    const MenuDocument& menu = document();
-    const MenuItem& item = menu.items.at(itemIndexOf(menu, m_lstMenu->keyOf(node), "SelectItem"));
-    if (!item.copiesCommands) {
-        m_txtItemIndexCopy->setText(hasLinkTarget(item.copyKey) ? QString::number(findItemByKey(menu, item.copyKey))
-                                                                : QString());
-        m_chkCopyCommand->setChecked(false);
-    } else {
-        m_txtItemIndexCopy->setText(QString::number(findItemByKey(menu, item.copyKey)));
-        m_chkCopyCommand->setChecked(true);
-    }
-    chkCopyCommand_Click();
+    updateLinkControls();
+    m_main.selectionChanged(m_documentIndex);
+}
+
+void EditorWindow::updateLinkControls()
+{
+    const bool itemShown = selectedNode().isItem();
+    const bool choosing = isChoosingLinkTarget();
+    const bool linked = m_chkCopyCommand->isChecked();
+    m_chkCopyCommand->setEnabled(itemShown && !choosing);
+    m_cmdChangeCopy->setEnabled(itemShown || choosing);
+    m_lstCommand->setEnabled(!linked && !choosing);
+    m_txtItemIndexCopy->setEnabled(itemShown && linked);
 }
 
 void EditorWindow::chkCopyCommand_Click()
 {
-    if (m_chkCopyCommand->isChecked() && m_txtItemIndexCopy->text().isEmpty()) {
-        m_chkCopyCommand->setChecked(false);
-        MessageRequest request;
-        request.text = QStringLiteral("Select an item to copy command before !");
-        request.icon = MessageRequest::Icon::Exclamation;
-        m_main.prompts().showMessage(request);
-        return;
-    }
-    QTreeWidgetItem* node = m_lstMenu->currentItem();
-    if (!node) {
-        return;
-    }
-    MenuDocument& menu = document();
-    const int itemIndex = itemIndexOf(menu, m_lstMenu->keyOf(node), "chkCopyCommand_Click");
-    m_lstCommand->clear();
-    if (!m_chkCopyCommand->isChecked()) {
-        MenuItem& item = menu.items[itemIndex];
-        item.copiesCommands = false;
-        if (item.hasOwnCommands()) {
-            node->setForeground(0, QColor(128, 0, 0));
-        }
-        m_lstCommand->setEnabled(true);
-        m_txtItemIndexCopy->setEnabled(false);
-        fillCommands(menu, itemIndex);
-    } else {
-        m_lstCommand->setEnabled(false);
-        m_txtItemIndexCopy->setEnabled(true);
-        menu.items[itemIndex].copiesCommands = true;
-        // A link that names no item (which deleting items never leaves behind) shows no commands.
-        const int target = findItemByKey(menu, menu.items.at(itemIndex).copyKey);
-        if (target >= 0) {
-            fillCommands(menu, target);
-        }
-    }
-    if (!m_nodeClicked) {
-        ColorizeMenu();
+    EditArguments arguments;
+    arguments.checked = m_chkCopyCommand->isChecked();
+    if (!m_main.session().run(m_documentIndex, EditOperations::switchLink, arguments)) {
+        // Whatever did not happen, the box shows the item as it stands.
+        SelectItem();
     }
 }
 
-void EditorWindow::fillCommands(const MenuDocument& menu, int itemIndex)
+void EditorWindow::cmdChangeCopy_Click()
 {
-    const QList<Command>& commands = menu.items.at(itemIndex).commands;
-    for (qsizetype slot = 1; slot < commands.size(); ++slot) {
-        m_lstCommand->addItem(commands.at(slot).extension + QLatin1Char('=') + commands.at(slot).command);
+    const bool choosing = isChoosingLinkTarget();
+    windowState().linkTargetChoice = choosing;
+    showChoosingColour(choosing);
+    updateLinkControls();
+    if (!choosing) {
+        // Leaving the choice applies the check box to the item again.
+        chkCopyCommand_Click();
     }
+    m_main.updateMenus();
+}
+
+void EditorWindow::showChoosingColour(bool choosing)
+{
+    QPalette palette = QApplication::palette(m_cmdChangeCopy);
+    if (choosing) {
+        palette.setColor(QPalette::Button, choosingColour());
+    }
+    m_cmdChangeCopy->setPalette(palette);
+    // Styles that draw buttons themselves take the colour from a style sheet only.
+    m_cmdChangeCopy->setStyleSheet(
+        choosing ? QStringLiteral("QPushButton { background-color: %1; }").arg(choosingColour().name()) : QString());
 }
 
 void EditorWindow::showNoItem()
@@ -359,20 +389,122 @@ void EditorWindow::showNoItem()
     m_lstCommand->clear();
     m_txtItemIndexCopy->clear();
     m_chkCopyCommand->setChecked(false);
+    updateLinkControls();
+    m_main.selectionChanged(m_documentIndex);
+}
+
+SelectedNode EditorWindow::selectedNode() const
+{
+    SelectedNode selected;
+    QTreeWidgetItem* node = m_lstMenu->currentItem();
+    selected.key = m_lstMenu->keyOf(node);
+    if (!selected.key.isEmpty() && node->parent() != nullptr) {
+        selected.parentKey = m_lstMenu->keyOf(node->parent());
+    }
+    return selected;
+}
+
+QString EditorWindow::nodeKey(int nodeIndex) const
+{
+    return m_lstMenu->keyOf(m_lstMenu->node(nodeIndex));
+}
+
+void EditorWindow::applyUpdate(const TreeUpdate& update)
+{
+    for (const TreeStep& step : update.steps()) {
+        switch (step.kind) {
+        case TreeStep::Kind::AddNode:
+            m_lstMenu->addNode(step.parentKey, step.key, step.text);
+            break;
+        case TreeStep::Kind::RemoveNode: {
+            FlagScope selecting(m_selectingNode);
+            m_shownByMove = nullptr;
+            m_lstMenu->removeNode(m_lstMenu->nodeByKey(step.key));
+            break;
+        }
+        case TreeStep::Kind::SetNodeText:
+            if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+                node->setText(0, step.text);
+            }
+            break;
+        case TreeStep::Kind::SetNodeColour:
+            ItemTree::setNodeColour(m_lstMenu->nodeByKey(step.key), step.colour);
+            break;
+        case TreeStep::Kind::AddNodeWhenOnlyRoot:
+            if (m_lstMenu->nodeCount() == 1) {
+                m_lstMenu->addNode(step.parentKey, step.key, step.text);
+            }
+            break;
+        case TreeStep::Kind::Recolour:
+            ColorizeMenu();
+            break;
+        case TreeStep::Kind::Regenerate:
+            m_main.regenerateTree(m_documentIndex);
+            break;
+        case TreeStep::Kind::ShowItemCount:
+            m_main.showItemCount(int(document().items.size()));
+            break;
+        case TreeStep::Kind::SelectNode:
+            if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+                FlagScope selecting(m_selectingNode);
+                m_lstMenu->setCurrentItem(node);
+                node->setSelected(true);
+            }
+            break;
+        case TreeStep::Kind::ClickNode:
+            // A node that is not in the tree (a hidden target) cannot be clicked: nothing happens.
+            if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+                lstMenu_NodeClick(node);
+            }
+            break;
+        case TreeStep::Kind::ClickFirstItemNode:
+            if (QTreeWidgetItem* node = m_lstMenu->node(2)) {
+                lstMenu_NodeClick(node);
+            } else {
+                showNoItem();
+            }
+            break;
+        case TreeStep::Kind::ShowItem:
+            SelectItem();
+            break;
+        case TreeStep::Kind::StartLabelEdit:
+            m_lstMenu->setFocus();
+            m_lstMenu->startLabelEdit(m_lstMenu->nodeByKey(step.key));
+            break;
+        case TreeStep::Kind::ToggleLinkTargetChoice:
+            m_cmdChangeCopy->toggle();
+            break;
+        case TreeStep::Kind::EndLinkTargetChoice: {
+            // The operation that ends the choice has already applied the check box.
+            const QSignalBlocker blocker(m_cmdChangeCopy);
+            m_cmdChangeCopy->setChecked(false);
+            windowState().linkTargetChoice = false;
+            showChoosingColour(false);
+            updateLinkControls();
+            m_main.updateMenus();
+            break;
+        }
+        case TreeStep::Kind::FocusTree:
+            m_lstMenu->setFocus();
+            break;
+        case TreeStep::Kind::ShowMessage:
+            m_main.showPlainMessage(step.text);
+            break;
+        case TreeStep::Kind::ShowRefusal:
+            m_main.showRefusal(step.text);
+            break;
+        }
+    }
 }
 
 void EditorWindow::onCurrentNodeChanged(QTreeWidgetItem* current)
 {
     // Moving through the tree with the keyboard shows the item like a click does; the window's own
     // changes of the current node (rebuilds, selecting after a click) do not.
-    if (m_selectingNode || !current || m_cmdChangeCopy->isChecked()) {
+    if (m_selectingNode || !current || isChoosingLinkTarget()) {
         return;
     }
-    try {
-        lstMenu_NodeClick(current);
-    } catch (const RunTimeError& error) {
-        m_main.showRunTimeError(error);
-    }
+    clickFromUser(current);
     m_shownByMove = current;
 }
 
@@ -383,11 +515,73 @@ void EditorWindow::onNodeClicked(QTreeWidgetItem* node)
         m_shownByMove = nullptr;
         return;
     }
+    clickFromUser(node);
+}
+
+void EditorWindow::clickFromUser(QTreeWidgetItem* node)
+{
     try {
         lstMenu_NodeClick(node);
     } catch (const RunTimeError& error) {
         m_main.showRunTimeError(error);
     }
+    m_main.selectionChanged(m_documentIndex);
+}
+
+void EditorWindow::onLabelEditStarted(const QString& key)
+{
+    SelectedNode node;
+    node.key = key;
+    m_main.session().runOn(m_documentIndex, node, EditOperations::beginLabelEdit);
+}
+
+void EditorWindow::onLabelEditCommitted(const QString& key, const QString& text)
+{
+    // The edit ends on its own node, even when a click elsewhere is what ended it.
+    SelectedNode node;
+    node.key = key;
+    EditArguments arguments;
+    arguments.text = text;
+    m_main.session().runOn(m_documentIndex, node, EditOperations::storeLabelEdit, arguments);
+}
+
+void EditorWindow::onRootCollapsed()
+{
+    // The root stays open; its first item is selected and shown instead.
+    if (QTreeWidgetItem* first = m_lstMenu->node(2)) {
+        clickFromUser(first);
+    }
+}
+
+bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_txtItemIndexCopy && event->type() == QEvent::MouseButtonDblClick) {
+        // Following the link: the target becomes the selected item.
+        m_main.session().run(m_documentIndex, EditOperations::followLink);
+        return true;
+    }
+    if (watched == m_lstMenu->viewport() && isChoosingLinkTarget()) {
+        // While a target is chosen, a click picks the node under the pointer and the selection
+        // stays on the item whose link is being set.
+        switch (event->type()) {
+        case QEvent::MouseButtonPress: {
+            const auto* mouse = static_cast<QMouseEvent*>(event);
+            if (mouse->button() == Qt::LeftButton) {
+                if (QTreeWidgetItem* node = m_lstMenu->itemAt(mouse->position().toPoint())) {
+                    clickFromUser(node);
+                }
+            }
+            return true;
+        }
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+            return true;
+        default:
+            break;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 bool EditorWindow::closeWindow()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/editorview.h"
+
 #include <QWidget>
 #include <QtGlobal>
 
@@ -13,28 +15,32 @@ class QListWidget;
 class QPushButton;
 class QTreeWidgetItem;
 struct MenuDocument;
+struct WindowEditingState;
 
 /// One editor window (frmEditor): the item tree of one menu document on the left, the selected
 /// item's command list and copy-command controls on the right. The window is addressed by the
 /// same document index as its document for the whole run.
 ///
-/// The operations named like lstMenu_NodeClick are the window's public operations that the main
-/// window and the editing commands call by name. They throw RunTimeError on failure; callers report
-/// it.
-class EditorWindow final : public QWidget
+/// The window maps the core's rules onto its controls and never changes the document itself: every
+/// change goes through the editing session, which hands back the steps (TreeUpdate) the window then
+/// carries out. The operations named like lstMenu_NodeClick are the window's public operations that
+/// the main window and the editing steps call by name. They throw RunTimeError on failure; callers
+/// report it.
+class EditorWindow final : public QWidget, public EditorView
 {
     Q_OBJECT
 
 public:
     /// The caption of an editor window that has not been given one yet.
     static QString defaultCaption() { return QStringLiteral("KELV Menu Editor - Form"); }
+    /// The colour of the link-target button while a target is being chosen.
+    static QColor choosingColour();
 
     EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget* parent = nullptr);
     ~EditorWindow() override;
 
     qint16 documentIndex() const { return m_documentIndex; }
     /// The document this window shows.
-    MenuDocument& document();
     const MenuDocument& document() const;
 
     ItemTree* tree() const { return m_lstMenu; }
@@ -44,42 +50,60 @@ public:
     void showBusyNotice(const QString& text);
     void hideBusyNotice();
 
-    /// Rebuilds the tree from the document after applying `modeChange` to its hide mode (-3 keeps
-    /// it), then selects the first top-level item and shows it as a click on it would.
-    void generateTree(int modeChange);
+    /// Rebuilds the tree from the document under its hide mode, then selects the first top-level
+    /// item and shows it as a click on it would.
+    void generateTree();
     /// Re-applies the node colours and bold type from the document without rebuilding the tree.
     void ColorizeMenu();
 
-    /// A plain click on `node`: remembers it, shows its place and index in the status bar, selects
-    /// it and shows its item. The root node does nothing.
+    /// A click on `node`. A plain click remembers it, shows its place and index in the status bar,
+    /// selects it and shows its item; while a link target is being chosen, it chooses `node` as the
+    /// target of the item clicked last. The root node does nothing.
     void lstMenu_NodeClick(QTreeWidgetItem* node);
     /// Shows the selected node's item: its path, its copy-command link and its commands (or the
     /// link target's commands while the link is on).
     void SelectItem();
-    /// Applies the copy-command check box to the selected item and refills the command list.
+    /// Applies the copy-command check box to the selected item.
     void chkCopyCommand_Click();
+    /// Starts or ends choosing a link target, as the button's state says.
+    void cmdChangeCopy_Click();
 
     /// Set by every plain node click and never cleared.
-    bool nodeClicked() const { return m_nodeClicked; }
+    bool nodeClicked() const;
+    /// Whether the window is choosing a link target (its button is pressed).
+    bool isChoosingLinkTarget() const;
 
     /// Closes the window as the user would (asking to save when the document is not saved).
     bool closeWindow();
 
+    // EditorView
+    QObject* viewObject() override { return this; }
+    SelectedNode selectedNode() const override;
+    QString nodeKey(int nodeIndex) const override;
+    void applyUpdate(const TreeUpdate& update) override;
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildLayout();
     void placeBusyNotice();
     void showNoItem();
-    void fillCommands(const MenuDocument& document, int itemIndex);
+    void updateLinkControls();
+    void showChoosingColour(bool choosing);
+    WindowEditingState& windowState() const;
     void onCurrentNodeChanged(QTreeWidgetItem* current);
     void onNodeClicked(QTreeWidgetItem* node);
+    void onLabelEditStarted(const QString& key);
+    void onLabelEditCommitted(const QString& key, const QString& text);
+    void onRootCollapsed();
+    /// Runs a click from the user, reporting a failure instead of passing it on.
+    void clickFromUser(QTreeWidgetItem* node);
 
     MainWindow& m_main;
     const qint16 m_documentIndex;
-    bool m_nodeClicked = false;
     /// True while the window itself changes the tree's current node, so that only the user's
     /// moves through the tree count as clicks.
     bool m_selectingNode = false;

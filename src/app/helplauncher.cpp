@@ -1,6 +1,6 @@
 #include "helplauncher.h"
 
-#include "userprompts.h"
+#include "core/userprompts.h"
 
 #include <QDir>
 #include <QFileInfo>

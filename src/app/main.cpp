@@ -1,7 +1,7 @@
 #include "app/mainwindow.h"
-#include "app/optionsstore.h"
-#include "app/programfolder.h"
 #include "app/widgetprompts.h"
+#include "core/optionsstore.h"
+#include "core/programfolder.h"
 
 #include <QApplication>
 #include <QStringList>

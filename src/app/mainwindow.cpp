@@ -1,22 +1,24 @@
 #include "mainwindow.h"
 
-#include "app/aboutinfo.h"
-#include "app/commandlinemenu.h"
+#include "app/editmenu.h"
 #include "app/editorwindow.h"
 #include "app/helplauncher.h"
-#include "app/languageconfig.h"
-#include "app/newmenudocument.h"
+#include "app/itemtree.h"
 #include "app/optionsdialog.h"
-#include "app/optionsstore.h"
-#include "app/programfolder.h"
-#include "app/userprompts.h"
+#include "core/aboutinfo.h"
+#include "core/commandlinemenu.h"
+#include "core/documentfile.h"
+#include "core/editmenustate.h"
+#include "core/languageconfig.h"
+#include "core/newmenudocument.h"
+#include "core/optionsstore.h"
+#include "core/programfolder.h"
+#include "core/userprompts.h"
 #include "history/editingoperation.h"
 #include "menufile/menufilereader.h"
-#include "menufile/menufilewriter.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 #include "treeview/hidemode.h"
-#include "treeview/itemtree.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -68,8 +70,10 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     , m_writableFolder(writableFolder(programFolder))
     , m_recent(m_writableFolder)
     , m_undoManager(m_state.documents(), m_state.histories(), m_writableFolder, *this)
-    , m_undoErrorReport(prompts, [this] { mnuUndo_Click(); })
+    , m_undoErrorReport([this](const QString& text) { showCritical(text); }, contactLines(),
+                        [this] { mnuUndo_Click(); })
     , m_undoController(m_state.documents(), m_undoManager, m_undoErrorReport, *this)
+    , m_session(m_state, *this)
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("KELV Menu Editor"));
@@ -86,9 +90,10 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     buildStatusBar();
 
     m_state.setOptions(m_optionsStore.loadOptions());
-    m_mnuCopyComDup->setChecked(m_state.options().copyCommandDup);
+    m_editMenu->copyCommandDupEntry()->setChecked(m_state.options().copyCommandDup);
     m_recent.loadRecentList();
     syncRecentEntries();
+    updateMenus();
 
     resize(1000, 700);
 }
@@ -97,6 +102,10 @@ MainWindow::~MainWindow()
 {
     // The editor windows go after this object; their going must not reach it any more.
     disconnect(m_mdiArea, nullptr, this, nullptr);
+    const QList<QMdiSubWindow*> windows = m_mdiArea->subWindowList();
+    for (QMdiSubWindow* window : windows) {
+        delete window;
+    }
 }
 
 QAction* MainWindow::addEntry(QMenu* menu, const QString& name, const QString& caption)
@@ -161,55 +170,7 @@ void MainWindow::buildMenus()
 
     // Edit
     m_mnuEdit = namedMenu(nullptr, QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
-    // Enabled by the history as the active document's stacks fill and empty.
-    m_mnuUndo = addEntry(m_mnuEdit, QStringLiteral("mnuUndo"), QStringLiteral("Undo"));
-    m_mnuUndo->setShortcut(QKeySequence::Undo);
-    m_mnuUndo->setEnabled(false);
-    connect(m_mnuUndo, &QAction::triggered, this, &MainWindow::mnuUndo_Click);
-    m_mnuRedo = addEntry(m_mnuEdit, QStringLiteral("mnuRedo"), QStringLiteral("Redo"));
-    m_mnuRedo->setShortcut(QKeySequence::Redo);
-    m_mnuRedo->setEnabled(false);
-    connect(m_mnuRedo, &QAction::triggered, this, &MainWindow::mnuRedo_Click);
-    addSeparator(m_mnuEdit, QStringLiteral("Tire04"));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuNewItem"), QStringLiteral("New Item")));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuRename"), QStringLiteral("Rename")));
-    QMenu* mnuSpecial = namedMenu(m_mnuEdit, QStringLiteral("mnuSpecial"), QStringLiteral("Special items"));
-    const QStringList specialCaptions
-        = { QStringLiteral("$audiostream$"), QStringLiteral("$subtitlestream$"), QStringLiteral("$selectedfile$") };
-    for (int entry = 0; entry < specialCaptions.size(); ++entry) {
-        unavailable(addEntry(mnuSpecial, QStringLiteral("mnuSpecialItems") + QString::number(entry),
-                             specialCaptions.at(entry)));
-    }
-    addSeparator(m_mnuEdit, QStringLiteral("Tire08"));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuCut"), QStringLiteral("Cut")));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuCopy"), QStringLiteral("Copy")));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuPaste"), QStringLiteral("Paste")));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuDuplicate"), QStringLiteral("Duplicate")));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuDelete"), QStringLiteral("Delete")));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuReplace"), QStringLiteral("Replace")));
-    addSeparator(m_mnuEdit, QStringLiteral("Tire05"));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuSelectCopy"), QStringLiteral("Select an item to copy")));
-    unavailable(addEntry(m_mnuEdit, QStringLiteral("mnuLFCopyCommand"), QStringLiteral("Look for CopyCommand")));
-    unavailable(
-        addEntry(m_mnuEdit, QStringLiteral("mnuUncheckCopyCommand"), QStringLiteral("Uncheck all CopyCommand")));
-    addSeparator(m_mnuEdit, QStringLiteral("Tire10"));
-    m_mnuCopyComDup
-        = addEntry(m_mnuEdit, QStringLiteral("mnuCopyComDup"), QStringLiteral("CopyCommand at Duplication"));
-    m_mnuCopyComDup->setCheckable(true);
-    connect(m_mnuCopyComDup, &QAction::triggered, this, &MainWindow::toggleCopyCommandDup);
-    QAction* mnuRefresh = addEntry(m_mnuEdit, QStringLiteral("mnuRefresh"), QStringLiteral("Refresh List"));
-    mnuRefresh->setShortcut(QKeySequence(Qt::Key_F5));
-    connect(mnuRefresh, &QAction::triggered, this, &MainWindow::mnuRefresh_Click);
-    QMenu* mnuHide = namedMenu(m_mnuEdit, QStringLiteral("mnuHide"), QStringLiteral("Hide items"));
-    m_mnuHideCopies = addEntry(mnuHide, QStringLiteral("mnuHideCopies"), QStringLiteral("... copied"));
-    m_mnuHideWCommand = addEntry(mnuHide, QStringLiteral("mnuHideWCommand"), QStringLiteral("... without command"));
-    m_mnuHideBoth = addEntry(mnuHide, QStringLiteral("mnuHideBoth"), QStringLiteral("... both"));
-    for (QAction* entry : { m_mnuHideCopies, m_mnuHideWCommand, m_mnuHideBoth }) {
-        entry->setCheckable(true);
-    }
-    connect(m_mnuHideCopies, &QAction::triggered, this, &MainWindow::mnuHideCopies_Click);
-    connect(m_mnuHideWCommand, &QAction::triggered, this, &MainWindow::mnuHideWCommand_Click);
-    connect(m_mnuHideBoth, &QAction::triggered, this, &MainWindow::mnuHideBoth_Click);
+    m_editMenu = new EditMenu(m_mnuEdit, *this, m_session);
 
     // Window
     m_mnuWindow = namedMenu(nullptr, QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
@@ -316,6 +277,11 @@ QString MainWindow::openErrorMessage()
 
 // ---- Documents and editor windows -----------------------------------------------------------
 
+EditorWindow* MainWindow::editor(qint16 index) const
+{
+    return dynamic_cast<EditorWindow*>(m_state.editor(index));
+}
+
 QMdiSubWindow* MainWindow::frameOf(const EditorWindow* editor) const
 {
     return editor ? qobject_cast<QMdiSubWindow*>(editor->parentWidget()) : nullptr;
@@ -341,7 +307,7 @@ EditorWindow* MainWindow::createEditor(qint16 index)
 
 void MainWindow::discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow, qint16 previousIndex)
 {
-    EditorWindow* editor = m_state.editor(index);
+    EditorWindow* editor = this->editor(index);
     m_state.clearEditor(index);
     if (QMdiSubWindow* frame = frameOf(editor)) {
         m_mdiArea->removeSubWindow(frame);
@@ -357,14 +323,13 @@ void MainWindow::discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow
     if (m_state.activeDocumentIndex() != 0) {
         editorActivated(m_state.activeDocumentIndex());
     } else {
-        updateHideMarks();
+        updateMenus();
     }
 }
 
 void MainWindow::activateEditor(qint16 index)
 {
-    EditorWindow* editor = m_state.editor(index);
-    QMdiSubWindow* frame = frameOf(editor);
+    QMdiSubWindow* frame = frameOf(editor(index));
     if (!frame) {
         return;
     }
@@ -380,7 +345,7 @@ void MainWindow::onSubWindowActivated(QMdiSubWindow* window)
     // A null window only means that the main window itself lost the focus; the active document
     // stays until another editor window is activated or the active one closes.
     auto* editor = window ? qobject_cast<EditorWindow*>(window->widget()) : nullptr;
-    if (editor && m_state.editor(editor->documentIndex()) == editor) {
+    if (editor && this->editor(editor->documentIndex()) == editor) {
         editorActivated(editor->documentIndex());
     }
 }
@@ -388,9 +353,7 @@ void MainWindow::onSubWindowActivated(QMdiSubWindow* window)
 void MainWindow::editorActivated(qint16 index)
 {
     m_state.setActiveDocumentIndex(index);
-    updateHideMarks();
-    updateSaveEntry();
-    m_undoManager.updateMenu(index);
+    updateMenus();
     try {
         showItemCount(int(m_state.document(index).items.size()));
     } catch (const RunTimeError& error) {
@@ -400,7 +363,7 @@ void MainWindow::editorActivated(qint16 index)
 
 void MainWindow::setEditorCaption(qint16 index, const QString& caption)
 {
-    if (EditorWindow* editor = m_state.editor(index)) {
+    if (EditorWindow* editor = this->editor(index)) {
         editor->setWindowTitle(caption);
     }
     if (index >= 1 && index < m_mnuWindowName.size()) {
@@ -418,19 +381,17 @@ void MainWindow::editorClosed(qint16 index)
     if (m_state.activeDocumentIndex() == index) {
         // The area activates the next editor window, if any, once this one is gone.
         m_state.setActiveDocumentIndex(0);
-        updateHideMarks();
-        updateSaveEntry();
-        m_undoManager.updateMenu(0);
+        updateMenus();
     }
 }
 
-void MainWindow::regenerateTree(qint16 index, qint32 modeChange)
+void MainWindow::regenerateTree(qint16 index)
 {
-    EditorWindow* editor = m_state.editor(index);
+    EditorWindow* editor = this->editor(index);
     if (!editor) {
         return;
     }
-    editor->generateTree(modeChange);
+    editor->generateTree();
     if (index == m_state.activeDocumentIndex()) {
         updateHideMarks();
         showItemCount(int(m_state.document(index).items.size()));
@@ -455,7 +416,7 @@ void MainWindow::mnuNew_Click()
     createEditor(index);
     m_state.noteEditorCreated();
     try {
-        regenerateTree(index, 0);
+        regenerateTree(index);
     } catch (const RunTimeError& error) {
         showRunTimeError(error);
     }
@@ -482,7 +443,7 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
 
     MenuReadResult result;
     try {
-        result = readMenuFile(path, m_state.options().checkCopyCommand != 0, m_state.document(index));
+        result = openMenuDocument(path, m_state.options(), index, m_state.document(index));
     } catch (const RunTimeError& error) {
         result.code = MenuReadResult::Failed;
         result.errorNumber = error.number();
@@ -495,14 +456,10 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
 
     editor->tree()->setUpdatesEnabled(true);
     editor->hideBusyNotice();
-    MenuDocument& document = m_state.document(index);
-    document.windowIndex = index;
-    document.filePath = path;
-    document.saved = true;
     m_state.noteEditorCreated();
     activateEditor(index);
     try {
-        regenerateTree(index, m_state.options().startingHideMode());
+        regenerateTree(index);
     } catch (const RunTimeError& error) {
         showRunTimeError(error);
     }
@@ -515,10 +472,7 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
 bool MainWindow::writeDocument(qint16 index, const QString& path)
 {
     try {
-        MenuDocument& document = m_state.document(index);
-        writeMenuFile(document, path);
-        document.filePath = path;
-        document.saved = true;
+        saveMenuDocument(m_state.document(index), path);
     } catch (const RunTimeError& error) {
         // The writer leaves the old file as it was; the document stays unsaved, so nothing is lost.
         showRunTimeError(error);
@@ -536,7 +490,7 @@ void MainWindow::updateSaveEntry()
         const MenuDocument& document = m_state.document(index);
         enabled = !document.filePath.isEmpty() && !document.saved;
     }
-    m_mnuSave->setEnabled(enabled);
+    m_mnuSave->setEnabled(enabled && !m_state.anyLinkTargetChoice());
 }
 
 void MainWindow::mnuSave_Click()
@@ -611,7 +565,7 @@ bool MainWindow::confirmQuit()
     if (!unsaved.isEmpty()) {
         QString text = QStringLiteral("Do you want to save changes on file : ");
         for (const qint16 index : unsaved) {
-            text += lineEnd() + QStringLiteral("    ") + m_state.editor(index)->windowTitle();
+            text += lineEnd() + QStringLiteral("    ") + editor(index)->windowTitle();
         }
         MessageRequest request;
         request.text = text;
@@ -689,76 +643,92 @@ void MainWindow::mnuRedo_Click()
     updateSaveEntry();
 }
 
-bool MainWindow::runEditingOperation(const std::function<void()>& operation)
+void MainWindow::recordSnapshot(qint16 index)
 {
-    const bool completed = ::runEditingOperation(m_undoErrorReport, operation);
+    m_undoManager.saveUndoState(index, true);
+}
+
+bool MainWindow::runGuarded(const std::function<void()>& operation)
+{
+    const bool completed = runEditingOperation(m_undoErrorReport, operation);
     // Every recorded edit marks the document unsaved and an undone failure may mark it saved
-    // again; Save (and Ctrl+S) follows at once.
-    updateSaveEntry();
+    // again; Save (and Ctrl+S) follows at once, as does every entry that depends on the selection.
+    updateMenus();
     return completed;
+}
+
+void MainWindow::showRefusal(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    request.icon = MessageRequest::Icon::Exclamation;
+    m_prompts.showMessage(request);
+}
+
+void MainWindow::showPlainMessage(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    m_prompts.showMessage(request);
 }
 
 void MainWindow::setUndoEnabled(bool enabled)
 {
-    m_mnuUndo->setEnabled(enabled);
+    m_editMenu->undoEntry()->setEnabled(enabled);
 }
 
 void MainWindow::setRedoEnabled(bool enabled)
 {
-    m_mnuRedo->setEnabled(enabled);
+    m_editMenu->redoEntry()->setEnabled(enabled);
 }
 
 // ---- Tree display -----------------------------------------------------------------------------
-
-void MainWindow::mnuRefresh_Click()
-{
-    const qint16 index = m_state.activeDocumentIndex();
-    EditorWindow* editor = m_state.editor(index);
-    if (!editor) {
-        return;
-    }
-    runEditingOperation([this, index, editor] {
-        regenerateTree(index, -3);
-        editor->ColorizeMenu();
-    });
-}
-
-void MainWindow::toggleHide(QAction* entry, int markedChange, int unmarkedChange)
-{
-    // The entry has already toggled its own mark; what counts is the mark it had before.
-    const bool wasMarked = !entry->isChecked();
-    const qint16 index = m_state.activeDocumentIndex();
-    if (m_state.editor(index)) {
-        const int modeChange = wasMarked ? markedChange : unmarkedChange;
-        runEditingOperation([this, index, modeChange] { regenerateTree(index, modeChange); });
-    }
-    // The marks always follow the document's hide mode.
-    updateHideMarks();
-}
-
-void MainWindow::mnuHideCopies_Click()
-{
-    toggleHide(m_mnuHideCopies, -1, 1);
-}
-
-void MainWindow::mnuHideWCommand_Click()
-{
-    toggleHide(m_mnuHideWCommand, -2, 2);
-}
-
-void MainWindow::mnuHideBoth_Click()
-{
-    toggleHide(m_mnuHideBoth, 0, 3);
-}
 
 void MainWindow::updateHideMarks()
 {
     const qint16 index = m_state.activeDocumentIndex();
     const int hideMode = m_state.editor(index) ? m_state.document(index).hideMode : 0;
-    const HideMode::Marks marks = HideMode::marksFor(hideMode);
-    m_mnuHideCopies->setChecked(marks.copies);
-    m_mnuHideWCommand->setChecked(marks.withoutCommand);
-    m_mnuHideBoth->setChecked(marks.both);
+    m_editMenu->showHideMarks(HideMode::marksFor(hideMode));
+}
+
+void MainWindow::updateMenus()
+{
+    const qint16 index = m_state.activeDocumentIndex();
+    const EditorView* view = m_state.editor(index);
+    EditMenuState::Input input;
+    input.editorActive = view != nullptr;
+    input.itemSelected = view != nullptr && view->selectedNode().isItem();
+    input.choosingLinkTarget = m_state.anyLinkTargetChoice();
+    const EditMenuState state = EditMenuState::decide(input);
+
+    for (QMenu* menu : { m_mnuFile, m_mnuEdit, m_mnuWindow, m_mnuH }) {
+        menu->menuAction()->setEnabled(state.menus);
+    }
+    // A menu that is off keeps its entries' shortcuts working, so the entries go off with it.
+    for (QMenu* menu : { m_mnuFile, m_mnuWindow, m_mnuH }) {
+        const QList<QAction*> entries = menu->actions();
+        for (QAction* entry : entries) {
+            entry->setEnabled(state.menus);
+        }
+    }
+    updateSaveEntry();
+    if (state.menus) {
+        m_undoManager.updateMenu(view != nullptr ? index : qint16(0));
+    }
+    m_editMenu->apply(state);
+    updateHideMarks();
+}
+
+void MainWindow::selectionChanged(qint16 index)
+{
+    if (index == m_state.activeDocumentIndex()) {
+        updateMenus();
+    }
+}
+
+void MainWindow::attachEditor(EditorWindow& editor)
+{
+    m_editMenu->attachTo(editor.tree());
 }
 
 // ---- Window menu ------------------------------------------------------------------------------

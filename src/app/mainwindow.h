@@ -1,7 +1,9 @@
 #pragma once
 
-#include "app/applicationstate.h"
-#include "app/recentfilelist.h"
+#include "core/applicationstate.h"
+#include "core/editinghost.h"
+#include "core/editingsession.h"
+#include "core/recentfilelist.h"
 #include "history/historyhost.h"
 #include "history/historymenu.h"
 #include "history/undocontroller.h"
@@ -14,6 +16,7 @@
 #include <QMainWindow>
 #include <QString>
 
+class EditMenu;
 class EditorWindow;
 class OptionsStore;
 class QAction;
@@ -26,11 +29,12 @@ class UserPrompts;
 
 /// The main window (frmMain): the menu bar, the status bar and the area that holds one editor
 /// window per open menu document. Every menu command acts on the active document, the document of
-/// the editor window activated last.
+/// the editor window activated last. It owns the application's state, its history and the editing
+/// session through which every edit of every editor window runs; the Edit menu is an EditMenu.
 ///
 /// Its dependencies come in from outside so that tests can answer the message boxes and dialogs
 /// and keep the options, the recent list and the written files in temporary folders.
-class MainWindow final : public QMainWindow, public HistoryMenu, public HistoryHost
+class MainWindow final : public QMainWindow, public HistoryMenu, public HistoryHost, public EditingHost
 {
     Q_OBJECT
 
@@ -65,23 +69,18 @@ public:
     /// Asks once about every unsaved document and ends the program (closes the main window).
     void mnuQuit_Click();
 
-    void mnuRefresh_Click();
-    void mnuHideCopies_Click();
-    void mnuHideWCommand_Click();
-    void mnuHideBoth_Click();
-
     /// Document index of the active editor window; 0 when no editor window is active.
     qint16 activeDocumentIndex() const override { return m_state.activeDocumentIndex(); }
     /// The active document index as text; empty when no editor window is active.
     QString activeDocumentTag() const;
     /// The editor window of document `index`; null when it is closed or there is none.
-    EditorWindow* editor(qint16 index) const { return m_state.editor(index); }
-    EditorWindow* activeEditor() const { return m_state.editor(m_state.activeDocumentIndex()); }
+    EditorWindow* editor(qint16 index) const;
+    EditorWindow* activeEditor() const { return editor(m_state.activeDocumentIndex()); }
 
-    /// Rebuilds the tree of document `index` in its editor window (see EditorWindow::generateTree)
-    /// and, when it is the active document, brings the Hide check marks and the item count up to
-    /// date.
-    void regenerateTree(qint16 index, qint32 modeChange) override;
+    /// Rebuilds the tree of document `index` in its editor window under the document's hide mode
+    /// (see EditorWindow::generateTree) and, when it is the active document, brings the Hide check
+    /// marks and the item count up to date.
+    void regenerateTree(qint16 index) override;
     /// Shows `count` in the item-count panel (panel 4) of the status bar.
     void showItemCount(int count) override;
 
@@ -93,10 +92,21 @@ public:
     /// Records the undo state of every edit: each editing operation calls this before it changes
     /// document `index`.
     UndoManager& undoManager() { return m_undoManager; }
+    /// The session that runs every editing operation of the editor windows.
+    EditingSession& session() { return m_session; }
+    /// The Edit menu.
+    EditMenu& editMenu() { return *m_editMenu; }
+
+    // EditingHost
+    void recordSnapshot(qint16 index) override;
     /// Runs one editing operation. A failure inside it (a 16-bit overflow, an index naming no item, a
     /// failed autosave write ...) ends it at once, is reported, and the active document is undone to
     /// its last recorded state. Returns whether the operation ran to its end.
-    bool runEditingOperation(const std::function<void()>& operation);
+    bool runGuarded(const std::function<void()>& operation) override;
+    /// The exclamation message of a refused operation.
+    void showRefusal(const QString& text) override;
+    /// A plain message with an OK button.
+    void showPlainMessage(const QString& text);
     void setUndoEnabled(bool enabled) override;
     void setRedoEnabled(bool enabled) override;
     /// Sets the text of status-bar panel `panel` (1..6).
@@ -108,6 +118,16 @@ public:
     void updateSaveEntry();
     /// Sets the check marks of the three Hide entries from the active document's hide mode.
     void updateHideMarks();
+    /// Brings every menu entry up to date with the active editor window: which can be used (one rule,
+    /// EditMenuState), Save, Undo and Redo, and the Hide marks. While a link target is chosen the
+    /// File, Edit, Window and Help menus are off.
+    void updateMenus();
+    /// The selected node of the editor window of document `index` has changed.
+    void selectionChanged(qint16 index);
+    /// A new editor window: the Edit entries whose keys belong to the tree reach its tree.
+    void attachEditor(EditorWindow& editor);
+    /// Toggles the "CopyCommand at Duplication" option and saves the options.
+    void toggleCopyCommandDup(bool checked);
 
     /// The save question of an editor window that is about to close. False keeps it open.
     bool confirmCloseEditor(qint16 index);
@@ -147,10 +167,8 @@ private:
     bool confirmQuit();
 
     void showCritical(const QString& text);
-    void toggleHide(QAction* entry, int markedChange, int unmarkedChange);
     void syncRecentEntries();
     void openRecent(int entry);
-    void toggleCopyCommandDup(bool checked);
     void showOptions();
     void showHelp();
     void showAbout();
@@ -166,6 +184,7 @@ private:
     UndoManager m_undoManager;
     UndoErrorReport m_undoErrorReport;
     UndoController m_undoController;
+    EditingSession m_session;
 
     QMdiArea* m_mdiArea = nullptr;
     QMenu* m_mnuFile = nullptr;
@@ -174,13 +193,8 @@ private:
     QMenu* m_mnuH = nullptr;
     QMenu* m_mnuCommand = nullptr;
     QMenu* m_mnuNodes = nullptr;
+    EditMenu* m_editMenu = nullptr;
     QAction* m_mnuSave = nullptr;
-    QAction* m_mnuUndo = nullptr;
-    QAction* m_mnuRedo = nullptr;
-    QAction* m_mnuCopyComDup = nullptr;
-    QAction* m_mnuHideCopies = nullptr;
-    QAction* m_mnuHideWCommand = nullptr;
-    QAction* m_mnuHideBoth = nullptr;
     QAction* m_tire03 = nullptr;
     QAction* m_tire09 = nullptr;
     QList<QAction*> m_mnuRecent;

@@ -1,6 +1,6 @@
 #include "optionsdialog.h"
 
-#include "optionsstore.h"
+#include "core/optionsstore.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "options.h"
+#include "core/options.h"
 
 #include <QDialog>
 

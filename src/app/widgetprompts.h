@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/userprompts.h"
+#include "core/userprompts.h"
 
 #include <QPointer>
 #include <QWidget>

@@ -1,5 +1,6 @@
 #include "kelvmenutool.h"
 
+#include "editing/menuopening.h"
 #include "exitcode.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
@@ -150,7 +151,7 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
     for (const QString& path : files) {
         // Without link detection, so that the command count is what the file itself stores.
         MenuDocument document;
-        const MenuReadResult result = readMenuFile(path, false, document);
+        const MenuReadResult result = readMenuFile(path, document);
         if (!result.ok()) {
             printError(failureText(path, result) + QLatin1Char('\n'));
             anyInvalid = true;
@@ -214,7 +215,7 @@ std::optional<int> KelvMenuTool::requireOneFile(const QString& command, const QS
 
 int KelvMenuTool::readOrReport(const QString& path, bool detectLinks, MenuDocument& document)
 {
-    const MenuReadResult result = readMenuFile(path, detectLinks, document);
+    const MenuReadResult result = openMenuFile(path, detectLinks, document);
     if (result.ok()) {
         return ExitCode::Success;
     }

@@ -223,3 +223,24 @@ void removeItemBranch(MenuDocument& document, const QString& key)
     }
     normalizeCopyLinks(document);
 }
+
+TreeUpdate deleteSelectedItem(EditContext& context)
+{
+    context.editing.snapshotNextLabelEdit = true;
+    const QString key = context.selected.key;
+    const bool onlyItem = context.document.items.size() == 1;
+    removeItemBranch(context.document, key);
+
+    TreeUpdate update;
+    if (onlyItem) {
+        // The tree names the fresh item with a capital I until it is next rebuilt; the document and
+        // the saved file hold "New item 1". Both spellings are the menu's own.
+        update.setNodeText(key, QStringLiteral("New Item 1"));
+    }
+    update.removeNode(key)
+        .showItemCount()
+        .addNodeWhenOnlyRoot(QStringLiteral("E0"), QStringLiteral("New Item 1"))
+        .recolour()
+        .clickFirstItemNode();
+    return update;
+}

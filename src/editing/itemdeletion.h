@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editoperation.h"
+
 #include <QString>
 
 struct MenuDocument;
@@ -15,3 +17,14 @@ void deleteItemTree(MenuDocument& document, const QString& key);
 /// fresh item "New item 1" / "E0"), then makes the copy-command links canonical again.
 /// Throws RunTimeError 9 when `key` names no item.
 void removeItemBranch(MenuDocument& document, const QString& key);
+
+/// Delete (the Edit menu's Delete, also the second half of Cut): removes the selected item with its
+/// branch from the document (removeItemBranch) and patches the tree: the node goes with its subtree,
+/// a menu left empty shows a fresh node "New Item 1" (the document's fresh item reads "New item 1"),
+/// the tree is recoloured and the first item shown.
+TreeUpdate deleteSelectedItem(EditContext& context);
+
+namespace EditOperations {
+inline constexpr EditOperation deleteItem { "delete", EditOperation::Needs::ItemNode,
+                                            EditOperation::Recording::SnapshotBefore, nullptr, &deleteSelectedItem };
+} // namespace EditOperations

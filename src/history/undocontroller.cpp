@@ -3,7 +3,9 @@
 #include "editingoperation.h"
 #include "historyhost.h"
 #include "model/documentlist.h"
+#include "model/menudocument.h"
 #include "model/runtimeerror.h"
+#include "treeview/hidemode.h"
 #include "undoerrorreport.h"
 #include "undomanager.h"
 
@@ -42,7 +44,9 @@ void UndoController::step(Direction direction)
         } else {
             m_undoManager.redoDocument(index);
         }
-        m_host.regenerateTree(index, hideMode);
+        MenuDocument& restored = m_documents.document(index);
+        restored.hideMode = HideMode::applyModeChange(restored.hideMode, hideMode);
+        m_host.regenerateTree(index);
         m_host.showItemCount(int(m_documents.document(index).items.size()));
     });
 }

@@ -1,7 +1,5 @@
 #include "undoerrorreport.h"
 
-#include "app/aboutinfo.h"
-#include "app/userprompts.h"
 #include "model/runtimeerror.h"
 
 #include <exception>
@@ -13,8 +11,9 @@ const QLatin1String lineBreak("\r\n");
 
 } // namespace
 
-UndoErrorReport::UndoErrorReport(UserPrompts& prompts, std::function<void()> undoAction)
-    : m_prompts(prompts)
+UndoErrorReport::UndoErrorReport(CriticalMessage showCritical, QString contactLines, std::function<void()> undoAction)
+    : m_showCritical(std::move(showCritical))
+    , m_contactLines(std::move(contactLines))
     , m_undoAction(std::move(undoAction))
 {
 }
@@ -22,10 +21,10 @@ UndoErrorReport::UndoErrorReport(UserPrompts& prompts, std::function<void()> und
 void UndoErrorReport::show(const RunTimeError& error)
 {
     if (m_undoErrorActive) {
-        showCritical(undoFailedText());
+        m_showCritical(undoFailedText(m_contactLines));
     } else {
         m_undoErrorActive = true;
-        showCritical(errorText(error));
+        m_showCritical(errorText(error));
         try {
             if (m_undoAction) {
                 m_undoAction();
@@ -33,7 +32,7 @@ void UndoErrorReport::show(const RunTimeError& error)
         } catch (const std::exception&) {
             // The undo action reports its own errors through this report; one that still escapes
             // is a failed undo all the same, and nothing is tried after it.
-            showCritical(undoFailedText());
+            m_showCritical(undoFailedText(m_contactLines));
         }
     }
     m_undoErrorActive = false;
@@ -44,17 +43,8 @@ QString UndoErrorReport::errorText(const RunTimeError& error)
     return error.report() + lineBreak + QStringLiteral("This error will undo your action");
 }
 
-QString UndoErrorReport::undoFailedText()
+QString UndoErrorReport::undoFailedText(const QString& contactLines)
 {
     return QStringLiteral("An error occured while undoing your last action !") + lineBreak
-        + QStringLiteral("Contact the developer for further information :") + lineBreak + contactLines();
-}
-
-void UndoErrorReport::showCritical(const QString& text)
-{
-    MessageRequest request;
-    request.text = text;
-    request.icon = MessageRequest::Icon::Critical;
-    request.buttons = MessageRequest::Buttons::Ok;
-    m_prompts.showMessage(request);
+        + QStringLiteral("Contact the developer for further information :") + lineBreak + contactLines;
 }

@@ -5,7 +5,6 @@
 #include <functional>
 
 class RunTimeError;
-class UserPrompts;
 
 /// The error report of editing operations: tells the user what failed and undoes the action. An
 /// error that arises while that undo runs only gets a plea to contact the developer, so a broken
@@ -13,8 +12,13 @@ class UserPrompts;
 class UndoErrorReport final
 {
 public:
+    /// Shows `text` to the user in a message box with the critical icon, an OK button and the
+    /// application's title.
+    using CriticalMessage = std::function<void(const QString& text)>;
+
+    /// `contactLines` are the maker's contact lines that end the message of a failed undo;
     /// `undoAction` is the main window's Undo (mnuUndo_Click).
-    UndoErrorReport(UserPrompts& prompts, std::function<void()> undoAction);
+    UndoErrorReport(CriticalMessage showCritical, QString contactLines, std::function<void()> undoAction);
 
     UndoErrorReport(const UndoErrorReport&) = delete;
     UndoErrorReport& operator=(const UndoErrorReport&) = delete;
@@ -30,12 +34,11 @@ public:
     /// The text of the first message for `error`.
     static QString errorText(const RunTimeError& error);
     /// The text of the message shown when the undo of a report fails.
-    static QString undoFailedText();
+    static QString undoFailedText(const QString& contactLines);
 
 private:
-    void showCritical(const QString& text);
-
-    UserPrompts& m_prompts;
+    CriticalMessage m_showCritical;
+    QString m_contactLines;
     std::function<void()> m_undoAction;
     bool m_undoErrorActive = false;
 };

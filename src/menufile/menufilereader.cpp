@@ -1,6 +1,5 @@
 #include "menufilereader.h"
 
-#include "editing/copylinks.h"
 #include "menufile/windows1252codec.h"
 #include "model/errortable.h"
 #include "model/int16.h"
@@ -345,7 +344,7 @@ QString notMenuFileMessage()
     return QStringLiteral("This is not a valid KELV Menu file !");
 }
 
-MenuReadResult readMenuBytes(const QByteArray& bytes, bool detectCopies, MenuDocument& document)
+MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
 {
     document.items.clear();
     document.lastIndex = 0;
@@ -367,9 +366,6 @@ MenuReadResult readMenuBytes(const QByteArray& bytes, bool detectCopies, MenuDoc
             document.items[i].key = QLatin1Char('E') + QString::number(i);
         }
         document.lastIndex = Int16::checked(document.items.size() - 1, "readMenuFile");
-        if (detectCopies) {
-            normalizeCopyLinks(document);
-        }
     } catch (const ReadFailure& reason) {
         return failure(reason);
     } catch (const RunTimeError& error) {
@@ -383,7 +379,7 @@ MenuReadResult readMenuBytes(const QByteArray& bytes, bool detectCopies, MenuDoc
     return result;
 }
 
-MenuReadResult readMenuFile(const QString& path, bool detectCopies, MenuDocument& document)
+MenuReadResult readMenuFile(const QString& path, MenuDocument& document)
 {
     QByteArray bytes;
     {
@@ -405,5 +401,5 @@ MenuReadResult readMenuFile(const QString& path, bool detectCopies, MenuDocument
                                          QStringLiteral("cannot be read: %1").arg(file.errorString()) });
         }
     }
-    return readMenuBytes(bytes, detectCopies, document);
+    return readMenuBytes(bytes, document);
 }

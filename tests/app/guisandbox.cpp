@@ -1,8 +1,8 @@
 #include "guisandbox.h"
 
 #include "app/mainwindow.h"
-#include "app/optionsstore.h"
-#include "app/programfolder.h"
+#include "core/optionsstore.h"
+#include "core/programfolder.h"
 #include "menufile/windows1252codec.h"
 
 #include <QAction>

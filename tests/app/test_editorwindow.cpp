@@ -1,10 +1,10 @@
 #include "guisandbox.h"
 
 #include "app/editorwindow.h"
+#include "app/itemtree.h"
 #include "app/mainwindow.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
-#include "treeview/itemtree.h"
 
 #include <QCheckBox>
 #include <QFrame>
@@ -68,7 +68,7 @@ EditorWindow* showDocument(GuiSandbox& sandbox, const MenuDocument& document)
     MenuDocument& slot = window.state().document(index);
     slot = document;
     slot.windowIndex = index;
-    window.regenerateTree(index, -3);
+    window.regenerateTree(index);
     return window.editor(index);
 }
 
@@ -106,8 +106,9 @@ private Q_SLOTS:
         // Commands built later are there but cannot be used yet.
         QVERIFY(!control<QPushButton>(editor, "cmdUp")->isEnabled());
         QVERIFY(!control<QPushButton>(editor, "cmdDown")->isEnabled());
-        QVERIFY(!control<QPushButton>(editor, "cmdChangeCopy")->isEnabled());
-        QVERIFY(!control<QCheckBox>(editor, "chkCopyCommand")->isEnabled());
+        // The link controls work on the item shown.
+        QVERIFY(control<QPushButton>(editor, "cmdChangeCopy")->isEnabled());
+        QVERIFY(control<QCheckBox>(editor, "chkCopyCommand")->isEnabled());
     }
 
     void aFreshEditorHasTheDefaultCaption()
@@ -141,7 +142,8 @@ private Q_SLOTS:
         ItemTree* tree = editor->tree();
         auto* path = control<QLabel>(editor, "lblPath");
 
-        sandbox.window().regenerateTree(editor->documentIndex(), 1);
+        sandbox.window().state().document(editor->documentIndex()).hideMode = 1;
+        sandbox.window().regenerateTree(editor->documentIndex());
 
         QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
         QCOMPARE(tree->currentItem(), tree->nodeByKey(QStringLiteral("E0")));

@@ -1,5 +1,5 @@
 #include "app/optionsdialog.h"
-#include "app/optionsstore.h"
+#include "core/optionsstore.h"
 
 #include <QCheckBox>
 #include <QDir>

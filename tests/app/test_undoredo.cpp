@@ -1,15 +1,15 @@
 #include "guisandbox.h"
 
-#include "app/aboutinfo.h"
 #include "app/editorwindow.h"
+#include "app/itemtree.h"
 #include "app/mainwindow.h"
+#include "core/aboutinfo.h"
 #include "editing/itemdeletion.h"
 #include "menufile/menufilewriter.h"
 #include "model/int16.h"
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
-#include "treeview/itemtree.h"
 
 #include <QAction>
 #include <QDir>
@@ -55,10 +55,10 @@ void activate(MainWindow& window, qint16 index)
 /// editing operations.
 bool edit(MainWindow& window, qint16 index, const std::function<void(MenuDocument&)>& change)
 {
-    return window.runEditingOperation([&window, index, &change] {
+    return window.runGuarded([&window, index, &change] {
         window.undoManager().saveUndoState(index, true);
         change(window.state().document(index));
-        window.regenerateTree(index, -3);
+        window.regenerateTree(index);
         window.showItemCount(int(window.state().document(index).items.size()));
     });
 }

@@ -7,8 +7,8 @@
 
 #include <QList>
 
-/// The main window as Undo and Redo see it. The tree rebuild applies the hideMode change the way the
-/// editor window's tree generation does and can be made to fail, as a broken tree rebuild would.
+/// The main window as Undo and Redo see it. The tree rebuild notes the document's hide mode at that
+/// moment and can be made to fail, as a broken tree rebuild would.
 class FakeHistoryHost final : public HistoryHost
 {
 public:
@@ -19,18 +19,12 @@ public:
 
     qint16 activeDocumentIndex() const override { return activeIndex; }
 
-    void regenerateTree(qint16 index, qint32 modeChange) override
+    void regenerateTree(qint16 index) override
     {
-        regenerations.append({ index, modeChange });
+        regenerations.append({ index, m_documents.document(index).hideMode });
         if (failingRegenerations > 0) {
             --failingRegenerations;
             throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QStringLiteral("generateTree"));
-        }
-        MenuDocument& document = m_documents.document(index);
-        if (modeChange == 0 || modeChange == 3) {
-            document.hideMode = modeChange;
-        } else if (modeChange != -3) {
-            document.hideMode += modeChange;
         }
     }
 
@@ -39,10 +33,11 @@ public:
     struct Regeneration
     {
         qint16 index;
-        qint32 modeChange;
+        /// The document's hide mode when its tree was rebuilt.
+        qint32 hideMode;
         friend bool operator==(const Regeneration& left, const Regeneration& right)
         {
-            return left.index == right.index && left.modeChange == right.modeChange;
+            return left.index == right.index && left.hideMode == right.hideMode;
         }
     };
 

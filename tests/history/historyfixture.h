@@ -4,6 +4,7 @@
 #include "recordinghistorymenu.h"
 #include "recordingprompts.h"
 
+#include "core/aboutinfo.h"
 #include "history/historytable.h"
 #include "history/undocontroller.h"
 #include "history/undoerrorreport.h"
@@ -28,7 +29,7 @@ public:
     /// Autosave files go to `autosaveFolder`; empty means the fixture's own temporary folder.
     explicit HistoryFixture(const QString& autosaveFolder)
         : undoManager(documents, histories, autosaveFolder.isEmpty() ? folder.path() : autosaveFolder, menu)
-        , report(prompts, [this] { controller.mnuUndo_Click(); })
+        , report(prompts.criticalMessages(), contactLines(), [this] { controller.mnuUndo_Click(); })
         , controller(documents, undoManager, report, host)
     {
     }

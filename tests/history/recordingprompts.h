@@ -1,6 +1,7 @@
 #pragma once
 
-#include "app/userprompts.h"
+#include "core/userprompts.h"
+#include "history/undoerrorreport.h"
 
 #include <QList>
 
@@ -21,6 +22,19 @@ public:
     }
     QString askOpenFileName(const QString&, const QString&) override { return QString(); }
     QString askSaveFileName(const QString&, const QString&) override { return QString(); }
+
+    /// The error report's way of showing a message: a critical box with an OK button, as the main
+    /// window shows it.
+    UndoErrorReport::CriticalMessage criticalMessages()
+    {
+        return [this](const QString& text) {
+            MessageRequest request;
+            request.text = text;
+            request.icon = MessageRequest::Icon::Critical;
+            request.buttons = MessageRequest::Buttons::Ok;
+            showMessage(request);
+        };
+    }
 
     QList<MessageRequest> messages;
     std::function<void(const MessageRequest&)> onMessage;

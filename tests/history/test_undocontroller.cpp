@@ -1,6 +1,6 @@
 #include "historyfixture.h"
 
-#include "app/aboutinfo.h"
+#include "core/aboutinfo.h"
 #include "history/editingoperation.h"
 #include "model/int16.h"
 
@@ -84,7 +84,7 @@ private Q_SLOTS:
 
         h.controller.mnuUndo_Click();
         QCOMPARE(h.host.regenerations.size(), 1);
-        QCOMPARE(h.host.regenerations.first().modeChange, beforeUndo);
+        QCOMPARE(h.host.regenerations.first().hideMode, afterUndo);
         QCOMPARE(h.document(index).hideMode, afterUndo);
         QCOMPARE(h.document(index).items[0].caption, QStringLiteral("Item 0"));
     }
@@ -100,7 +100,7 @@ private Q_SLOTS:
         h.controller.mnuUndo_Click();
         QCOMPARE(h.document(index).hideMode, 2);
         QCOMPARE(h.document(index).items, items);
-        QCOMPARE(h.host.regenerations, QList<FakeHistoryHost::Regeneration>({ { index, 1 } }));
+        QCOMPARE(h.host.regenerations, QList<FakeHistoryHost::Regeneration>({ { index, 2 } }));
         QCOMPARE(h.host.shownCounts, QList<int>({ 4 }));
         QCOMPARE(h.histories.history(index).redoCount(), qint16(0));
 

@@ -1,6 +1,6 @@
 #include "recordingprompts.h"
 
-#include "app/aboutinfo.h"
+#include "core/aboutinfo.h"
 #include "history/undoerrorreport.h"
 #include "model/errortable.h"
 #include "model/runtimeerror.h"
@@ -65,7 +65,7 @@ private Q_SLOTS:
         UndoProbe probe;
         prompts.onMessage
             = [target = &probe](const MessageRequest&) { target->events.append(QStringLiteral("message")); };
-        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
+        UndoErrorReport report(prompts.criticalMessages(), contactLines(), [target = &probe] { target->undo(); });
         probe.report = &report;
 
         report.show(RunTimeError(ErrorNumber::Overflow, QStringLiteral("newItem")));
@@ -83,7 +83,7 @@ private Q_SLOTS:
     {
         RecordingPrompts prompts;
         UndoProbe probe;
-        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
+        UndoErrorReport report(prompts.criticalMessages(), contactLines(), [target = &probe] { target->undo(); });
         probe.report = &report;
         report.show(RunTimeError::noError());
         QCOMPARE(prompts.messages.size(), 1);
@@ -97,7 +97,7 @@ private Q_SLOTS:
         RecordingPrompts prompts;
         UndoProbe probe;
         probe.failure = UndoProbe::Failure::ReportedThroughTheReport;
-        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
+        UndoErrorReport report(prompts.criticalMessages(), contactLines(), [target = &probe] { target->undo(); });
         probe.report = &report;
 
         report.show(RunTimeError(ErrorNumber::PathNotFound, QStringLiteral("writeMenuFile")));
@@ -124,7 +124,7 @@ private Q_SLOTS:
         RecordingPrompts prompts;
         UndoProbe probe;
         probe.failure = UndoProbe::Failure::Escaping;
-        UndoErrorReport report(prompts, [target = &probe] { target->undo(); });
+        UndoErrorReport report(prompts.criticalMessages(), contactLines(), [target = &probe] { target->undo(); });
         probe.report = &report;
         report.show(RunTimeError(ErrorNumber::Overflow, QStringLiteral("drop")));
         QCOMPARE(probe.undos, 1);
@@ -137,9 +137,9 @@ private Q_SLOTS:
     {
         QCOMPARE(UndoErrorReport::errorText(RunTimeError(ErrorNumber::OutOfMemory, QStringLiteral("KELVEditor"))),
                  QStringLiteral("Error 7 : Out of memory (KELVEditor)\r\nThis error will undo your action"));
-        QCOMPARE(UndoErrorReport::undoFailedText(), undoFailed());
+        QCOMPARE(UndoErrorReport::undoFailedText(contactLines()), undoFailed());
         // The maker's e-mail and forum close the message, each on its own indented line.
-        const QStringList lines = UndoErrorReport::undoFailedText().split(QStringLiteral("\r\n"));
+        const QStringList lines = UndoErrorReport::undoFailedText(contactLines()).split(QStringLiteral("\r\n"));
         QCOMPARE(lines.size(), 4);
         QVERIFY(lines.at(2).startsWith(QStringLiteral("    ")));
         QVERIFY(lines.at(3).startsWith(QStringLiteral("    ")));

@@ -23,9 +23,9 @@ QByteArray menuFile(const QStringList& itemLines, const QStringList& commandLine
     return menuFileFromLines(lines);
 }
 
-MenuReadResult read(const QByteArray& bytes, MenuDocument& document, bool detectCopies = false)
+MenuReadResult read(const QByteArray& bytes, MenuDocument& document)
 {
-    return readMenuBytes(bytes, detectCopies, document);
+    return readMenuBytes(bytes, document);
 }
 
 void compareFailure(const MenuReadResult& result, int line, const QString& reason, int errorNumber)
@@ -404,13 +404,13 @@ private Q_SLOTS:
 
         const int before = openFileDescriptorCount();
         MenuDocument document;
-        QCOMPARE(readMenuFile(path, false, document).code, MenuReadResult::Failed);
+        QCOMPARE(readMenuFile(path, document).code, MenuReadResult::Failed);
         QCOMPARE(openFileDescriptorCount(), before);
 
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(menuFileFromLines(exampleMenuLines()));
         file.close();
-        QVERIFY(readMenuFile(path, false, document).ok());
+        QVERIFY(readMenuFile(path, document).ok());
         QCOMPARE(openFileDescriptorCount(), before);
         QCOMPARE(document.items.size(), qsizetype(4));
     }
@@ -419,7 +419,7 @@ private Q_SLOTS:
     {
         QTemporaryDir folder;
         MenuDocument document;
-        const MenuReadResult result = readMenuFile(folder.filePath(QStringLiteral("absent.ini")), false, document);
+        const MenuReadResult result = readMenuFile(folder.filePath(QStringLiteral("absent.ini")), document);
         QCOMPARE(result.code, MenuReadResult::Failed);
         QCOMPARE(result.errorNumber, 53);
         QVERIFY(result.reason.startsWith(QStringLiteral("cannot be opened")));
@@ -428,8 +428,7 @@ private Q_SLOTS:
     void bundledExampleMenuReads()
     {
         MenuDocument document;
-        const MenuReadResult result
-            = readMenuFile(QStringLiteral(KELV_EXAMPLES_DIR "/archive-tools.ini"), false, document);
+        const MenuReadResult result = readMenuFile(QStringLiteral(KELV_EXAMPLES_DIR "/archive-tools.ini"), document);
         QVERIFY2(result.ok(), qPrintable(result.reason));
         QVERIFY(document.items.size() > 5);
     }

@@ -1,5 +1,6 @@
 #include "menufixtures.h"
 
+#include "editing/menuopening.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
 #include "model/menudocument.h"
@@ -113,13 +114,13 @@ private Q_SLOTS:
     void canonicalFilesAreReproducedByteForByte()
     {
         MenuDocument document;
-        QVERIFY(readMenuBytes(exampleBytes(), false, document).ok());
+        QVERIFY(readMenuBytes(exampleBytes(), document).ok());
         QCOMPARE(menuFileBytes(document), exampleBytes());
 
         QFile bundled(QStringLiteral(KELV_EXAMPLES_DIR "/archive-tools.ini"));
         QVERIFY(bundled.open(QIODevice::ReadOnly));
         const QByteArray bytes = bundled.readAll();
-        QVERIFY(readMenuBytes(bytes, false, document).ok());
+        QVERIFY(readMenuBytes(bytes, document).ok());
         QCOMPARE(menuFileBytes(document), bytes);
     }
 
@@ -132,7 +133,7 @@ private Q_SLOTS:
               QStringLiteral("0002:txt=echo \u201C\u00E9\u201D"), QString(), QStringLiteral("[/Commands]") });
         QVERIFY(bytes.contains("Caf\xE9 \x80 \x93quoted\x94"));
         MenuDocument document;
-        QVERIFY(readMenuBytes(bytes, false, document).ok());
+        QVERIFY(readMenuBytes(bytes, document).ok());
         QCOMPARE(menuFileBytes(document), bytes);
     }
 
@@ -141,7 +142,7 @@ private Q_SLOTS:
         for (quint32 seed = 1; seed <= 200; ++seed) {
             const MenuDocument original = randomDocument(seed);
             MenuDocument reread;
-            const MenuReadResult result = readMenuBytes(menuFileBytes(original), false, reread);
+            const MenuReadResult result = readMenuBytes(menuFileBytes(original), reread);
             QVERIFY2(result.ok(), qPrintable(result.reason));
             QCOMPARE(reread, original);
         }
@@ -150,14 +151,14 @@ private Q_SLOTS:
     void linkedItemIsWrittenWithItsTargetsCommandsAndReadsBackAsOwnCopy()
     {
         MenuDocument reread;
-        QVERIFY(readMenuBytes(menuFileBytes(exampleDocument()), false, reread).ok());
+        QVERIFY(readMenuBytes(menuFileBytes(exampleDocument()), reread).ok());
         const MenuItem& unpack = reread.items.at(2);
         QVERIFY(!unpack.copiesCommands);
         QCOMPARE(unpack.copyKey, QStringLiteral("-1"));
         QCOMPARE(unpack.commands, reread.items.at(1).commands);
 
         MenuDocument detected;
-        QVERIFY(readMenuBytes(menuFileBytes(exampleDocument()), true, detected).ok());
+        QVERIFY(openMenuBytes(menuFileBytes(exampleDocument()), true, detected).ok());
         QVERIFY(detected.items.at(2).copiesCommands);
         QCOMPARE(detected.items.at(2).copyKey, QStringLiteral("E1"));
         QVERIFY(!detected.items.at(1).copiesCommands);
@@ -244,7 +245,7 @@ private Q_SLOTS:
         QVERIFY(bytes.contains("\r\n0001:txt=open 0\r\n"));
 
         MenuDocument reread;
-        QVERIFY(readMenuBytes(bytes, false, reread).ok());
+        QVERIFY(readMenuBytes(bytes, reread).ok());
         QCOMPARE(reread.items.size(), qsizetype(12000));
         QCOMPARE(reread.items.at(11999).commands.at(1).command, QStringLiteral("open 11999"));
         QCOMPARE(reread.items.at(9999).commands.at(1).command, QStringLiteral("open 9999"));

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QTreeWidget>
 
+#include "treeview/nodestyle.h"
+
 struct MenuDocument;
 
 /// The item tree `lstMenu` of an editor window. Besides the tree itself it keeps the node
@@ -52,26 +54,56 @@ public:
     /// path label; empty when `node` is not a node of this tree.
     QString fullPath(const QTreeWidgetItem* node) const;
 
-    /// Rebuilds the tree from `document` after applying `modeChange` to its hide mode: the root
-    /// "Root" / "KELV", one node per shown item (see planTree), the whole tree expanded (down to
-    /// expandedLevels) and styled, indentation 2. Painting is suspended for the whole rebuild and
-    /// resumed at its end. Selecting a node afterwards and the root's final text (showRootText) are
-    /// left to the editor window, which shows the first item while the root still reads "KELV".
-    void generate(MenuDocument& document, int modeChange);
+    /// Rebuilds the tree from `document` under its hide mode: the root "Root" / "KELV", one node per
+    /// shown item (see planTree), the whole tree expanded (down to expandedLevels) and styled,
+    /// indentation 2. Painting is suspended for the whole rebuild and resumed at its end. Selecting a
+    /// node afterwards and the root's final text (showRootText) are left to the editor window, which
+    /// shows the first item while the root still reads "KELV".
+    void generate(const MenuDocument& document);
     /// The last step of a rebuild: the root's text tells whether items may be hidden ("KELV" or
     /// "KELV (Some items may be hidded)").
     void showRootText(int hideMode);
+
+    /// Sets the text colour of `node` (its bold type stays).
+    static void setNodeColour(QTreeWidgetItem* node, NodeStyle::Colour colour);
+
+    /// Starts editing the label of `node`; false when it cannot be edited (the root, no node).
+    bool startLabelEdit(QTreeWidgetItem* node);
+    /// Whether a label is being edited.
+    bool isEditingLabel() const { return !m_editingKey.isEmpty(); }
 
     /// Re-applies the node styles to every item node from the current state of `document`, without
     /// rebuilding the tree. A node whose key names no item any more is left black and not bold.
     void colorize(const MenuDocument& document);
 
+Q_SIGNALS:
+    /// A label edit has started on the node `key` (BeforeLabelEdit).
+    void labelEditStarted(const QString& key);
+    /// A label edit on the node `key` was confirmed with `text`, which the node now shows
+    /// (AfterLabelEdit). Emitted once the editor has closed.
+    void labelEditCommitted(const QString& key, const QString& text);
+    /// A label edit on the node `key` was cancelled: the node keeps its text.
+    void labelEditCancelled(const QString& key);
+    /// The root node was collapsed; it has been expanded again at once, as the root stays open.
+    void rootCollapsed();
+
+protected:
+    bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+    void commitData(QWidget* editor) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+
 private:
     QFont boldFont() const;
+    void onItemCollapsed(QTreeWidgetItem* node);
     void registerNode(QTreeWidgetItem* node, const QString& key);
     void renumber();
 
     QList<QTreeWidgetItem*> m_nodes;
     QHash<QString, QTreeWidgetItem*> m_byKey;
     QHash<const QTreeWidgetItem*, int> m_index; // 0-based position in m_nodes
+    /// The key of the node whose label is being edited; empty when none is.
+    QString m_editingKey;
+    /// Whether the open label edit was confirmed, and with which text.
+    bool m_labelCommitted = false;
+    QString m_committedText;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "app/options.h"
+#include "core/options.h"
+#include "editing/editcontext.h"
 #include "history/historytable.h"
 #include "model/documentlist.h"
 
@@ -8,13 +9,14 @@
 #include <QPointer>
 #include <QtGlobal>
 
-class EditorWindow;
+class EditorView;
 
 /// The process-wide state of the editor: the open documents, the editor window that shows each of
-/// them, which document is active, and the options. Every per-document list is addressed by the
-/// same document index; slot 0 of each is a placeholder, and closing a document leaves its slot in
-/// place so that no other index ever shifts. The main window owns one, so a fresh main window starts
-/// with a clean state.
+/// them, which document is active, the options and the editing state that operations share (the
+/// label-edit flag, the node last clicked, each window's click and link-target state). Every
+/// per-document list is addressed by the same document index; slot 0 of each is a placeholder, and
+/// closing a document leaves its slot in place so that no other index ever shifts. The main window
+/// owns one, so a fresh main window starts with a clean state.
 class ApplicationState final
 {
 public:
@@ -23,8 +25,8 @@ public:
     ApplicationState(const ApplicationState&) = delete;
     ApplicationState& operator=(const ApplicationState&) = delete;
 
-    /// Appends one slot to every per-document list (document, editor window, and whatever else is
-    /// kept per document) and returns the new document index.
+    /// Appends one slot to every per-document list (document, editor window, history, window
+    /// editing state) and returns the new document index.
     qint16 appendDocumentSlot();
     /// Drops the newest slot of every per-document list again: an open that failed.
     void removeLastDocumentSlot();
@@ -40,10 +42,12 @@ public:
     HistoryTable& histories() { return m_histories; }
     const HistoryTable& histories() const { return m_histories; }
 
-    /// The editor window of document `index`; null for the placeholder, a closed editor or an index
-    /// out of range.
-    EditorWindow* editor(int index) const;
-    void setEditor(int index, EditorWindow* editor);
+    /// The editor window of document `index`; null for the placeholder, a closed or destroyed
+    /// editor, or an index out of range.
+    EditorView* editor(int index) const;
+    /// Sets the editor window of document `index`; it counts as closed once its view object is
+    /// destroyed.
+    void setEditor(int index, EditorView* editor);
     /// Marks the editor of `index` closed; its document slot stays.
     void clearEditor(int index) { setEditor(index, nullptr); }
     /// Indices of the documents whose editor window is open, in ascending order.
@@ -61,7 +65,8 @@ public:
     void setQuitting(bool quitting) { m_quitting = quitting; }
 
     const Options& options() const { return m_options; }
-    void setOptions(const Options& options) { m_options = options; }
+    /// Takes the options; the "CopyCommand at Duplication" mark also goes to the editing state.
+    void setOptions(const Options& options);
 
     /// Editor windows that became documents so far (new and opened menus; failed opens do not
     /// count). Numbers the captions of new menus.
@@ -73,13 +78,31 @@ public:
     qint16 lastNodeIndex() const { return m_lastNodeIndex; }
     void setLastNodeIndex(qint16 index) { m_lastNodeIndex = index; }
 
+    /// The editing state shared by every editor window.
+    EditingState& editing() { return m_editing; }
+    const EditingState& editing() const { return m_editing; }
+    /// The editing state of the editor window of document `index`; throws RunTimeError 9 for the
+    /// placeholder or an index out of range.
+    WindowEditingState& window(int index);
+    const WindowEditingState& window(int index) const;
+    /// Whether an open editor window is choosing a link target: the menus are off meanwhile.
+    bool anyLinkTargetChoice() const;
+
 private:
+    struct EditorSlot
+    {
+        EditorView* view = nullptr;
+        QPointer<QObject> lifetime;
+        WindowEditingState state;
+    };
+
     DocumentList m_documents;
     HistoryTable m_histories;
-    QList<QPointer<EditorWindow>> m_editors;
+    QList<EditorSlot> m_editors;
     qint16 m_activeDocumentIndex = 0;
     bool m_quitting = false;
     Options m_options;
     int m_editorsCreated = 0;
     qint16 m_lastNodeIndex = 0;
+    EditingState m_editing;
 };

@@ -1,4 +1,4 @@
-#include "app/languageconfig.h"
+#include "core/languageconfig.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "app/ansitextfile.h"
+#include "core/ansitextfile.h"
 
 #include <QDir>
 #include <QFile>

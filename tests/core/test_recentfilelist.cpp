@@ -1,4 +1,4 @@
-#include "app/recentfilelist.h"
+#include "core/recentfilelist.h"
 
 #include <QDir>
 #include <QFile>

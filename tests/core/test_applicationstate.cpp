@@ -1,11 +1,11 @@
-#include "guisandbox.h"
+#include "fakeeditorview.h"
 
-#include "app/applicationstate.h"
-#include "app/editorwindow.h"
-#include "app/mainwindow.h"
+#include "core/applicationstate.h"
 #include "model/runtimeerror.h"
 
 #include <QTest>
+
+#include <memory>
 
 class TestApplicationState : public QObject
 {
@@ -23,6 +23,9 @@ private Q_SLOTS:
         QVERIFY(state.openDocumentIndexes().isEmpty());
         QVERIFY(!state.editor(0));
         QVERIFY_THROWS_EXCEPTION(RunTimeError, state.document(0));
+        QVERIFY_THROWS_EXCEPTION(RunTimeError, state.window(0));
+        QVERIFY(state.editing().snapshotNextLabelEdit);
+        QVERIFY(!state.anyLinkTargetChoice());
     }
 
     void slotsAreAppendedAndDroppedTogether()
@@ -31,11 +34,15 @@ private Q_SLOTS:
         QCOMPARE(state.appendDocumentSlot(), qint16(1));
         QCOMPARE(state.appendDocumentSlot(), qint16(2));
         QCOMPARE(state.documents().lastSlot(), qint16(2));
+        QCOMPARE(state.histories().lastSlot(), qint16(2));
         state.document(2).filePath = QStringLiteral("/menus/a.ini");
+        state.window(2).nodeClicked = true;
         state.removeLastDocumentSlot();
         QCOMPARE(state.lastSlot(), qint16(1));
+        QCOMPARE(state.histories().lastSlot(), qint16(1));
         QCOMPARE(state.appendDocumentSlot(), qint16(2));
         QVERIFY(state.document(2).filePath.isEmpty());
+        QVERIFY(!state.window(2).nodeClicked);
         state.removeLastDocumentSlot();
         state.removeLastDocumentSlot();
         state.removeLastDocumentSlot(); // never the placeholder
@@ -45,14 +52,12 @@ private Q_SLOTS:
 
     void closedEditorsLeaveTheirSlot()
     {
-        GuiSandbox sandbox;
-        MainWindow& window = sandbox.window();
-        ApplicationState& state = window.state();
+        ApplicationState state;
         const qint16 first = state.appendDocumentSlot();
         const qint16 second = state.appendDocumentSlot();
         const qint16 third = state.appendDocumentSlot();
-        EditorWindow firstEditor(window, first);
-        EditorWindow thirdEditor(window, third);
+        FakeEditorView firstEditor;
+        FakeEditorView thirdEditor;
         state.setEditor(first, &firstEditor);
         state.setEditor(third, &thirdEditor);
         QCOMPARE(state.openDocumentIndexes(), QList<qint16>({ first, third }));
@@ -67,15 +72,29 @@ private Q_SLOTS:
 
     void anEditorThatIsDeletedCountsAsClosed()
     {
-        GuiSandbox sandbox;
-        MainWindow& window = sandbox.window();
-        ApplicationState& state = window.state();
+        ApplicationState state;
         const qint16 index = state.appendDocumentSlot();
-        auto* editor = new EditorWindow(window, index);
-        state.setEditor(index, editor);
-        delete editor;
+        auto editor = std::make_unique<FakeEditorView>();
+        state.setEditor(index, editor.get());
+        state.window(index).linkTargetChoice = true;
+        QVERIFY(state.anyLinkTargetChoice());
+        editor.reset();
         QVERIFY(!state.editor(index));
         QVERIFY(state.openDocumentIndexes().isEmpty());
+        // A closed window chooses nothing any more.
+        QVERIFY(!state.anyLinkTargetChoice());
+    }
+
+    void theCopyCommandDupOptionReachesTheEditingState()
+    {
+        ApplicationState state;
+        Options options;
+        options.copyCommandDup = true;
+        state.setOptions(options);
+        QVERIFY(state.editing().copyCommandDup);
+        options.copyCommandDup = false;
+        state.setOptions(options);
+        QVERIFY(!state.editing().copyCommandDup);
     }
 
     void countsEditorsCreated()
@@ -87,5 +106,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestApplicationState)
+QTEST_GUILESS_MAIN(TestApplicationState)
 #include "test_applicationstate.moc"

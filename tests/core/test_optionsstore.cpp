@@ -1,4 +1,4 @@
-#include "app/optionsstore.h"
+#include "core/optionsstore.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "app/aboutinfo.h"
+#include "core/aboutinfo.h"
 
 #include <QTest>
 

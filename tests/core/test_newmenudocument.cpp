@@ -1,4 +1,4 @@
-#include "app/newmenudocument.h"
+#include "core/newmenudocument.h"
 
 #include "model/menudocument.h"
 

@@ -1,13 +1,14 @@
 #include "itemtree.h"
 
-#include "hidemode.h"
 #include "model/menudocument.h"
-#include "nodestyle.h"
-#include "treeplan.h"
+#include "treeview/hidemode.h"
+#include "treeview/nodestyle.h"
+#include "treeview/treeplan.h"
 
 #include <QBrush>
 #include <QColor>
 #include <QFont>
+#include <QSignalBlocker>
 #include <QVariant>
 
 #include <utility>
@@ -108,6 +109,10 @@ ItemTree::ItemTree(QWidget* parent)
     setSelectionMode(QAbstractItemView::SingleSelection);
     // Every row is one line of text; letting the view assume so keeps layout of large menus fast.
     setUniformRowHeights(true);
+    // Labels are edited through Rename (F2) and after New Item only, never by a click, so that a
+    // click always selects and a drag always drags.
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    connect(this, &QTreeWidget::itemCollapsed, this, &ItemTree::onItemCollapsed);
 }
 
 ItemTree::~ItemTree()
@@ -163,6 +168,9 @@ QTreeWidgetItem* ItemTree::addNode(const QString& parentKey, const QString& key,
     auto* created = new QTreeWidgetItem;
     created->setText(0, text);
     created->setData(0, kKeyRole, key);
+    if (key != rootKey()) {
+        created->setFlags(created->flags() | Qt::ItemIsEditable);
+    }
     if (parentNode != nullptr) {
         parentNode->addChild(created);
     } else {
@@ -183,13 +191,19 @@ void ItemTree::removeNode(QTreeWidgetItem* node)
         if (m_byKey.value(key, nullptr) == removed) {
             m_byKey.remove(key);
         }
+        if (key == m_editingKey) {
+            m_editingKey.clear(); // an edit whose node goes is dropped with it
+            m_labelCommitted = false;
+        }
         m_index.remove(removed);
     }
     m_nodes.removeIf([this](QTreeWidgetItem* candidate) { return !m_index.contains(candidate); });
     renumber();
 
     // Top down, so only the first collapse changes what the view shows; the rest merely forget
-    // their expanded state, which the model would otherwise re-check for every removed row.
+    // their expanded state, which the model would otherwise re-check for every removed row. Nodes
+    // collapsed on their way out are not the user collapsing anything.
+    const QSignalBlocker noCollapseSignals(this);
     for (QTreeWidgetItem* removed : subtree) {
         if (removed->isExpanded()) {
             removed->setExpanded(false);
@@ -206,6 +220,11 @@ void ItemTree::removeNode(QTreeWidgetItem* node)
 
 void ItemTree::clearNodes()
 {
+    // Nodes that go are collapsed on the way; that is not the user collapsing the root.
+    const QSignalBlocker noCollapseSignals(this);
+    // An edit whose node goes is dropped with it.
+    m_editingKey.clear();
+    m_labelCommitted = false;
     // Dropping the expanded state first spares the model from adjusting one remembered index per
     // expanded submenu while the nodes go.
     collapseAll();
@@ -233,13 +252,12 @@ QString ItemTree::fullPath(const QTreeWidgetItem* node) const
     return texts.join(QLatin1Char('\\'));
 }
 
-void ItemTree::generate(MenuDocument& document, int modeChange)
+void ItemTree::generate(const MenuDocument& document)
 {
     // The rebuild always ends with painting on: opening a menu file suspends it before the file is
     // read and relies on the first rebuild to resume it.
     const PaintingSuspended suspended(this, true);
     clearNodes();
-    document.hideMode = HideMode::applyModeChange(document.hideMode, modeChange);
     const QList<PlannedNode> plan = planTree(document, document.hideMode);
 
     // The nodes are linked to each other before the root joins the widget, so the view lays the
@@ -261,6 +279,7 @@ void ItemTree::generate(MenuDocument& document, int modeChange)
         auto* created = new QTreeWidgetItem;
         created->setText(0, planned.caption);
         created->setData(0, kKeyRole, planned.key);
+        created->setFlags(created->flags() | Qt::ItemIsEditable);
         parentNode->addChild(created);
         levels.push_back(levels[size_t(m_index.value(parentNode))] + 1);
         registerNode(created, planned.key);
@@ -306,6 +325,72 @@ void ItemTree::colorize(const MenuDocument& document)
         const auto it = itemOfKey.constFind(key);
         applyStyle(node, it == itemOfKey.constEnd() ? NodeStyle() : NodeStyle::forItem(document.items.at(it.value())),
                    bold);
+    }
+}
+
+void ItemTree::setNodeColour(QTreeWidgetItem* node, NodeStyle::Colour colour)
+{
+    if (node != nullptr) {
+        node->setForeground(0, QBrush(colourOf(colour)));
+    }
+}
+
+bool ItemTree::startLabelEdit(QTreeWidgetItem* node)
+{
+    if (node == nullptr || keyOf(node).isEmpty() || keyOf(node) == rootKey()) {
+        return false;
+    }
+    scrollToItem(node);
+    editItem(node, 0);
+    return isEditingLabel();
+}
+
+bool ItemTree::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
+{
+    // The root belongs to no item and is never editable; only item nodes carry the editable flag.
+    const QString key = keyOf(itemFromIndex(index));
+    const bool opened = QTreeWidget::edit(index, trigger, event);
+    if (opened && !key.isEmpty() && state() == QAbstractItemView::EditingState && m_editingKey != key) {
+        m_editingKey = key;
+        m_labelCommitted = false;
+        m_committedText.clear();
+        Q_EMIT labelEditStarted(key);
+    }
+    return opened;
+}
+
+void ItemTree::commitData(QWidget* editor)
+{
+    QTreeWidget::commitData(editor);
+    if (!m_editingKey.isEmpty()) {
+        if (QTreeWidgetItem* node = nodeByKey(m_editingKey)) {
+            m_labelCommitted = true;
+            m_committedText = node->text(0);
+        }
+    }
+}
+
+void ItemTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    QTreeWidget::closeEditor(editor, hint);
+    if (m_editingKey.isEmpty()) {
+        return;
+    }
+    // The edit is reported only once the editor is gone, so that whatever the report changes in the
+    // tree cannot pull the node from under an open editor.
+    const QString key = std::exchange(m_editingKey, QString());
+    if (std::exchange(m_labelCommitted, false)) {
+        Q_EMIT labelEditCommitted(key, std::exchange(m_committedText, QString()));
+    } else {
+        Q_EMIT labelEditCancelled(key);
+    }
+}
+
+void ItemTree::onItemCollapsed(QTreeWidgetItem* node)
+{
+    if (keyOf(node) == rootKey()) {
+        node->setExpanded(true);
+        Q_EMIT rootCollapsed();
     }
 }
 

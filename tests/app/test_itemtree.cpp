@@ -1,8 +1,9 @@
-#include "testmenus.h"
-#include "treeview/itemtree.h"
-#include "treeview/treeplan.h"
+#include "treeview/testmenus.h"
 
+#include "app/itemtree.h"
 #include "model/menudocument.h"
+#include "treeview/hidemode.h"
+#include "treeview/treeplan.h"
 
 #include <QTest>
 
@@ -23,6 +24,13 @@ QColor colourOf(const QTreeWidgetItem* node)
 bool isBold(const QTreeWidgetItem* node)
 {
     return node->font(0).bold();
+}
+
+/// A rebuild as the editor asks for one: the hide-mode change goes to the document first.
+void generate(ItemTree& tree, MenuDocument& document, int modeChange)
+{
+    document.hideMode = HideMode::applyModeChange(document.hideMode, modeChange);
+    tree.generate(document);
 }
 
 QStringList nodeKeys(const ItemTree& tree)
@@ -66,7 +74,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document;
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         QCOMPARE(tree.nodeCount(), 1);
         QCOMPARE(tree.keyOf(tree.node(1)), QStringLiteral("Root"));
         QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV"));
@@ -80,7 +88,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         QCOMPARE(nodeKeys(tree),
                  QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1"), QStringLiteral("E2"),
                                QStringLiteral("E3"), QStringLiteral("E4"), QStringLiteral("E5") }));
@@ -101,10 +109,10 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         document.items.removeLast();
         document.items[0].caption = QStringLiteral("Utilities");
-        tree.generate(document, -3);
+        generate(tree, document, -3);
         QCOMPARE(tree.nodeCount(), 6);
         QVERIFY(tree.nodeByKey(QStringLiteral("E5")) == nullptr);
         QCOMPARE(tree.node(2)->text(0), QStringLiteral("Utilities"));
@@ -115,7 +123,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 1);
+        generate(tree, document, 1);
         tree.showRootText(document.hideMode);
         QCOMPARE(document.hideMode, 1);
         QCOMPARE(nodeKeys(tree),
@@ -133,7 +141,7 @@ private Q_SLOTS:
         MenuDocument document;
         document.items = { item(QStringLiteral("E0"), -1, 2, 1), item(QStringLiteral("E1"), 0, 0, 1, 1),
                            item(QStringLiteral("E2"), 0, 0, 2), item(QStringLiteral("E3"), -1, 0, 2) };
-        tree.generate(document, 2);
+        generate(tree, document, 2);
         QCOMPARE(nodeKeys(tree), QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1") }));
     }
 
@@ -141,7 +149,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 3);
+        generate(tree, document, 3);
         QCOMPARE(document.hideMode, 3);
         QCOMPARE(nodeKeys(tree),
                  QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1"), QStringLiteral("E2"),
@@ -156,14 +164,14 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 3);
-        tree.generate(document, -1);
+        generate(tree, document, 3);
+        generate(tree, document, -1);
         tree.showRootText(document.hideMode);
         QCOMPARE(document.hideMode, 2);
         QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
         QVERIFY(tree.nodeByKey(QStringLiteral("E5")) == nullptr);
         QVERIFY(tree.nodeByKey(QStringLiteral("E4")) == nullptr);
-        tree.generate(document, -2);
+        generate(tree, document, -2);
         tree.showRootText(document.hideMode);
         QCOMPARE(document.hideMode, 0);
         QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV"));
@@ -176,7 +184,7 @@ private Q_SLOTS:
         MenuDocument document;
         document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
                            item(QStringLiteral("E2"), -1, 0, 4) };
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         QCOMPARE(nodeKeys(tree), QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1") }));
     }
 
@@ -184,7 +192,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         const QTreeWidgetItem* root = tree.node(1);
         QCOMPARE(colourOf(root), kNavy);
         QVERIFY(isBold(root));
@@ -209,7 +217,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         // The link of "Archive" switched off, "Zip" linked, "Notes" given a command, "Tools" loses
         // its children and commands, and "Copy" deleted behind the tree's back.
         document.items[1].copiesCommands = false;
@@ -281,7 +289,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         QCOMPARE(tree.fullPath(tree.nodeByKey(QStringLiteral("E2"))), QStringLiteral("KELV\\Tools\\Archive\\Zip"));
         QCOMPARE(tree.fullPath(tree.node(1)), QStringLiteral("KELV"));
         QCOMPARE(tree.fullPath(nullptr), QString());
@@ -291,7 +299,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         QTreeWidgetItem* open = tree.nodeByKey(QStringLiteral("E3"));
         tree.removeNode(tree.nodeByKey(QStringLiteral("E1")));
         QVERIFY(tree.nodeByKey(QStringLiteral("E1")) == nullptr);
@@ -317,7 +325,7 @@ private Q_SLOTS:
     {
         ItemTree tree;
         MenuDocument document = toolsMenu();
-        tree.generate(document, 0);
+        generate(tree, document, 0);
         tree.clearNodes();
         QCOMPARE(tree.nodeCount(), 0);
         QCOMPARE(tree.topLevelItemCount(), 0);
@@ -330,7 +338,7 @@ private Q_SLOTS:
         for (quint32 seed = 1; seed <= 200; ++seed) {
             MenuDocument document = TestMenus::randomMenu(seed);
             const int modeChange = int(seed % 4);
-            tree.generate(document, modeChange);
+            generate(tree, document, modeChange);
             const QList<PlannedNode> plan = planTree(document, document.hideMode);
             QCOMPARE(tree.nodeCount(), int(plan.size()) + 1);
             for (int n = 0; n < plan.size(); ++n) {
@@ -347,7 +355,7 @@ private Q_SLOTS:
         MenuDocument document = TestMenus::chainMenu(32767);
         {
             ItemTree tree;
-            tree.generate(document, 0);
+            generate(tree, document, 0);
             QCOMPARE(tree.nodeCount(), 32768);
             QCOMPARE(tree.node(32768)->parent(), tree.node(32767));
             // Node n lies n - 1 levels below the root.
@@ -356,11 +364,11 @@ private Q_SLOTS:
             QVERIFY(!tree.node(ItemTree::expandedLevels + 1)->isExpanded());
             tree.colorize(document);
             QCOMPARE(colourOf(tree.node(2)), kNavy);
-            tree.generate(document, -3);
+            generate(tree, document, -3);
             QCOMPARE(tree.nodeCount(), 32768);
             tree.removeNode(tree.node(2));
             QCOMPARE(tree.nodeCount(), 1);
-            tree.generate(document, -3);
+            generate(tree, document, -3);
         }
     }
 };

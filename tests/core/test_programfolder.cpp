@@ -1,4 +1,4 @@
-#include "app/programfolder.h"
+#include "core/programfolder.h"
 
 #include <QCoreApplication>
 #include <QDir>

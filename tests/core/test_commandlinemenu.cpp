@@ -1,4 +1,4 @@
-#include "app/commandlinemenu.h"
+#include "core/commandlinemenu.h"
 
 #include <QTest>
 

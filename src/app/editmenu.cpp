@@ -1,0 +1,163 @@
+#include "editmenu.h"
+
+#include "app/mainwindow.h"
+#include "core/editingsession.h"
+#include "editing/itemcreation.h"
+#include "editing/itemdeletion.h"
+#include "editing/linkediting.h"
+#include "editing/treedisplay.h"
+
+#include <QAction>
+#include <QKeySequence>
+#include <QMenu>
+#include <QWidget>
+
+EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
+    : QObject(menu)
+    , m_menu(menu)
+    , m_main(mainWindow)
+    , m_session(session)
+{
+    // Enabled by the history as the active document's stacks fill and empty.
+    m_mnuUndo = addEntry(QStringLiteral("mnuUndo"), QStringLiteral("Undo"));
+    m_mnuUndo->setShortcut(QKeySequence::Undo);
+    m_mnuUndo->setEnabled(false);
+    connect(m_mnuUndo, &QAction::triggered, &m_main, &MainWindow::mnuUndo_Click);
+    m_mnuRedo = addEntry(QStringLiteral("mnuRedo"), QStringLiteral("Redo"));
+    m_mnuRedo->setShortcut(QKeySequence::Redo);
+    m_mnuRedo->setEnabled(false);
+    connect(m_mnuRedo, &QAction::triggered, &m_main, &MainWindow::mnuRedo_Click);
+    addSeparator(QStringLiteral("Tire04"));
+
+    QAction* mnuNewItem
+        = addOperation(QStringLiteral("mnuNewItem"), QStringLiteral("New Item"), EditOperations::newItem);
+    mnuNewItem->setShortcut(QKeySequence(Qt::Key_Insert));
+    QAction* mnuRename = addOperation(QStringLiteral("mnuRename"), QStringLiteral("Rename"), EditOperations::rename);
+    mnuRename->setShortcut(QKeySequence(Qt::Key_F2));
+    m_itemEntries += { mnuNewItem, mnuRename };
+    m_treeEntries += { mnuNewItem, mnuRename };
+
+    QMenu* mnuSpecial = m_menu->addMenu(QStringLiteral("Special items"));
+    mnuSpecial->setObjectName(QStringLiteral("mnuSpecial"));
+    mnuSpecial->menuAction()->setObjectName(QStringLiteral("mnuSpecial"));
+    const QStringList specialCaptions
+        = { QStringLiteral("$audiostream$"), QStringLiteral("$subtitlestream$"), QStringLiteral("$selectedfile$") };
+    for (int index = 0; index < specialCaptions.size(); ++index) {
+        QAction* special = mnuSpecial->addAction(specialCaptions.at(index));
+        special->setObjectName(QStringLiteral("mnuSpecialItems") + QString::number(index));
+        m_unavailable.append(special);
+    }
+    addSeparator(QStringLiteral("Tire08"));
+
+    m_unavailable.append(addEntry(QStringLiteral("mnuCut"), QStringLiteral("Cut")));
+    m_unavailable.append(addEntry(QStringLiteral("mnuCopy"), QStringLiteral("Copy")));
+    m_mnuPaste = addEntry(QStringLiteral("mnuPaste"), QStringLiteral("Paste"));
+    m_unavailable.append(m_mnuPaste);
+    m_unavailable.append(addEntry(QStringLiteral("mnuDuplicate"), QStringLiteral("Duplicate")));
+    QAction* mnuDelete
+        = addOperation(QStringLiteral("mnuDelete"), QStringLiteral("Delete"), EditOperations::deleteItem);
+    mnuDelete->setShortcut(QKeySequence::Delete);
+    m_itemEntries.append(mnuDelete);
+    m_treeEntries.append(mnuDelete);
+    m_unavailable.append(addEntry(QStringLiteral("mnuReplace"), QStringLiteral("Replace")));
+    addSeparator(QStringLiteral("Tire05"));
+
+    m_mnuSelectCopy = addOperation(QStringLiteral("mnuSelectCopy"), QStringLiteral("Select an item to copy"),
+                                   EditOperations::selectCopy);
+    m_documentEntries.append(addOperation(QStringLiteral("mnuLFCopyCommand"), QStringLiteral("Look for CopyCommand"),
+                                          EditOperations::lookForCopyCommand));
+    m_documentEntries.append(addOperation(QStringLiteral("mnuUncheckCopyCommand"),
+                                          QStringLiteral("Uncheck all CopyCommand"),
+                                          EditOperations::uncheckAllCopyCommand));
+    addSeparator(QStringLiteral("Tire10"));
+
+    m_mnuCopyComDup = addEntry(QStringLiteral("mnuCopyComDup"), QStringLiteral("CopyCommand at Duplication"));
+    m_mnuCopyComDup->setCheckable(true);
+    connect(m_mnuCopyComDup, &QAction::triggered, &m_main, &MainWindow::toggleCopyCommandDup);
+    QAction* mnuRefresh
+        = addOperation(QStringLiteral("mnuRefresh"), QStringLiteral("Refresh List"), EditOperations::refreshList);
+    mnuRefresh->setShortcut(QKeySequence(Qt::Key_F5));
+    m_documentEntries.append(mnuRefresh);
+
+    QMenu* mnuHide = m_menu->addMenu(QStringLiteral("Hide items"));
+    mnuHide->setObjectName(QStringLiteral("mnuHide"));
+    mnuHide->menuAction()->setObjectName(QStringLiteral("mnuHide"));
+    m_documentEntries.append(mnuHide->menuAction());
+    const auto addHideEntry
+        = [this, mnuHide](const QString& name, const QString& caption, const EditOperation& operation) {
+              QAction* entry = mnuHide->addAction(caption);
+              entry->setObjectName(name);
+              entry->setCheckable(true);
+              connect(entry, &QAction::triggered, this, [this, run = &operation] {
+                  m_session.run(*run);
+                  // The marks follow the document's hide mode, whatever the click made of them.
+                  m_main.updateMenus();
+              });
+              m_documentEntries.append(entry);
+              return entry;
+          };
+    m_mnuHideCopies
+        = addHideEntry(QStringLiteral("mnuHideCopies"), QStringLiteral("... copied"), EditOperations::hideCopies);
+    m_mnuHideWCommand = addHideEntry(QStringLiteral("mnuHideWCommand"), QStringLiteral("... without command"),
+                                     EditOperations::hideWithoutCommand);
+    m_mnuHideBoth = addHideEntry(QStringLiteral("mnuHideBoth"), QStringLiteral("... both"), EditOperations::hideBoth);
+
+    for (QAction* entry : std::as_const(m_treeEntries)) {
+        entry->setShortcutContext(Qt::WidgetShortcut);
+    }
+    for (QAction* entry : std::as_const(m_unavailable)) {
+        entry->setEnabled(false);
+    }
+}
+
+QAction* EditMenu::addEntry(const QString& name, const QString& caption)
+{
+    QAction* entry = m_menu->addAction(caption);
+    entry->setObjectName(name);
+    return entry;
+}
+
+QAction* EditMenu::addOperation(const QString& name, const QString& caption, const EditOperation& operation)
+{
+    QAction* entry = addEntry(name, caption);
+    connect(entry, &QAction::triggered, this, [this, run = &operation] { m_session.run(*run); });
+    return entry;
+}
+
+void EditMenu::addSeparator(const QString& name)
+{
+    m_menu->addSeparator()->setObjectName(name);
+}
+
+QAction* EditMenu::entry(const QString& name) const
+{
+    return m_menu->findChild<QAction*>(name);
+}
+
+void EditMenu::attachTo(QWidget* tree)
+{
+    tree->addActions(m_treeEntries);
+}
+
+void EditMenu::apply(const EditMenuState& state)
+{
+    for (QAction* entry : std::as_const(m_itemEntries)) {
+        entry->setEnabled(state.itemEntries);
+    }
+    for (QAction* entry : std::as_const(m_documentEntries)) {
+        entry->setEnabled(state.documentEntries);
+    }
+    m_mnuSelectCopy->setEnabled(state.selectCopy);
+    m_mnuCopyComDup->setEnabled(state.menus);
+    if (!state.menus) {
+        m_mnuUndo->setEnabled(false);
+        m_mnuRedo->setEnabled(false);
+    }
+}
+
+void EditMenu::showHideMarks(const HideMode::Marks& marks)
+{
+    m_mnuHideCopies->setChecked(marks.copies);
+    m_mnuHideWCommand->setChecked(marks.withoutCommand);
+    m_mnuHideBoth->setChecked(marks.both);
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+/// Which entries of the Edit menu (and of the menus that go off while a link target is chosen) can
+/// be used, decided in one place from what the active editor window shows.
+struct EditMenuState
+{
+    /// What the rule is decided from.
+    struct Input
+    {
+        /// An editor window is active.
+        bool editorActive = false;
+        /// Its tree's selected node stands for an item (not the root, not none).
+        bool itemSelected = false;
+        /// Copy or Cut has filled the clipboard at least once.
+        bool clipboardFilled = false;
+        /// An editor window is choosing a link target: only clicks on nodes and the button that ends
+        /// the choice are open then, so the File, Edit, Window and Help menus are off.
+        bool choosingLinkTarget = false;
+    };
+
+    /// The File, Edit, Window and Help menus with their entries and shortcuts.
+    bool menus = true;
+    /// New Item, Rename, Delete, Cut, Copy, Duplicate, Special items: an item must be selected.
+    bool itemEntries = false;
+    /// Paste: off until the first Copy or Cut, then never off again (but with the menus).
+    bool paste = false;
+    /// Replace, Look for CopyCommand, Uncheck all CopyCommand, Refresh List, Hide items: a document.
+    bool documentEntries = false;
+    /// Select an item to copy: an item must be selected.
+    bool selectCopy = false;
+
+    static EditMenuState decide(const Input& input);
+
+    friend bool operator==(const EditMenuState& left, const EditMenuState& right)
+    {
+        return left.menus == right.menus && left.itemEntries == right.itemEntries && left.paste == right.paste
+            && left.documentEntries == right.documentEntries && left.selectCopy == right.selectCopy;
+    }
+};

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "model/menuitem.h"
+
+#include <QString>
+
+#include <optional>
+
+struct MenuDocument;
+
+/// The node of the item tree that an operation acts on: the selected node of the editor window's
+/// tree (or, in a script, the node with the given key in a tree freshly built from the document).
+struct SelectedNode
+{
+    /// The node's key; "Root" for the root node, empty when no node is selected.
+    QString key;
+    /// The key of its parent node; "Root" for a node directly under the root, empty for the root.
+    QString parentKey;
+
+    static QString rootKey() { return QStringLiteral("Root"); }
+
+    bool isNone() const { return key.isEmpty(); }
+    bool isRoot() const { return key == rootKey(); }
+    /// A node that stands for an item: neither no node nor the root.
+    bool isItem() const { return !isNone() && !isRoot(); }
+};
+
+/// What an operation is given besides the selected node: the text of a confirmed label edit, the
+/// clicked node of a link-target choice, the state of the copy-command check box.
+struct EditArguments
+{
+    QString text;
+    /// The item whose link is being set (the node last chosen by a plain click).
+    QString sourceKey;
+    /// The node clicked as the link target.
+    QString targetKey;
+    bool checked = false;
+};
+
+/// The editing state that lives for the whole run and is shared by every editor window.
+struct EditingState
+{
+    /// Whether the label edit that starts next records an undo snapshot when it ends. Creating an
+    /// item clears it, so that naming the new item is part of the same undo step.
+    bool snapshotNextLabelEdit = true;
+    /// The "CopyCommand at Duplication" check mark.
+    bool copyCommandDup = false;
+};
+
+/// The editing state of one editor window.
+struct WindowEditingState
+{
+    /// Set by every plain node click and never cleared. While it is false, switching the
+    /// copy-command check box recolours the whole tree.
+    bool nodeClicked = false;
+    /// The tree's tag: carries snapshotNextLabelEdit from the start of a label edit to its end.
+    bool labelEditTag = false;
+    /// On while the window's link-target button is pressed: a click on a node chooses the target.
+    bool linkTargetChoice = false;
+};
+
+/// Everything an editing operation works on.
+struct EditContext
+{
+    MenuDocument& document;
+    SelectedNode selected;
+    EditArguments arguments;
+    EditingState& editing;
+    WindowEditingState& window;
+};
