@@ -19,21 +19,26 @@ QString programSource()
 
 } // namespace
 
-bool runEditingOperation(UndoErrorReport& report, const std::function<void()>& operation)
+bool runCatchingErrors(const std::function<void()>& operation, const std::function<void(const RunTimeError&)>& onError)
 {
     try {
         operation();
         return true;
     } catch (const RunTimeError& error) {
-        report.show(error);
+        onError(error);
     } catch (const std::bad_alloc&) {
-        report.show(RunTimeError(ErrorNumber::OutOfMemory, programSource()));
+        onError(RunTimeError(ErrorNumber::OutOfMemory, programSource()));
     } catch (const std::out_of_range&) {
-        report.show(RunTimeError(ErrorNumber::SubscriptOutOfRange, programSource()));
+        onError(RunTimeError(ErrorNumber::SubscriptOutOfRange, programSource()));
     } catch (const std::overflow_error&) {
-        report.show(RunTimeError(ErrorNumber::Overflow, programSource()));
+        onError(RunTimeError(ErrorNumber::Overflow, programSource()));
     } catch (const std::exception&) {
-        report.show(RunTimeError(ErrorNumber::InvalidProcedureCall, programSource()));
+        onError(RunTimeError(ErrorNumber::InvalidProcedureCall, programSource()));
     }
     return false;
+}
+
+bool runEditingOperation(UndoErrorReport& report, const std::function<void()>& operation)
+{
+    return runCatchingErrors(operation, [&report](const RunTimeError& error) { report.show(error); });
 }

@@ -17,8 +17,17 @@ UndoManager::UndoManager(DocumentList& documents, HistoryTable& histories, QStri
 {
 }
 
+UndoManager::~UndoManager()
+{
+    if (m_autosave.valid()) {
+        m_autosave.wait();
+    }
+}
+
 void UndoManager::saveUndoState(qint16 index, bool clearRedo)
 {
+    // Files are written in the order their states were recorded.
+    completeAutosave();
     MenuDocument& document = m_documents.document(index);
     DocumentHistory& history = m_histories.history(index);
 
@@ -29,8 +38,18 @@ void UndoManager::saveUndoState(qint16 index, bool clearRedo)
     }
     m_menu.setUndoEnabled(history.undoCount() >= 1);
     document.saved = false;
-    // The autosave file holds the state before the edit: the caller changes the document only after.
-    writeMenuFile(document, autosavePath(index));
+    // The autosave file holds the state before the edit: the caller changes the document only after,
+    // in its own copy, while this one is written.
+    m_autosave = std::async(std::launch::async, [state = MenuDocument(document), path = autosavePath(index)] {
+        writeMenuFile(state, path);
+    });
+}
+
+void UndoManager::completeAutosave()
+{
+    if (m_autosave.valid()) {
+        m_autosave.get();
+    }
 }
 
 void UndoManager::saveRedoState(qint16 index)

@@ -67,6 +67,7 @@ public:
     {
         undoManager.saveUndoState(index, true);
         documents.document(index).items[0].caption = caption;
+        undoManager.completeAutosave();
     }
 
     MenuDocument& document(qint16 index) { return documents.document(index); }

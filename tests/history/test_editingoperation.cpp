@@ -34,6 +34,8 @@ struct FailingEdit
         history->undoManager.saveUndoState(index, true);
         history->document(index).items[0].caption = QStringLiteral("Half done");
         fail();
+        // An edit ends by waiting for the autosave file of its snapshot.
+        history->undoManager.completeAutosave();
         *reachedEnd = true;
     }
 };

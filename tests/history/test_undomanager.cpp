@@ -181,6 +181,7 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(h.undoManager.autosavePath(index)));
 
         h.undoManager.redoDocument(index);
+        h.undoManager.completeAutosave();
         // The state recorded for the Undo keeps its saved flag; the restored one is the unsaved edit.
         QVERIFY(h.histories.history(index).undoState(0).saved);
         QVERIFY(!h.document(index).saved);
@@ -230,7 +231,7 @@ private Q_SLOTS:
                  QDir(m_history->folder.path()).filePath(QStringLiteral("menuAutoSave12.ini")));
     }
 
-    void aFailedAutosaveWriteThrowsAfterTheStateIsRecorded()
+    void aFailedAutosaveWriteThrowsOnceTheEditWaitsForIt()
     {
         const QString missingFolder = QDir(m_history->folder.path()).filePath(QStringLiteral("no-such-folder"));
         HistoryFixture h(missingFolder);
@@ -238,7 +239,10 @@ private Q_SLOTS:
         const MenuDocument before = h.document(index);
         // A state left to redo: the edit cuts the redo chain before it writes the file.
         h.histories.history(index).pushRedoState(before);
-        QVERIFY_THROWS_EXCEPTION(RunTimeError, h.undoManager.saveUndoState(index, true));
+        h.undoManager.saveUndoState(index, true);
+        QVERIFY_THROWS_EXCEPTION(RunTimeError, h.undoManager.completeAutosave());
+        // Waiting again finds nothing left to wait for.
+        h.undoManager.completeAutosave();
         QCOMPARE(h.histories.history(index).undoCount(), qint16(1));
         QCOMPARE(h.histories.history(index).undoState(0), before);
         QVERIFY(!h.document(index).saved);
