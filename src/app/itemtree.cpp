@@ -200,22 +200,27 @@ void ItemTree::removeNode(QTreeWidgetItem* node)
     m_nodes.removeIf([this](QTreeWidgetItem* candidate) { return !m_index.contains(candidate); });
     renumber();
 
-    // Top down, so only the first collapse changes what the view shows; the rest merely forget
-    // their expanded state, which the model would otherwise re-check for every removed row. Nodes
-    // collapsed on their way out are not the user collapsing anything.
+    // The view remembers every expanded node, and removing rows makes the model walk from each
+    // remembered node up to the top: on a menu thousands of levels deep that costs far more than the
+    // removal itself, even for a single leaf. So the expanded state is set aside for the removal and
+    // given back afterwards, children before their parents, so that the view lays the tree out once.
     const QSignalBlocker noCollapseSignals(this);
-    for (QTreeWidgetItem* removed : subtree) {
-        if (removed->isExpanded()) {
-            removed->setExpanded(false);
+    std::vector<QTreeWidgetItem*> expanded;
+    for (QTreeWidgetItem* remaining : std::as_const(m_nodes)) {
+        if (remaining->isExpanded()) {
+            expanded.push_back(remaining);
         }
     }
-
+    collapseAll();
     if (QTreeWidgetItem* parentNode = node->parent()) {
         parentNode->takeChild(parentNode->indexOfChild(node));
     } else {
         takeTopLevelItem(indexOfTopLevelItem(node));
     }
     deleteDetachedSubtree(node);
+    for (auto it = expanded.rbegin(); it != expanded.rend(); ++it) {
+        (*it)->setExpanded(true);
+    }
 }
 
 void ItemTree::clearNodes()
