@@ -13,4 +13,7 @@ constexpr int NotAMenuFile = 3;
 constexpr int ReadError = 4;
 /// The formatted menu file could not be written; the old file is left as it was.
 constexpr int WriteError = 5;
+/// `edit` stopped at an operation the editor refuses, a key that names no item, or a failure of an
+/// operation; nothing was written.
+constexpr int Refused = 6;
 } // namespace ExitCode

@@ -1,6 +1,7 @@
 #include "kelvmenutool.h"
 
 #include "editing/menuopening.h"
+#include "editscriptparser.h"
 #include "exitcode.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
@@ -9,10 +10,13 @@
 #include "model/errortable.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
+#include "scriptededitor.h"
+#include "scriptoperation.h"
 #include "usagetext.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QFile>
 #include <QIODevice>
 
 namespace {
@@ -41,8 +45,9 @@ QStringList parserArguments(const QString& command, const QStringList& arguments
 
 } // namespace
 
-KelvMenuTool::KelvMenuTool(QIODevice& out, QIODevice& err)
-    : m_out(out)
+KelvMenuTool::KelvMenuTool(QIODevice& in, QIODevice& out, QIODevice& err)
+    : m_in(in)
+    , m_out(out)
     , m_err(err)
 {
 }
@@ -73,6 +78,9 @@ int KelvMenuTool::run(const QStringList& arguments)
     }
     if (command == QLatin1String("tree")) {
         return runTree(rest);
+    }
+    if (command == QLatin1String("edit")) {
+        return runEdit(rest);
     }
     if (command.startsWith(QLatin1Char('-'))) {
         return usageError(QString(), QStringLiteral("unknown option '%1'").arg(command));
@@ -187,6 +195,83 @@ int KelvMenuTool::runTree(const QStringList& arguments)
         return readCode;
     }
     print(menuTreeListing(document));
+    return ExitCode::Success;
+}
+
+int KelvMenuTool::runEdit(const QStringList& arguments)
+{
+    const QString command = QStringLiteral("edit");
+    QCommandLineParser parser;
+    parser.addOption(detectLinksOption());
+    parser.addOption(QCommandLineOption(QStringLiteral("copy-command-dup")));
+    parser.addOption(QCommandLineOption(QStringLiteral("dump")));
+    parser.addOption(outputOption());
+    if (const auto ended = parseArguments(parser, command, arguments, UsageText::edit())) {
+        return *ended;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 2) {
+        return usageError(
+            command, files.size() < 2 ? QStringLiteral("missing FILE or OPS") : QStringLiteral("too many arguments"));
+    }
+    const bool dump = parser.isSet(QStringLiteral("dump"));
+    if (dump && parser.isSet(QStringLiteral("output"))) {
+        return usageError(command, QStringLiteral("--dump prints the result, -o writes it: give one of them"));
+    }
+    const QString path = files.at(0);
+    const QString opsPath = files.at(1);
+    const QString outputPath = parser.isSet(QStringLiteral("output")) ? parser.value(QStringLiteral("output")) : path;
+    if (outputPath.isEmpty()) {
+        return usageError(command, QStringLiteral("empty file name after -o"));
+    }
+
+    // The whole script is checked before the menu is touched, so a malformed one changes nothing.
+    QByteArray opsBytes;
+    if (opsPath == QLatin1String("-")) {
+        opsBytes = m_in.readAll();
+    } else {
+        QFile opsFile(opsPath);
+        if (!opsFile.open(QIODevice::ReadOnly)) {
+            return usageError(command, QStringLiteral("cannot read OPS %1: %2").arg(opsPath, opsFile.errorString()));
+        }
+        opsBytes = opsFile.readAll();
+    }
+    QString parseError;
+    const QList<ScriptOperation> operations = EditScriptParser::parse(opsBytes, parseError);
+    if (!parseError.isEmpty()) {
+        return usageError(command, parseError);
+    }
+
+    MenuDocument document;
+    const int readCode = readOrReport(path, parser.isSet(QStringLiteral("detect-links")), document);
+    if (readCode != ExitCode::Success) {
+        return readCode;
+    }
+    ScriptedEditor editor(document, parser.isSet(QStringLiteral("copy-command-dup")));
+    for (qsizetype i = 0; i < operations.size(); ++i) {
+        const ScriptOperation& operation = operations.at(i);
+        const QString number = QString::number(i + 1);
+        const bool ran = editor.run(operation);
+        const QStringList messages = editor.messages();
+        for (const QString& message : messages) {
+            printError(QStringLiteral("%1: operation %2: %3\n").arg(path, number, message));
+        }
+        if (!ran) {
+            printError(QStringLiteral("%1: operation %2 (%3): %4\n").arg(path, number, operation.op, editor.failure()));
+            return ExitCode::Refused;
+        }
+    }
+
+    if (dump) {
+        m_out.write(menuDocumentJson(editor.document()));
+        return ExitCode::Success;
+    }
+    try {
+        writeMenuFile(editor.document(), outputPath);
+    } catch (const RunTimeError& error) {
+        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
+        return ExitCode::WriteError;
+    }
     return ExitCode::Success;
 }
 

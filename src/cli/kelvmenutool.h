@@ -11,11 +11,12 @@ struct MenuDocument;
 struct MenuReadResult;
 
 /// The kelvmenu program without its process: runs one command line against menu files and says
-/// what to exit with. Results go to `out`, messages and usage errors to `err`, both as UTF-8.
+/// what to exit with. Results go to `out`, messages and usage errors to `err`, both as UTF-8; `in`
+/// is read when a script comes from standard input.
 class KelvMenuTool final
 {
 public:
-    KelvMenuTool(QIODevice& out, QIODevice& err);
+    KelvMenuTool(QIODevice& in, QIODevice& out, QIODevice& err);
 
     /// `arguments` is the command line without the program name. Returns an ExitCode.
     int run(const QStringList& arguments);
@@ -25,6 +26,7 @@ private:
     int runFormat(const QStringList& arguments);
     int runCheck(const QStringList& arguments);
     int runTree(const QStringList& arguments);
+    int runEdit(const QStringList& arguments);
 
     /// Reads `path` as the editor opens it; on failure reports it on `err` and returns the exit code
     /// for it, on success returns ExitCode::Success.
@@ -43,6 +45,7 @@ private:
     void print(const QString& text);
     void printError(const QString& text);
 
+    QIODevice& m_in;
     QIODevice& m_out;
     QIODevice& m_err;
 };

@@ -15,12 +15,14 @@ int main(int argc, char* argv[])
         arguments.append(QFile::decodeName(argv[i]));
     }
 
+    QFile in;
     QFile out;
     QFile err;
-    if (!out.open(stdout, QIODevice::WriteOnly) || !err.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+    if (!in.open(stdin, QIODevice::ReadOnly) || !out.open(stdout, QIODevice::WriteOnly)
+        || !err.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         return ExitCode::WriteError;
     }
-    KelvMenuTool tool(out, err);
+    KelvMenuTool tool(in, out, err);
     const int exitCode = tool.run(arguments);
     out.flush();
     return exitCode;

@@ -10,7 +10,8 @@ QString exitCodes()
                           "  2  usage error: unknown command or option, missing or surplus file name\n"
                           "  3  the file is not a menu file (its first line is not \"KELV - Menu\")\n"
                           "  4  any other read error, including a file that cannot be opened\n"
-                          "  5  the menu file could not be written (an existing file is left untouched)\n");
+                          "  5  the menu file could not be written (an existing file is left untouched)\n"
+                          "  6  edit stopped at an operation the editor refuses or that fails; nothing written\n");
 }
 
 } // namespace
@@ -30,6 +31,7 @@ QString general()
                "  format [--detect-links] FILE [-o OUT] rewrite FILE in the editor's layout, in place or to OUT\n"
                "  check FILE...                         tell for each file whether the editor can open it\n"
                "  tree FILE                             print the item tree with keys, command counts and links\n"
+               "  edit [OPTIONS] FILE OPS               apply editing operations to FILE, as the editor does\n"
                "\n"
                "Run \"kelvmenu COMMAND --help\" for the details of one command.\n"
                "\n")
@@ -129,6 +131,56 @@ QString tree()
                "\n"
                "Options:\n"
                "  -h, --help  show this help\n"
+               "\n")
+        + exitCodes();
+}
+
+QString edit()
+{
+    return QStringLiteral(
+               "Usage: kelvmenu edit [--detect-links] [--copy-command-dup] [--dump] [-o OUT] FILE OPS\n"
+               "\n"
+               "Reads the menu file FILE as the editor opens it and applies the operations of OPS in order,\n"
+               "each exactly as the editor's own command does it when the node of the item with the given\n"
+               "key is the selected node of a tree freshly built from the menu with nothing hidden. The\n"
+               "result is written in the editor's layout over FILE (or to OUT), the new file taking the\n"
+               "place of the old one only once it is complete; with --dump it is printed instead, as\n"
+               "\"kelvmenu dump\" prints a menu.\n"
+               "\n"
+               "OPS is a JSON file (\"-\" for standard input) holding an array of operations, each an object\n"
+               "with \"op\" and the fields of that operation, and no others:\n"
+               "  {\"op\": \"new-item\", \"key\": K, \"caption\": TEXT}  a new item after the siblings of K,\n"
+               "                                                named TEXT (without caption it keeps\n"
+               "                                                \"New Item N\")\n"
+               "  {\"op\": \"rename\", \"key\": K, \"caption\": TEXT}    rename item K\n"
+               "  {\"op\": \"delete\", \"key\": K}                     delete item K with its branch\n"
+               "  {\"op\": \"link\", \"key\": K, \"target\": T}        item K takes the commands of item T\n"
+               "  {\"op\": \"link-on\", \"key\": K}                    switch the link of K on (the copy-command\n"
+               "  {\"op\": \"link-off\", \"key\": K}                   check box), or off; its target is kept\n"
+               "  {\"op\": \"look-for-links\"}                       link every item to the first one with the\n"
+               "                                                same commands (Look for CopyCommand)\n"
+               "  {\"op\": \"uncheck-links\"}                        switch every link off (Uncheck all\n"
+               "                                                CopyCommand)\n"
+               "Keys are the items' keys as \"kelvmenu dump\" prints them (\"E0\", \"E1\", ...); an item created\n"
+               "by new-item takes the next free key, and a deleted item's key is never given out again.\n"
+               "\n"
+               "An operation the editor refuses (it would show an exclamation message), a key that names no\n"
+               "item, or a failing operation stops the run: standard error tells\n"
+               "  FILE: operation N (OP): MESSAGE\n"
+               "and nothing is written or printed (exit code 6). A malformed OPS (not JSON, an unknown\n"
+               "operation, a missing, unknown or mistyped field) is a usage error: nothing runs (exit code 2).\n"
+               "Messages the editor shows on success go to standard error as \"FILE: operation N: TEXT\".\n"
+               "\n"
+               "Options:\n"
+               "  --detect-links      read FILE with the editor's \"check copy commands\" option on\n"
+               "  --copy-command-dup  the \"CopyCommand at Duplication\" check mark is on\n"
+               "  --dump              print the resulting menu as JSON instead of writing it\n"
+               "  -o, --output OUT    write to OUT instead of replacing FILE\n"
+               "  -h, --help          show this help\n"
+               "\n"
+               "Example:\n"
+               "  echo '[{\"op\": \"rename\", \"key\": \"E3\", \"caption\": \"Delete for good\"}]' |\n"
+               "      kelvmenu edit menu.ini -\n"
                "\n")
         + exitCodes();
 }

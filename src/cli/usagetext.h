@@ -9,4 +9,5 @@ QString dump();
 QString format();
 QString check();
 QString tree();
+QString edit();
 } // namespace UsageText

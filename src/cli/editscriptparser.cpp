@@ -1,0 +1,170 @@
+#include "editscriptparser.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonParseError>
+#include <QJsonValue>
+#include <QStringList>
+
+#include <array>
+
+namespace {
+
+enum class FieldType { Text, Boolean, Number };
+
+struct FieldSpec
+{
+    const char* name;
+    FieldType type;
+    bool required;
+};
+
+struct OperationSpec
+{
+    const char* name;
+    std::array<FieldSpec, 4> fields;
+    int fieldCount;
+};
+
+constexpr FieldSpec keyField { "key", FieldType::Text, true };
+
+// The operations and their fields, as the contract of `kelvmenu edit` lists them.
+constexpr std::array<OperationSpec, 8> operationSpecs { {
+    { "new-item", { { keyField, { "caption", FieldType::Text, false } } }, 2 },
+    { "rename", { { keyField, { "caption", FieldType::Text, true } } }, 2 },
+    { "delete", { { keyField } }, 1 },
+    { "link", { { keyField, { "target", FieldType::Text, true } } }, 2 },
+    { "link-on", { { keyField } }, 1 },
+    { "link-off", { { keyField } }, 1 },
+    { "look-for-links", {}, 0 },
+    { "uncheck-links", {}, 0 },
+} };
+
+const OperationSpec* findSpec(const QString& name)
+{
+    for (const OperationSpec& spec : operationSpecs) {
+        if (name == QLatin1String(spec.name)) {
+            return &spec;
+        }
+    }
+    return nullptr;
+}
+
+bool hasType(const QJsonValue& value, FieldType type)
+{
+    switch (type) {
+    case FieldType::Text:
+        return value.isString();
+    case FieldType::Boolean:
+        return value.isBool();
+    case FieldType::Number:
+        return value.isDouble();
+    }
+    return false;
+}
+
+QString typeName(FieldType type)
+{
+    switch (type) {
+    case FieldType::Text:
+        return QStringLiteral("a string");
+    case FieldType::Boolean:
+        return QStringLiteral("true or false");
+    case FieldType::Number:
+        return QStringLiteral("a number");
+    }
+    return QString();
+}
+
+QString operationLabel(int number, const QString& op)
+{
+    return op.isEmpty() ? QStringLiteral("operation %1").arg(number)
+                        : QStringLiteral("operation %1 (%2)").arg(QString::number(number), op);
+}
+
+} // namespace
+
+QList<ScriptOperation> EditScriptParser::parse(const QByteArray& json, QString& error)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        error = QStringLiteral("OPS is not JSON: %1 at offset %2")
+                    .arg(parseError.errorString(), QString::number(parseError.offset));
+        return {};
+    }
+    if (!document.isArray()) {
+        error = QStringLiteral("OPS must be a JSON array of operations");
+        return {};
+    }
+
+    QList<ScriptOperation> operations;
+    const QJsonArray array = document.array();
+    for (qsizetype i = 0; i < array.size(); ++i) {
+        const int number = int(i + 1);
+        if (!array.at(i).isObject()) {
+            error = QStringLiteral("%1: not a JSON object").arg(operationLabel(number, QString()));
+            return {};
+        }
+        const QJsonObject object = array.at(i).toObject();
+        if (!object.value(QLatin1String("op")).isString()) {
+            error = QStringLiteral("%1: \"op\" must name the operation").arg(operationLabel(number, QString()));
+            return {};
+        }
+        ScriptOperation operation;
+        operation.op = object.value(QLatin1String("op")).toString();
+        const OperationSpec* spec = findSpec(operation.op);
+        if (spec == nullptr) {
+            error = QStringLiteral("%1: unknown operation \"%2\"").arg(operationLabel(number, QString()), operation.op);
+            return {};
+        }
+        const QString label = operationLabel(number, operation.op);
+        const QStringList names = object.keys();
+        for (const QString& name : names) {
+            bool known = name == QLatin1String("op");
+            for (int f = 0; f < spec->fieldCount && !known; ++f) {
+                known = name == QLatin1String(spec->fields[std::size_t(f)].name);
+            }
+            if (!known) {
+                error = QStringLiteral("%1: unknown field \"%2\"").arg(label, name);
+                return {};
+            }
+        }
+        for (int f = 0; f < spec->fieldCount; ++f) {
+            const FieldSpec& field = spec->fields[std::size_t(f)];
+            const QString name = QLatin1String(field.name);
+            if (!object.contains(name)) {
+                if (field.required) {
+                    error = QStringLiteral("%1: missing field \"%2\"").arg(label, name);
+                    return {};
+                }
+                continue;
+            }
+            const QJsonValue value = object.value(name);
+            if (!hasType(value, field.type)) {
+                error = QStringLiteral("%1: field \"%2\" must be %3").arg(label, name, typeName(field.type));
+                return {};
+            }
+            if (name == QLatin1String("key")) {
+                operation.key = value.toString();
+            } else if (name == QLatin1String("caption")) {
+                operation.caption = value.toString();
+                operation.hasCaption = true;
+            } else if (name == QLatin1String("target")) {
+                operation.target = value.toString();
+            }
+        }
+        operations.append(operation);
+    }
+    return operations;
+}
+
+QStringList EditScriptParser::operationNames()
+{
+    QStringList names;
+    for (const OperationSpec& spec : operationSpecs) {
+        names.append(QLatin1String(spec.name));
+    }
+    return names;
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+/// One operation of a `kelvmenu edit` script: the JSON object of the OPS array, checked and read.
+/// Which fields an operation carries is told by its name (see EditScriptParser).
+struct ScriptOperation
+{
+    /// The operation's name, e.g. "new-item".
+    QString op;
+    /// The key of the item whose node is the selected node when the operation runs.
+    QString key;
+    /// The label typed after New Item (when hasCaption), or the new caption of Rename.
+    QString caption;
+    bool hasCaption = false;
+    /// The item clicked as the link target.
+    QString target;
+};

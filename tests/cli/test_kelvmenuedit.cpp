@@ -1,0 +1,361 @@
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+struct RunResult
+{
+    bool finished = false;
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+QByteArray fileBytes(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return QByteArray("<cannot open ") + QFile::encodeName(path) + '>';
+    }
+    return file.readAll();
+}
+
+QJsonObject object(const QByteArray& json)
+{
+    return QJsonDocument::fromJson(json).object();
+}
+
+QJsonObject itemWithKey(const QJsonObject& document, const QString& key)
+{
+    const QJsonArray items = document.value(QStringLiteral("items")).toArray();
+    for (const QJsonValue& item : items) {
+        if (item.toObject().value(QStringLiteral("key")).toString() == key) {
+            return item.toObject();
+        }
+    }
+    return {};
+}
+
+QJsonArray commandsOf(const QJsonObject& item)
+{
+    return item.value(QStringLiteral("commands")).toArray();
+}
+
+} // namespace
+
+/// `kelvmenu edit` run as scripts run it: the built program, its exit code, its output and the
+/// files it leaves.
+class TestKelvMenuEdit : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_dir;
+
+    QString path(const QString& name) const { return m_dir->filePath(name); }
+
+    RunResult run(const QStringList& arguments, const QByteArray& input = QByteArray()) const
+    {
+        RunResult result;
+        QProcess process;
+        process.setWorkingDirectory(m_dir->path());
+        process.start(QStringLiteral(KELVMENU_PATH), arguments);
+        process.write(input);
+        process.closeWriteChannel();
+        result.finished = process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit;
+        result.exitCode = process.exitCode();
+        result.out = process.readAllStandardOutput();
+        result.err = process.readAllStandardError();
+        return result;
+    }
+
+    /// `kelvmenu edit [options] archive.ini -` with `ops` on standard input.
+    RunResult edit(const QByteArray& ops, const QStringList& options = {}) const
+    {
+        return run(QStringList { QStringLiteral("edit") } + options
+                       + QStringList { QStringLiteral("archive.ini"), QStringLiteral("-") },
+                   ops);
+    }
+
+    /// The menu as `kelvmenu dump` reads it now.
+    QJsonObject dumpOf(const QString& name) const
+    {
+        const RunResult result = run({ QStringLiteral("dump"), name });
+        return result.exitCode == 0 ? object(result.out) : QJsonObject();
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY2(QFile::exists(QStringLiteral(KELVMENU_PATH)), KELVMENU_PATH); }
+
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_dir->isValid());
+        // Archive (E0) with Pack (E1) and Unpack (E2), which hold the same two commands, then
+        // Delete (E3) with one command.
+        QVERIFY(
+            QFile::copy(QStringLiteral(KELV_TEST_DATA_DIR "/cli/archive.ini"), path(QStringLiteral("archive.ini"))));
+        QFile::setPermissions(path(QStringLiteral("archive.ini")), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
+
+    void cleanup() { m_dir.reset(); }
+
+    void aNewItemNamedInTheScriptIsWrittenOverTheFile()
+    {
+        const RunResult result = edit(R"([{"op": "new-item", "key": "E1", "caption": "Test"}])");
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.out.isEmpty());
+        QVERIFY(result.err.isEmpty());
+        const QByteArray written = fileBytes(path(QStringLiteral("archive.ini")));
+        QVERIFY(written.contains("\xB7\xB7\xB7Unpack\r\n\xB7\xB7\xB7Test\r\nDelete\r\n"));
+    }
+
+    void theDumpShowsTheDocumentAsTheEditorHoldsIt()
+    {
+        const RunResult result
+            = edit(R"([{"op": "new-item", "key": "E1"}, {"op": "delete", "key": "E0"}])", { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject document = object(result.out);
+        // Keys stay with their items and are never given out twice.
+        QCOMPARE(document.value(QStringLiteral("lastIndex")).toInt(), 4);
+        const QJsonArray items = document.value(QStringLiteral("items")).toArray();
+        QCOMPARE(items.size(), 1);
+        const QJsonObject remaining = items.at(0).toObject();
+        QCOMPARE(remaining.value(QStringLiteral("key")).toString(), QStringLiteral("E3"));
+        QCOMPARE(remaining.value(QStringLiteral("siblingOrder")).toInt(), 1);
+        // Nothing was written.
+        QCOMPARE(dumpOf(QStringLiteral("archive.ini")).value(QStringLiteral("items")).toArray().size(), 4);
+    }
+
+    void aNewItemIsTheLastSiblingAndKeepsItsNameWithoutACaption()
+    {
+        const RunResult result = edit(R"([{"op": "new-item", "key": "E1"}])", { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject document = object(result.out);
+        const QJsonObject created = itemWithKey(document, QStringLiteral("E4"));
+        QCOMPARE(created.value(QStringLiteral("caption")).toString(), QStringLiteral("New Item 5"));
+        QCOMPARE(created.value(QStringLiteral("parent")).toInt(), 0);
+        QCOMPARE(created.value(QStringLiteral("siblingOrder")).toInt(), 3);
+        QCOMPARE(created.value(QStringLiteral("level")).toInt(), 0);
+        QCOMPARE(created.value(QStringLiteral("copyKey")).toString(), QString());
+        QCOMPARE(itemWithKey(document, QStringLiteral("E0")).value(QStringLiteral("childCount")).toInt(), 3);
+    }
+
+    void renameStoresTheCaptionExactly()
+    {
+        const RunResult result = edit(R"([{"op": "rename", "key": "E3", "caption": " Erase  "},
+                                          {"op": "rename", "key": "E2", "caption": ""}])",
+                                      { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject document = object(result.out);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E3")).value(QStringLiteral("caption")).toString(),
+                 QStringLiteral(" Erase  "));
+        QCOMPARE(itemWithKey(document, QStringLiteral("E2")).value(QStringLiteral("caption")).toString(), QString());
+    }
+
+    void deleteRemovesTheBranchAndMovesTheLastItemIntoItsSlot()
+    {
+        const RunResult result = edit(R"([{"op": "delete", "key": "E1"}])", { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonArray items = object(result.out).value(QStringLiteral("items")).toArray();
+        QCOMPARE(items.size(), 3);
+        QCOMPARE(items.at(1).toObject().value(QStringLiteral("key")).toString(), QStringLiteral("E3"));
+        QCOMPARE(items.at(2).toObject().value(QStringLiteral("key")).toString(), QStringLiteral("E2"));
+        QCOMPARE(items.at(2).toObject().value(QStringLiteral("siblingOrder")).toInt(), 1);
+    }
+
+    void aLinkIsWrittenAsItsTargetsCommands()
+    {
+        const RunResult result = edit(R"([{"op": "link", "key": "E3", "target": "E1"}])");
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject reread = dumpOf(QStringLiteral("archive.ini"));
+        QCOMPARE(commandsOf(itemWithKey(reread, QStringLiteral("E3"))),
+                 commandsOf(itemWithKey(reread, QStringLiteral("E1"))));
+
+        const RunResult dumped = run(
+            { QStringLiteral("edit"), QStringLiteral("--dump"), QStringLiteral("archive.ini"), QStringLiteral("-") },
+            R"([{"op": "link", "key": "E0", "target": "E3"}])");
+        QCOMPARE(dumped.exitCode, 0);
+        const QJsonObject archive = itemWithKey(object(dumped.out), QStringLiteral("E0"));
+        QCOMPARE(archive.value(QStringLiteral("copyKey")).toString(), QStringLiteral("E3"));
+        QVERIFY(archive.value(QStringLiteral("copiesCommands")).toBool());
+    }
+
+    void switchingALinkOffKeepsItsTarget()
+    {
+        const RunResult result = edit(R"([{"op": "link-off", "key": "E2"}])",
+                                      { QStringLiteral("--detect-links"), QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject unpack = itemWithKey(object(result.out), QStringLiteral("E2"));
+        QVERIFY(!unpack.value(QStringLiteral("copiesCommands")).toBool());
+        QCOMPARE(unpack.value(QStringLiteral("copyKey")).toString(), QStringLiteral("E1"));
+
+        const RunResult again = edit(R"([{"op": "link-off", "key": "E2"}, {"op": "link-on", "key": "E2"}])",
+                                     { QStringLiteral("--detect-links"), QStringLiteral("--dump") });
+        QCOMPARE(again.exitCode, 0);
+        QVERIFY(itemWithKey(object(again.out), QStringLiteral("E2")).value(QStringLiteral("copiesCommands")).toBool());
+    }
+
+    void lookForLinksAndUncheckLinks()
+    {
+        const RunResult found = edit(R"([{"op": "look-for-links"}])", { QStringLiteral("--dump") });
+        QCOMPARE(found.exitCode, 0);
+        const QJsonObject unpack = itemWithKey(object(found.out), QStringLiteral("E2"));
+        QVERIFY(unpack.value(QStringLiteral("copiesCommands")).toBool());
+        QCOMPARE(unpack.value(QStringLiteral("copyKey")).toString(), QStringLiteral("E1"));
+
+        const RunResult cleared
+            = edit(R"([{"op": "look-for-links"}, {"op": "uncheck-links"}])", { QStringLiteral("--dump") });
+        QCOMPARE(cleared.exitCode, 0);
+        const QJsonObject unchecked = itemWithKey(object(cleared.out), QStringLiteral("E2"));
+        QVERIFY(!unchecked.value(QStringLiteral("copiesCommands")).toBool());
+        QCOMPARE(unchecked.value(QStringLiteral("copyKey")).toString(), QStringLiteral("E1"));
+    }
+
+    void refusalsStopTheRunAndWriteNothing_data()
+    {
+        QTest::addColumn<QByteArray>("ops");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("the item itself as target")
+            << QByteArray(
+                   R"([{"op": "rename", "key": "E0", "caption": "x"}, {"op": "link", "key": "E1", "target": "E1"}])")
+            << QByteArray("archive.ini: operation 2 (link): You must select an item with copycommand option unchecked "
+                          "and not the same one !\n");
+        QTest::newRow("a link as target")
+            << QByteArray(
+                   R"([{"op": "link", "key": "E3", "target": "E2"}, {"op": "link", "key": "E0", "target": "E3"}])")
+            << QByteArray("archive.ini: operation 2 (link): You must select an item with copycommand option unchecked "
+                          "and not the same one !\n");
+        QTest::newRow("switched on without a target")
+            << QByteArray(R"([{"op": "link-on", "key": "E3"}])")
+            << QByteArray("archive.ini: operation 1 (link-on): Select an item to copy command before !\n");
+        QTest::newRow("a key that names no item")
+            << QByteArray(R"([{"op": "delete", "key": "E9"}])")
+            << QByteArray("archive.ini: operation 1 (delete): no item has the key \"E9\"\n");
+        QTest::newRow("a deleted key") << QByteArray(
+            R"([{"op": "delete", "key": "E1"}, {"op": "rename", "key": "E1", "caption": "x"}])")
+                                       << QByteArray("archive.ini: operation 2 (rename): no item has the key \"E1\"\n");
+        QTest::newRow("the root") << QByteArray(R"([{"op": "new-item", "key": "Root"}])")
+                                  << QByteArray(
+                                         "archive.ini: operation 1 (new-item): the root node belongs to no item\n");
+        QTest::newRow("a target that names no item")
+            << QByteArray(R"([{"op": "link", "key": "E3", "target": "E7"}])")
+            << QByteArray("archive.ini: operation 1 (link): no item has the key \"E7\"\n");
+    }
+
+    void refusalsStopTheRunAndWriteNothing()
+    {
+        QFETCH(QByteArray, ops);
+        QFETCH(QByteArray, message);
+        const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));
+        const RunResult result = edit(ops);
+        QCOMPARE(result.exitCode, 6);
+        QCOMPARE(result.err, message);
+        QVERIFY(result.out.isEmpty());
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), before);
+
+        const RunResult dumped = edit(ops, { QStringLiteral("--detect-links"), QStringLiteral("--dump") });
+        QCOMPARE(dumped.exitCode, 6);
+        QVERIFY(dumped.out.isEmpty());
+    }
+
+    void malformedScriptsAreUsageErrors_data()
+    {
+        QTest::addColumn<QByteArray>("ops");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("not JSON") << QByteArray("[{\"op\": ") << QByteArray("OPS is not JSON");
+        QTest::newRow("not an array") << QByteArray(R"({"op": "delete", "key": "E1"})")
+                                      << QByteArray("OPS must be a JSON array");
+        QTest::newRow("not an object") << QByteArray(R"(["delete"])") << QByteArray("operation 1: not a JSON object");
+        QTest::newRow("no op") << QByteArray(R"([{"key": "E1"}])") << QByteArray("operation 1: \"op\"");
+        QTest::newRow("unknown op") << QByteArray(R"([{"op": "delete", "key": "E1"}, {"op": "explode"}])")
+                                    << QByteArray("operation 2: unknown operation \"explode\"");
+        QTest::newRow("missing field") << QByteArray(R"([{"op": "rename", "key": "E1"}])")
+                                       << QByteArray("operation 1 (rename): missing field \"caption\"");
+        QTest::newRow("mistyped field") << QByteArray(R"([{"op": "delete", "key": 1}])")
+                                        << QByteArray("operation 1 (delete): field \"key\" must be a string");
+        QTest::newRow("unknown field") << QByteArray(R"([{"op": "delete", "key": "E1", "kye": "E2"}])")
+                                       << QByteArray("operation 1 (delete): unknown field \"kye\"");
+    }
+
+    void malformedScriptsAreUsageErrors()
+    {
+        QFETCH(QByteArray, ops);
+        QFETCH(QByteArray, message);
+        const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));
+        const RunResult result = edit(ops);
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY2(result.err.contains(message), result.err.constData());
+        QVERIFY(result.out.isEmpty());
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), before);
+    }
+
+    void theScriptMayComeFromAFileAndTheResultGoToAnother()
+    {
+        QFile ops(path(QStringLiteral("ops.json")));
+        QVERIFY(ops.open(QIODevice::WriteOnly));
+        ops.write(R"([{"op": "rename", "key": "E0", "caption": "Archives"}])");
+        ops.close();
+        const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));
+        const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("-o"), QStringLiteral("out.ini"),
+                                       QStringLiteral("archive.ini"), QStringLiteral("ops.json") });
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), before);
+        QVERIFY(fileBytes(path(QStringLiteral("out.ini"))).startsWith("KELV - Menu\r\n\r\n[Menu]\r\n\r\nArchives\r\n"));
+    }
+
+    void anEmptyScriptRewritesTheFileInTheEditorsLayout()
+    {
+        const RunResult result = edit("[]");
+        QCOMPARE(result.exitCode, 0);
+        const RunResult formatted = run({ QStringLiteral("format"), QStringLiteral("archive.ini"), QStringLiteral("-o"),
+                                          QStringLiteral("formatted.ini") });
+        QCOMPARE(formatted.exitCode, 0);
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), fileBytes(path(QStringLiteral("formatted.ini"))));
+    }
+
+    void readFailuresAndUsageErrorsKeepTheirCodes()
+    {
+        QFile broken(path(QStringLiteral("broken.ini")));
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("not a menu\r\n");
+        broken.close();
+        QCOMPARE(run({ QStringLiteral("edit"), QStringLiteral("broken.ini"), QStringLiteral("-") }, "[]").exitCode, 3);
+        QCOMPARE(run({ QStringLiteral("edit"), QStringLiteral("absent.ini"), QStringLiteral("-") }, "[]").exitCode, 4);
+        QCOMPARE(run({ QStringLiteral("edit"), QStringLiteral("archive.ini") }).exitCode, 2);
+        QCOMPARE(run({ QStringLiteral("edit"), QStringLiteral("archive.ini"), QStringLiteral("absent.json") }).exitCode,
+                 2);
+        QCOMPARE(run({ QStringLiteral("edit"), QStringLiteral("--dump"), QStringLiteral("-o"), QStringLiteral("x.ini"),
+                       QStringLiteral("archive.ini"), QStringLiteral("-") },
+                     "[]")
+                     .exitCode,
+                 2);
+        QCOMPARE(run({ QStringLiteral("edit"), QStringLiteral("--frobnicate"), QStringLiteral("archive.ini"),
+                       QStringLiteral("-") },
+                     "[]")
+                     .exitCode,
+                 2);
+    }
+
+    void helpDescribesTheContract()
+    {
+        const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("--help") });
+        QCOMPARE(result.exitCode, 0);
+        for (const char* word : { "new-item", "rename", "delete", "link", "link-on", "link-off", "look-for-links",
+                                  "uncheck-links", "--copy-command-dup", "--dump", "operation N (OP)" }) {
+            QVERIFY2(result.out.contains(word), word);
+        }
+        QVERIFY(run({ QStringLiteral("--help") }).out.contains("6  edit stopped"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestKelvMenuEdit)
+#include "test_kelvmenuedit.moc"
