@@ -373,14 +373,18 @@ void EditorWindow::cmdChangeCopy_Click()
 
 void EditorWindow::showChoosingColour(bool choosing)
 {
-    QPalette palette = QApplication::palette(m_cmdChangeCopy);
-    if (choosing) {
-        palette.setColor(QPalette::Button, choosingColour());
+    if (!choosing) {
+        // The style sheet goes first: taking it away brings back the palette it was put on.
+        m_cmdChangeCopy->setStyleSheet(QString());
+        m_cmdChangeCopy->setPalette(QPalette());
+        return;
     }
+    QPalette palette = m_cmdChangeCopy->palette();
+    palette.setColor(QPalette::Button, choosingColour());
     m_cmdChangeCopy->setPalette(palette);
     // Styles that draw buttons themselves take the colour from a style sheet only.
     m_cmdChangeCopy->setStyleSheet(
-        choosing ? QStringLiteral("QPushButton { background-color: %1; }").arg(choosingColour().name()) : QString());
+        QStringLiteral("QPushButton { background-color: %1; }").arg(choosingColour().name()));
 }
 
 void EditorWindow::showNoItem()

@@ -650,7 +650,11 @@ void MainWindow::recordSnapshot(qint16 index)
 
 bool MainWindow::runGuarded(const std::function<void()>& operation)
 {
-    const bool completed = runEditingOperation(m_undoErrorReport, operation);
+    const bool completed = runEditingOperation(m_undoErrorReport, [this, &operation] {
+        operation();
+        // The autosave file of the edit's snapshot is part of the edit: a failed write fails it.
+        m_undoManager.completeAutosave();
+    });
     // Every recorded edit marks the document unsaved and an undone failure may mark it saved
     // again; Save (and Ctrl+S) follows at once, as does every entry that depends on the selection.
     updateMenus();

@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QDir>
 #include <QFile>
+#include <QTest>
 
 GuiSandbox::GuiSandbox()
 {
@@ -91,4 +92,28 @@ MainWindow& GuiSandbox::window()
 QAction* GuiSandbox::action(const QString& name)
 {
     return window().findChild<QAction*>(name);
+}
+
+void GuiSandbox::trigger(const QString& name)
+{
+    QAction* entry = action(name);
+    QVERIFY2(entry, qPrintable(name));
+    QVERIFY2(entry->isEnabled(), qPrintable(name + QStringLiteral(" is off")));
+    entry->trigger();
+}
+
+qint16 GuiSandbox::openMenu(const QString& fileName, const QStringList& itemLines, const QStringList& commandLines)
+{
+    const QString path = writeFile(menuPath(fileName), menuBytes(itemLines, commandLines));
+    if (path.isEmpty()) {
+        return 0;
+    }
+    return window().openMenu(path, fileName);
+}
+
+bool GuiSandbox::showWindow()
+{
+    window().show();
+    window().activateWindow();
+    return QTest::qWaitForWindowActive(&window());
 }

@@ -47,6 +47,14 @@ public:
 
     /// The main window's menu entry named `name`; null when there is none.
     QAction* action(const QString& name);
+    /// Triggers the main window's menu entry `name`, as a click on it would.
+    void trigger(const QString& name);
+
+    /// Writes a menu file of `itemLines` and `commandLines` (see menuBytes) under `fileName` in the
+    /// menu folder and opens it in the main window. Returns its document index (0 on failure).
+    qint16 openMenu(const QString& fileName, const QStringList& itemLines, const QStringList& commandLines = {});
+    /// Shows the main window and waits until it is the active window, so that focus and keys work.
+    bool showWindow();
 
 private:
     QTemporaryDir m_root;

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "app/itemtree.h"
+
+#include <QLineEdit>
+#include <QString>
+#include <QStringList>
+#include <QTest>
+#include <QTreeWidgetItem>
+
+#include <functional>
+#include <initializer_list>
+
+/// Helpers for tests that drive an item tree as a user would.
+namespace TreeHelpers {
+
+/// Texts written as plain literals in a test.
+inline QStringList texts(std::initializer_list<const char*> list)
+{
+    QStringList result;
+    for (const char* text : list) {
+        result.append(QString::fromUtf8(text));
+    }
+    return result;
+}
+
+/// The texts of the tree's nodes, parents before children, each indented two blanks per level.
+inline QStringList nodeOutline(const ItemTree& tree)
+{
+    QStringList lines;
+    std::function<void(const QTreeWidgetItem*, int)> walk = [&lines, &walk](const QTreeWidgetItem* node, int depth) {
+        lines.append(QString(depth * 2, QLatin1Char(' ')) + node->text(0));
+        for (int c = 0; c < node->childCount(); ++c) {
+            walk(node->child(c), depth + 1);
+        }
+    };
+    for (int t = 0; t < tree.topLevelItemCount(); ++t) {
+        walk(tree.topLevelItem(t), 0);
+    }
+    return lines;
+}
+
+/// The keys of the tree's nodes in the order they were added (node 1 first).
+inline QStringList nodeKeys(const ItemTree& tree)
+{
+    QStringList keys;
+    for (int n = 1; n <= tree.nodeCount(); ++n) {
+        keys.append(tree.keyOf(tree.node(n)));
+    }
+    return keys;
+}
+
+/// A mouse click on the node `key`, as the user makes it.
+inline void clickNode(ItemTree& tree, const QString& key)
+{
+    QTreeWidgetItem* node = tree.nodeByKey(key);
+    QVERIFY2(node, qPrintable(key));
+    tree.scrollToItem(node);
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, Qt::NoModifier, tree.visualItemRect(node).center());
+}
+
+/// The open label editor of the tree; null when no label is being edited.
+inline QLineEdit* labelEditor(const ItemTree& tree)
+{
+    const QList<QLineEdit*> editors = tree.viewport()->findChildren<QLineEdit*>();
+    for (QLineEdit* editor : editors) {
+        if (editor->isVisible()) {
+            return editor;
+        }
+    }
+    return nullptr;
+}
+
+inline QColor colourOf(const ItemTree& tree, const QString& key)
+{
+    return tree.nodeByKey(key)->foreground(0).color();
+}
+
+inline bool isBold(const ItemTree& tree, const QString& key)
+{
+    return tree.nodeByKey(key)->font(0).bold();
+}
+
+} // namespace TreeHelpers

@@ -1,0 +1,198 @@
+#include "sessionfixture.h"
+
+#include "editing/itemcreation.h"
+#include "editing/itemdeletion.h"
+#include "editing/linkediting.h"
+#include "model/errortable.h"
+#include "model/menudocument.h"
+
+#include <QTest>
+
+namespace {
+
+MenuItem topItem(const QString& caption, int number, const QList<Command>& commands = {})
+{
+    MenuItem item;
+    item.caption = caption;
+    item.key = QStringLiteral("E%1").arg(number);
+    item.parent = -1;
+    item.siblingOrder = qint16(number + 1);
+    item.commands = MenuItem::placeholderCommands() + commands;
+    return item;
+}
+
+/// Alpha (E0, one command), Beta (E1), Gamma (E2, a link to Alpha).
+MenuDocument threeItems()
+{
+    MenuDocument document;
+    const Command open { QStringLiteral("txt"), QStringLiteral("notepad $fs-001$") };
+    document.items = { topItem(QStringLiteral("Alpha"), 0, { open }), topItem(QStringLiteral("Beta"), 1),
+                       topItem(QStringLiteral("Gamma"), 2, { open }) };
+    document.items[2].copiesCommands = true;
+    document.items[2].copyKey = QStringLiteral("E0");
+    document.lastIndex = 2;
+    return document;
+}
+
+} // namespace
+
+class TestEditingSession : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anOperationOnAnItemNeedsAnItemNodeSelected()
+    {
+        SessionFixture f;
+        f.open(threeItems());
+        const MenuDocument before = f.document();
+        f.view.selected = SelectedNode();
+        QVERIFY(!f.session.run(EditOperations::deleteItem));
+        f.view.select(SelectedNode::rootKey());
+        QVERIFY(!f.session.run(EditOperations::deleteItem));
+        QVERIFY(!f.session.run(EditOperations::newItem));
+        QCOMPARE(f.document(), before);
+        QCOMPARE(f.undoCount(), 0);
+        QVERIFY(f.view.updates.isEmpty());
+        QVERIFY(f.refusals.isEmpty());
+        // An operation on the whole document runs whatever is selected.
+        QVERIFY(f.session.run(EditOperations::lookForCopyCommand));
+        QCOMPARE(f.view.updates.size(), 1);
+    }
+
+    void nothingRunsWithoutAnEditorWindow()
+    {
+        SessionFixture f;
+        const qint16 index = f.open(threeItems());
+        f.view.select(QStringLiteral("E1"));
+        f.state.clearEditor(index);
+        QVERIFY(!f.session.run(EditOperations::deleteItem));
+        QCOMPARE(f.document().items.size(), 3);
+    }
+
+    void theSnapshotIsRecordedBeforeTheChangeAndTheUpdateReachesTheView()
+    {
+        SessionFixture f;
+        f.open(threeItems());
+        const MenuDocument before = f.document();
+        f.view.select(QStringLiteral("E1"));
+        QVERIFY(f.session.run(EditOperations::deleteItem));
+        QCOMPARE(f.recordedDocuments, QList<MenuDocument>({ before }));
+        QCOMPARE(f.undoCount(), 1);
+        QVERIFY(f.undoEnabled);
+        QCOMPARE(f.document().items.size(), 2);
+        QVERIFY(!f.document().saved);
+
+        MenuDocument expectedDocument = before;
+        SelectedNode selected { QStringLiteral("E1"), SelectedNode::rootKey() };
+        EditingState editing;
+        WindowEditingState window;
+        EditContext context { expectedDocument, selected, EditArguments(), editing, window };
+        const TreeUpdate expectedUpdate = deleteSelectedItem(context);
+        QCOMPARE(f.view.updates, QList<TreeUpdate>({ expectedUpdate }));
+        expectedDocument.saved = false;
+        QCOMPARE(f.document(), expectedDocument);
+    }
+
+    void aRefusalComesBeforeAnythingIsRecorded()
+    {
+        SessionFixture f;
+        f.open(threeItems());
+        const MenuDocument before = f.document();
+        EditArguments arguments;
+        arguments.sourceKey = QStringLiteral("E1");
+        arguments.targetKey = QStringLiteral("E2"); // a link cannot be a target
+        QVERIFY(!f.session.run(EditOperations::chooseLinkTarget, arguments));
+        QCOMPARE(f.refusals,
+                 QStringList({ QStringLiteral("You must select an item with copycommand option unchecked "
+                                              "and not the same one !") }));
+        QCOMPARE(f.undoCount(), 0);
+        QVERIFY(f.view.updates.isEmpty());
+        QCOMPARE(f.document(), before);
+
+        arguments.targetKey = QStringLiteral("E0");
+        QVERIFY(f.session.run(EditOperations::chooseLinkTarget, arguments));
+        QCOMPARE(f.undoCount(), 1);
+        QCOMPARE(f.document().items[1].copyKey, QStringLiteral("E0"));
+    }
+
+    void aRefusalTheOperationShowsItselfCountsAsNotRun()
+    {
+        SessionFixture f;
+        f.open(threeItems());
+        f.view.select(QStringLiteral("E1"));
+        EditArguments arguments;
+        arguments.checked = true;
+        QVERIFY(!f.session.run(EditOperations::switchLink, arguments));
+        QCOMPARE(f.view.updates.size(), 1);
+        QCOMPARE(f.view.updates.first().refusal(), QStringLiteral("Select an item to copy command before !"));
+        QVERIFY(!f.document().items[1].copiesCommands);
+        QCOMPARE(f.undoCount(), 0);
+    }
+
+    void aFailureIsReportedAndTheDocumentUndone()
+    {
+        SessionFixture f;
+        MenuDocument full = threeItems();
+        full.lastIndex = 32767;
+        full.items[0].key = QStringLiteral("E32767");
+        full.items[2].copyKey = QStringLiteral("E32767");
+        f.open(full);
+        const MenuDocument before = f.document();
+        f.view.select(QStringLiteral("E1"));
+        QVERIFY(!f.session.run(EditOperations::newItem));
+        QCOMPARE(
+            f.criticalMessages,
+            QStringList({ QStringLiteral("Error 6 : Overflow (mnuNewItem)\r\nThis error will undo your action") }));
+        QCOMPARE(f.document(), before);
+        QCOMPARE(f.undoCount(), 0);
+        // The failed operation handed nothing to the view.
+        QVERIFY(f.view.updates.isEmpty());
+    }
+
+    void aFailureOfTheViewIsReportedAndUndoneToo()
+    {
+        SessionFixture f;
+        f.open(threeItems());
+        const MenuDocument before = f.document();
+        f.view.onUpdate = [](const TreeUpdate&) {
+            throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QStringLiteral("lstMenu_NodeClick"));
+        };
+        f.view.select(QStringLiteral("E0"));
+        QVERIFY(!f.session.run(EditOperations::deleteItem));
+        QCOMPARE(f.criticalMessages.size(), 1);
+        QVERIFY(f.criticalMessages.first().startsWith(QStringLiteral("Error 9 : Subscript out of range")));
+        QCOMPARE(f.document(), before);
+    }
+
+    void theEndOfALabelEditRecordsOnlyWhenTheTagSaysSo()
+    {
+        SessionFixture f;
+        const qint16 index = f.open(threeItems());
+        f.view.select(QStringLiteral("E1"));
+        QVERIFY(f.session.run(EditOperations::newItem));
+        QCOMPARE(f.undoCount(), 1);
+        const SelectedNode created { QStringLiteral("E3"), SelectedNode::rootKey() };
+        QVERIFY(f.session.runOn(index, created, EditOperations::beginLabelEdit));
+        QVERIFY(!f.state.window(index).labelEditTag);
+        EditArguments text;
+        text.text = QStringLiteral("Delta");
+        QVERIFY(f.session.runOn(index, created, EditOperations::storeLabelEdit, text));
+        QCOMPARE(f.undoCount(), 1);
+        QCOMPARE(f.document().items[3].caption, QStringLiteral("Delta"));
+
+        // A later edit of any item records a step of its own; it names the item it was given, not the
+        // selected one.
+        QVERIFY(f.session.runOn(index, created, EditOperations::beginLabelEdit));
+        QVERIFY(f.state.window(index).labelEditTag);
+        text.text = QStringLiteral("Epsilon");
+        f.view.select(QStringLiteral("E0"));
+        QVERIFY(f.session.runOn(index, created, EditOperations::storeLabelEdit, text));
+        QCOMPARE(f.undoCount(), 2);
+        QCOMPARE(f.document().items[3].caption, QStringLiteral("Epsilon"));
+        QCOMPARE(f.document().items[0].caption, QStringLiteral("Alpha"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEditingSession)
+#include "test_editingsession.moc"

@@ -1,0 +1,104 @@
+#include "core/editmenustate.h"
+
+#include <QTest>
+
+namespace {
+
+EditMenuState::Input input(bool editorActive, bool itemSelected, bool clipboardFilled, bool choosingLinkTarget)
+{
+    EditMenuState::Input result;
+    result.editorActive = editorActive;
+    result.itemSelected = itemSelected;
+    result.clipboardFilled = clipboardFilled;
+    result.choosingLinkTarget = choosingLinkTarget;
+    return result;
+}
+
+} // namespace
+
+class TestEditMenuState : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void entriesFollowWhatTheActiveEditorShows_data()
+    {
+        QTest::addColumn<bool>("editorActive");
+        QTest::addColumn<bool>("itemSelected");
+        QTest::addColumn<bool>("clipboardFilled");
+        QTest::addColumn<bool>("menus");
+        QTest::addColumn<bool>("itemEntries");
+        QTest::addColumn<bool>("paste");
+        QTest::addColumn<bool>("documentEntries");
+        QTest::addColumn<bool>("selectCopy");
+
+        // Inputs (editor active, item selected, clipboard filled), then the five decisions.
+        QTest::newRow("no editor") << false << false << false << true << false << false << false << false;
+        QTest::newRow("no editor, clipboard filled")
+            << false << false << true << true << false << true << false << false;
+        QTest::newRow("no editor, stale item") << false << true << false << true << false << false << false << false;
+        QTest::newRow("no editor, stale item, clipboard")
+            << false << true << true << true << false << true << false << false;
+        QTest::newRow("editor, root selected") << true << false << false << true << false << false << true << false;
+        QTest::newRow("editor, root selected, clipboard")
+            << true << false << true << true << false << true << true << false;
+        QTest::newRow("editor, item selected") << true << true << false << true << true << false << true << true;
+        QTest::newRow("editor, item selected, clipboard")
+            << true << true << true << true << true << true << true << true;
+    }
+
+    void entriesFollowWhatTheActiveEditorShows()
+    {
+        QFETCH(bool, editorActive);
+        QFETCH(bool, itemSelected);
+        QFETCH(bool, clipboardFilled);
+        QFETCH(bool, menus);
+        QFETCH(bool, itemEntries);
+        QFETCH(bool, paste);
+        QFETCH(bool, documentEntries);
+        QFETCH(bool, selectCopy);
+        const EditMenuState state = EditMenuState::decide(input(editorActive, itemSelected, clipboardFilled, false));
+        QCOMPARE(state.menus, menus);
+        QCOMPARE(state.itemEntries, itemEntries);
+        QCOMPARE(state.paste, paste);
+        QCOMPARE(state.documentEntries, documentEntries);
+        QCOMPARE(state.selectCopy, selectCopy);
+    }
+
+    void choosingALinkTargetTurnsEveryMenuOff()
+    {
+        EditMenuState allOff;
+        allOff.menus = false;
+        allOff.itemEntries = false;
+        allOff.paste = false;
+        allOff.documentEntries = false;
+        allOff.selectCopy = false;
+        for (int bits = 0; bits < 8; ++bits) {
+            const EditMenuState state
+                = EditMenuState::decide(input((bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, true));
+            QVERIFY2(state == allOff, qPrintable(QStringLiteral("inputs %1").arg(bits)));
+        }
+    }
+
+    void pasteStaysOnWithoutAnEditorOnceTheClipboardIsFilled()
+    {
+        const EditMenuState state = EditMenuState::decide(input(false, false, true, false));
+        QVERIFY(state.menus);
+        QVERIFY(state.paste);
+        QVERIFY(!state.documentEntries);
+        QVERIFY(!state.itemEntries);
+    }
+
+    void nothingOpenLeavesOnlyTheMenusOn()
+    {
+        const EditMenuState state = EditMenuState::decide(EditMenuState::Input {});
+        QVERIFY(state.menus);
+        QVERIFY(!state.itemEntries);
+        QVERIFY(!state.paste);
+        QVERIFY(!state.documentEntries);
+        QVERIFY(!state.selectCopy);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEditMenuState)
+#include "test_editmenustate.moc"
