@@ -16,7 +16,6 @@ const char* const labelEditSource = "lstMenu_AfterLabelEdit";
 TreeUpdate createItem(EditContext& context)
 {
     MenuDocument& document = context.document;
-    context.editing.snapshotNextLabelEdit = false;
 
     const qsizetype count = document.items.size();
     // The new slot starts empty: no link (an empty copyKey, not "-1") and level 0.
@@ -42,6 +41,10 @@ TreeUpdate createItem(EditContext& context)
     } else {
         created.siblingOrder = countTopLevel(document);
     }
+
+    // Naming the new item is part of this undo step. Cleared only once nothing can fail any more: a
+    // failed New Item starts no label edit, and the next one must record its own step.
+    context.editing.snapshotNextLabelEdit = false;
 
     TreeUpdate update;
     update.addNode(parent >= 0 ? context.selected.parentKey : SelectedNode::rootKey(), created.key, created.caption)

@@ -2,6 +2,7 @@
 #include "editing/itemdeletion.h"
 #include "literallinkroutines.h"
 #include "randommenu.h"
+#include "treeupdatetext.h"
 
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
@@ -92,6 +93,28 @@ void verifyFreshItem(const MenuDocument& document)
     QVERIFY(!item.copiesCommands);
     QCOMPARE(item.commands, MenuItem::placeholderCommands());
     QVERIFY(item.lastCopyKey.isEmpty());
+}
+
+/// Delete on the selected item `key` of `document`, in a window where a node was clicked.
+TreeUpdate deleteSelected(MenuDocument& document, EditingState& editing, const char* key, const char* parentKey)
+{
+    WindowEditingState window;
+    window.nodeClicked = true;
+    EditContext context { document, SelectedNode { QString::fromLatin1(key), QString::fromLatin1(parentKey) },
+                          EditArguments {}, editing, window };
+    return deleteSelectedItem(context);
+}
+
+/// What the tree does after removing the node `key` from a menu that keeps other items.
+TreeUpdate removalSteps(const char* key)
+{
+    TreeUpdate update;
+    update.removeNode(QString::fromLatin1(key))
+        .showItemCount()
+        .addNodeWhenOnlyRoot(QStringLiteral("E0"), QStringLiteral("New Item 1"))
+        .recolour()
+        .clickFirstItemNode();
+    return update;
 }
 
 int errorNumberOf(void (*routine)(MenuDocument&, const QString&), MenuDocument& document, const QString& key)
@@ -389,6 +412,85 @@ private Q_SLOTS:
                 QCOMPARE(keys.size(), expected.size());
             }
         }
+    }
+
+    void deleteRemovesTheSelectedNodeAndShowsTheFirstItem()
+    {
+        MenuDocument document = documentOf({ { "E0", -1, 1 }, { "E1", -1, 2 }, { "E2", -1, 3 } }, 2);
+        MenuDocument expected = document;
+        removeItemBranch(expected, QStringLiteral("E1"));
+        EditingState editing;
+        editing.snapshotNextLabelEdit = false;
+        const TreeUpdate update = deleteSelected(document, editing, "E1", "Root");
+        QCOMPARE(update, removalSteps("E1"));
+        QVERIFY(editing.snapshotNextLabelEdit);
+        QVERIFY(document == expected);
+        QCOMPARE(keysInSlotOrder(document), QStringList({ QStringLiteral("E0"), QStringLiteral("E2") }));
+        QCOMPARE(itemWithKey(document, "E2").siblingOrder, qint16(2));
+    }
+
+    void deletingASubmenuRemovesOnlyItsOwnNode()
+    {
+        // The node goes with its subtree, so the children need no steps of their own.
+        MenuDocument document
+            = documentOf({ { "E0", -1, 1 }, { "E1", 0, 1 }, { "E2", 1, 1 }, { "E3", -1, 2 }, { "E4", 0, 2 } }, 4);
+        EditingState editing;
+        const TreeUpdate update = deleteSelected(document, editing, "E0", "Root");
+        QCOMPARE(update, removalSteps("E0"));
+        QCOMPARE(keysInSlotOrder(document), QStringList({ QStringLiteral("E3") }));
+        QCOMPARE(document.items.at(0).siblingOrder, qint16(1));
+        QCOMPARE(document.items.at(0).parent, qint16(-1));
+        QCOMPARE(document.lastIndex, qint16(4));
+    }
+
+    void deletingAChildClosesTheGapAmongItsSiblings()
+    {
+        MenuDocument document = documentOf({ { "E0", -1, 1 }, { "E1", 0, 1 }, { "E2", 0, 2 } }, 2);
+        EditingState editing;
+        const TreeUpdate update = deleteSelected(document, editing, "E1", "E0");
+        QCOMPARE(update, removalSteps("E1"));
+        QCOMPARE(itemWithKey(document, "E0").childCount, qint16(1));
+        QCOMPARE(itemWithKey(document, "E2").siblingOrder, qint16(1));
+    }
+
+    void deletingTheOnlyItemRenamesItsNodeBeforeRemovingIt()
+    {
+        MenuDocument document = documentOf({ { "E5", -1, 1 } }, 5);
+        document.items[0].commands = commandList("del ");
+        EditingState editing;
+        editing.snapshotNextLabelEdit = false;
+        const TreeUpdate update = deleteSelected(document, editing, "E5", "Root");
+        TreeUpdate expected;
+        expected.setNodeText(QStringLiteral("E5"), QStringLiteral("New Item 1"));
+        expected.append(removalSteps("E5"));
+        QCOMPARE(update, expected);
+        QVERIFY(editing.snapshotNextLabelEdit);
+        // The tree says "New Item 1"; the document keeps its own spelling.
+        verifyFreshItem(document);
+        QCOMPARE(document.lastIndex, qint16(5));
+    }
+
+    void deletingAnItemThatIsGoneIsError9()
+    {
+        MenuDocument document = documentOf({ { "E0", -1, 1 }, { "E1", -1, 2 } }, 1);
+        const MenuDocument before = document;
+        EditingState editing;
+        int number = 0;
+        try {
+            deleteSelected(document, editing, "E4", "Root");
+        } catch (const RunTimeError& error) {
+            number = error.number();
+        }
+        QCOMPARE(number, 9);
+        QVERIFY(document == before);
+    }
+
+    void deleteIsDescribedForTheSession()
+    {
+        QCOMPARE(QString::fromLatin1(EditOperations::deleteItem.name), QStringLiteral("delete"));
+        QCOMPARE(EditOperations::deleteItem.needs, EditOperation::Needs::ItemNode);
+        QCOMPARE(EditOperations::deleteItem.recording, EditOperation::Recording::SnapshotBefore);
+        QVERIFY(EditOperations::deleteItem.apply == &deleteSelectedItem);
     }
 };
 
