@@ -33,6 +33,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 #include <QUrl>
 
 namespace {
@@ -85,6 +86,12 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(m_mdiArea);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
+
+    // The autosave file of an edit is written on a second thread; its result is collected soon after.
+    m_autosaveCheck = new QTimer(this);
+    m_autosaveCheck->setSingleShot(true);
+    m_autosaveCheck->setInterval(20);
+    connect(m_autosaveCheck, &QTimer::timeout, this, &MainWindow::checkAutosave);
 
     buildMenus();
     buildStatusBar();
@@ -641,6 +648,28 @@ void MainWindow::mnuRedo_Click()
 {
     m_undoController.mnuRedo_Click();
     updateSaveEntry();
+    watchAutosave();
+}
+
+void MainWindow::watchAutosave()
+{
+    if (m_undoManager.isAutosavePending() && !m_autosaveCheck->isActive()) {
+        m_autosaveCheck->start();
+    }
+}
+
+void MainWindow::checkAutosave()
+{
+    if (!m_undoManager.isAutosavePending()) {
+        return;
+    }
+    if (!m_undoManager.isAutosaveFinished()) {
+        m_autosaveCheck->start();
+        return;
+    }
+    // A file that could not be written fails the edit that recorded its state: it is reported, and
+    // undoing brings back the state before that edit.
+    runGuarded([this] { m_undoManager.completeAutosave(); });
 }
 
 void MainWindow::recordSnapshot(qint16 index)
@@ -650,14 +679,11 @@ void MainWindow::recordSnapshot(qint16 index)
 
 bool MainWindow::runGuarded(const std::function<void()>& operation)
 {
-    const bool completed = runEditingOperation(m_undoErrorReport, [this, &operation] {
-        operation();
-        // The autosave file of the edit's snapshot is part of the edit: a failed write fails it.
-        m_undoManager.completeAutosave();
-    });
+    const bool completed = runEditingOperation(m_undoErrorReport, operation);
     // Every recorded edit marks the document unsaved and an undone failure may mark it saved
     // again; Save (and Ctrl+S) follows at once, as does every entry that depends on the selection.
     updateMenus();
+    watchAutosave();
     return completed;
 }
 

@@ -24,6 +24,7 @@ class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
+class QTimer;
 class RunTimeError;
 class UserPrompts;
 
@@ -89,6 +90,9 @@ public:
     void mnuUndo_Click();
     /// Redoes the active document's last undone edit.
     void mnuRedo_Click();
+    /// Collects the result of the autosave file being written, if it is done: a failed write is
+    /// reported and the edit that recorded its state undone. Runs soon after every edit by itself.
+    void checkAutosave();
     /// Records the undo state of every edit: each editing operation calls this before it changes
     /// document `index`.
     UndoManager& undoManager() { return m_undoManager; }
@@ -167,6 +171,8 @@ private:
     bool confirmQuit();
 
     void showCritical(const QString& text);
+    /// Starts looking out for the result of an autosave file being written.
+    void watchAutosave();
     void syncRecentEntries();
     void openRecent(int entry);
     void showOptions();
@@ -187,6 +193,7 @@ private:
     EditingSession m_session;
 
     QMdiArea* m_mdiArea = nullptr;
+    QTimer* m_autosaveCheck = nullptr;
     QMenu* m_mnuFile = nullptr;
     QMenu* m_mnuEdit = nullptr;
     QMenu* m_mnuWindow = nullptr;

@@ -44,7 +44,6 @@ void UndoController::step(Direction direction)
         } else {
             m_undoManager.redoDocument(index);
         }
-        m_undoManager.completeAutosave();
         MenuDocument& restored = m_documents.document(index);
         restored.hideMode = HideMode::applyModeChange(restored.hideMode, hideMode);
         m_host.regenerateTree(index);

@@ -7,6 +7,7 @@
 
 #include <QDir>
 
+#include <chrono>
 #include <utility>
 
 UndoManager::UndoManager(DocumentList& documents, HistoryTable& histories, QString autosaveFolder, HistoryMenu& menu)
@@ -50,6 +51,11 @@ void UndoManager::completeAutosave()
     if (m_autosave.valid()) {
         m_autosave.get();
     }
+}
+
+bool UndoManager::isAutosaveFinished() const
+{
+    return !m_autosave.valid() || m_autosave.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
 }
 
 void UndoManager::saveRedoState(qint16 index)

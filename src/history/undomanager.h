@@ -13,10 +13,11 @@ class HistoryTable;
 /// entries in step and writes each document's autosave file. Documents and histories are addressed
 /// by the same document index.
 ///
-/// The autosave file of a recorded state is written while the edit that recorded it goes on: the
-/// state is a copy that the edit does not touch, and writing a large menu takes as long as the edit
-/// itself. The edit ends by waiting for the file (completeAutosave), so a failed write is still a
-/// failure of that edit.
+/// The autosave file of a recorded state is written on a second thread while the editor goes on:
+/// the state is a copy that no edit touches, and writing a large menu takes longer than most edits.
+/// The next recorded state waits for it, so files are written in the order of their states, and a
+/// write that failed fails the edit that comes to wait for it (completeAutosave throws), which then
+/// takes the error path and undoes the edit whose file could not be written.
 class UndoManager final
 {
 public:
@@ -32,12 +33,17 @@ public:
     /// Records the current state of document `index` as the newest undo state, before an edit changes
     /// it. `clearRedo` true (every edit) cuts the redo chain; Redo itself records with false. Marks the
     /// document unsaved (the recorded state keeps its own flag) and starts rewriting the autosave file
-    /// with the document as it stands; completeAutosave waits for it.
+    /// with the document as it stands. The file of the state before is waited for first, and its
+    /// failure thrown, before anything is recorded.
     void saveUndoState(qint16 index, bool clearRedo);
     /// Waits until the autosave file of the latest recorded state is written. A failed write throws
-    /// RunTimeError, so the edit that recorded the state takes its error path; the state is recorded
-    /// by then, and undoing brings it back.
+    /// RunTimeError (once), so that the caller takes the error path of editing operations: undoing
+    /// brings back the state before the edit whose file failed.
     void completeAutosave();
+    /// Whether an autosave file is being written or its result has not been collected yet.
+    bool isAutosavePending() const { return m_autosave.valid(); }
+    /// Whether completeAutosave would return (or throw) at once.
+    bool isAutosaveFinished() const;
     /// Records the current state of document `index` as the newest redo state (used by Undo).
     void saveRedoState(qint16 index);
 
