@@ -1,8 +1,8 @@
 // Times the editing operations of an editor window on the largest menus a menu file can hold,
-// through the editing session with the tree patched as the editor does it: Delete of the
-// 10,000-item branch, New Item (with its label edit started), the choice of a link target, and the
-// Undo of each, which rebuilds the tree, beside a plain Refresh of the same menu. Each time includes
-// the snapshot with its autosave write and the paint of the shown window that follows.
+// through the editing session with the tree patched as the editor does it, each with the paint of the
+// shown window that follows: Delete of a 10,000-item branch, New Item (with its label edit started),
+// the choice of a link target, Duplicate, drops within a window and into another one, Move up, and
+// the Undo of each, which rebuilds the tree, beside a plain Refresh of the same menu.
 // Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs]
 
 #include "benchtiming.h"
@@ -16,21 +16,25 @@
 #include "core/userprompts.h"
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
+#include "editing/subtreecopy.h"
 #include "editing/treedisplay.h"
 #include "menufile/menufilewriter.h"
 #include "model/itemlookup.h"
 #include "model/runtimeerror.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTextStream>
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -112,6 +116,282 @@ Timing timeWithUndo(int runs, Prepare prepare, Operation operation, Undo undo)
     return Timing { median(operationTimes), median(undoTimes) };
 }
 
+/// A main window with its own program folder and options, showing a generated menu.
+struct BenchWindow
+{
+    explicit BenchWindow(const MenuGenerator::Options& generatorOptions, bool dragAndDrop = false)
+    {
+        const QString menuPath = folder.filePath(QStringLiteral("menu.ini"));
+        writeMenuFile(MenuGenerator::generate(generatorOptions), menuPath);
+        Options options;
+        options.checkCopyCommand = 1;
+        options.dragNDrop = dragAndDrop ? 1 : 0;
+        store.saveOptions(options);
+        window = std::make_unique<MainWindow>(prompts, store, folder.path());
+        window->show();
+        index = window->openMenu(menuPath, QStringLiteral("menu.ini"));
+        if (index == 0) {
+            throw RunTimeError(0, QStringLiteral("openMenu"), QStringLiteral("the menu did not open"));
+        }
+        paint();
+    }
+
+    EditorWindow* editor() const { return window->editor(index); }
+    ItemTree* tree() const { return editor()->tree(); }
+    const MenuDocument& document() const { return window->state().document(index); }
+    /// A click on the node `key`.
+    void select(const QString& key) const { editor()->lstMenu_NodeClick(tree()->nodeByKey(key)); }
+    void undo() const
+    {
+        window->mnuUndo_Click();
+        paint();
+    }
+    void checkNothingWasSaid() const
+    {
+        if (prompts.messages > 0) {
+            throw RunTimeError(0, QStringLiteral("editing"), prompts.lastText);
+        }
+    }
+
+    QTemporaryDir folder;
+    SilentPrompts prompts;
+    OptionsStore store { folder.filePath(QStringLiteral("options.ini")) };
+    std::unique_ptr<MainWindow> window;
+    qint16 index = 0;
+};
+
+/// Activates the editor window of document `index` as its Window menu entry does.
+void activate(MainWindow& window, qint16 index)
+{
+    window.findChild<QAction*>(QStringLiteral("mnuWindowName") + QString::number(index))->trigger();
+}
+
+void printHeader(QTextStream& out, const QStringList& headers)
+{
+    for (const QString& header : headers) {
+        out << header.rightJustified(10);
+    }
+    out << "\n";
+    out.flush();
+}
+
+/// Delete, New Item and a link choice on 32,767-item menus, beside Refresh.
+void benchTreeEditing(QTextStream& out, int runs)
+{
+    printHeader(out,
+                { QStringLiteral("shape"), QStringLiteral("refresh"), QStringLiteral("delete"), QStringLiteral("undo"),
+                  QStringLiteral("new"), QStringLiteral("undo"), QStringLiteral("link"), QStringLiteral("undo") });
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options generatorOptions;
+        generatorOptions.shape = shape;
+        BenchWindow bench(generatorOptions);
+        EditingSession& session = bench.window->session();
+        const auto undo = [&bench] { bench.undo(); };
+
+        const double refresh = medianMilliseconds(
+            runs, [] {},
+            [&session] {
+                session.run(EditOperations::refreshList);
+                paint();
+            });
+
+        const Timing deleted = timeWithUndo(
+            runs, [&bench] { bench.select(QStringLiteral("E0")); },
+            [&session] {
+                session.run(EditOperations::deleteItem);
+                paint();
+            },
+            undo);
+
+        // A full menu has no room for a new item: its caption's number would overflow, and so would
+        // the number of its node (the root counts as node 1). Two leaves go first.
+        for (int leaves = 0; leaves < 2; ++leaves) {
+            const MenuDocument& document = bench.document();
+            for (int node = 2; node <= bench.tree()->nodeCount(); ++node) {
+                const QString key = bench.tree()->keyOf(bench.tree()->node(node));
+                if (document.items.at(findItemByKey(document, key)).childCount == 0) {
+                    bench.select(key);
+                    session.run(EditOperations::deleteItem);
+                    break;
+                }
+            }
+        }
+        ItemTree* tree = bench.tree();
+        const auto closeLabelEditor = [tree] {
+            if (QLineEdit* labelEditor = tree->viewport()->findChild<QLineEdit*>()) {
+                QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+                QCoreApplication::sendEvent(labelEditor, &escape);
+            }
+        };
+        const Timing created = timeWithUndo(
+            runs, [&bench] { bench.select(QStringLiteral("E20000")); },
+            [&session] {
+                session.run(EditOperations::newItem);
+                paint();
+            },
+            [&closeLabelEditor, &bench] {
+                closeLabelEditor();
+                bench.undo();
+            });
+
+        EditorWindow* editor = bench.editor();
+        auto* button = editor->findChild<QPushButton*>(QStringLiteral("cmdChangeCopy"));
+        const QString source = unlinkedKey(bench.document(), QString());
+        const QString target = unlinkedKey(bench.document(), source);
+        const Timing linked = timeWithUndo(
+            runs,
+            [&bench, &source, button] {
+                bench.select(source);
+                button->setChecked(true);
+            },
+            [editor, tree, &target] {
+                editor->lstMenu_NodeClick(tree->nodeByKey(target));
+                paint();
+            },
+            undo);
+
+        bench.checkNothingWasSaid();
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(refresh) << cell(deleted.operation)
+            << cell(deleted.undo) << cell(created.operation) << cell(created.undo) << cell(linked.operation)
+            << cell(linked.undo) << "\n";
+        out.flush();
+    }
+}
+
+/// Duplicate of a 10,000-item branch in a 20,000-item menu, a drop that moves it within the window
+/// and one that copies it into another window.
+void benchBranchCopies(QTextStream& out, int runs)
+{
+    printHeader(out,
+                { QStringLiteral("shape"), QStringLiteral("refresh"), QStringLiteral("duplicate"),
+                  QStringLiteral("undo"), QStringLiteral("drop move"), QStringLiteral("undo"),
+                  QStringLiteral("drop copy"), QStringLiteral("undo") });
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options generatorOptions;
+        generatorOptions.shape = shape;
+        generatorOptions.itemCount = 20000;
+        BenchWindow bench(generatorOptions, true);
+        EditingSession& session = bench.window->session();
+        const auto undo = [&bench] { bench.undo(); };
+
+        const double refresh = medianMilliseconds(
+            runs, [] {},
+            [&session] {
+                session.run(EditOperations::refreshList);
+                paint();
+            });
+        const Timing duplicated = timeWithUndo(
+            runs, [&bench] { bench.select(QStringLiteral("E0")); },
+            [&session] {
+                session.run(EditOperations::duplicate);
+                paint();
+            },
+            undo);
+
+        // A left-button drag of the branch dropped on the last top-level item.
+        EditorWindow* editor = bench.editor();
+        ItemTree* tree = bench.tree();
+        QTreeWidgetItem* root = tree->node(1);
+        const QString lastTop = tree->keyOf(root->child(root->childCount() - 1));
+        DragState& drag = bench.window->state().editing().drag;
+        const auto startDrag = [&bench, &drag](DragState::Button button) {
+            bench.select(QStringLiteral("E0"));
+            drag.nodeKey = QStringLiteral("E0");
+            drag.document = bench.index;
+            drag.button = button;
+            drag.active = true;
+        };
+        const Timing moved = timeWithUndo(
+            runs, [&startDrag] { startDrag(DragState::Button::Left); },
+            [editor, tree, &lastTop] {
+                editor->lstMenu_OLEDragDrop(tree->nodeByKey(lastTop), QPoint());
+                paint();
+            },
+            undo);
+
+        // A right-button drag into a second window, copying it under that menu's first item.
+        QTemporaryDir otherFolder;
+        const QString otherPath = otherFolder.filePath(QStringLiteral("other.ini"));
+        MenuGenerator::Options small;
+        small.itemCount = 50;
+        small.branchSize = 10;
+        writeMenuFile(MenuGenerator::generate(small), otherPath);
+        const qint16 other = bench.window->openMenu(otherPath, QStringLiteral("other.ini"));
+        bench.window->setMenuPopup(
+            [](QMenu* menu, const QPoint&) { menu->findChild<QAction*>(QStringLiteral("mnuItemCopy"))->trigger(); });
+        EditorWindow* otherEditor = bench.window->editor(other);
+        const Timing copied = timeWithUndo(
+            runs,
+            [&startDrag, &bench] {
+                activate(*bench.window, bench.index);
+                startDrag(DragState::Button::Right);
+            },
+            [otherEditor] {
+                otherEditor->lstMenu_OLEDragDrop(otherEditor->tree()->nodeByKey(QStringLiteral("E0")), QPoint());
+                paint();
+            },
+            [&bench, other] {
+                activate(*bench.window, other);
+                bench.window->mnuUndo_Click();
+                paint();
+            });
+
+        bench.checkNothingWasSaid();
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(refresh) << cell(duplicated.operation)
+            << cell(duplicated.undo) << cell(moved.operation) << cell(moved.undo) << cell(copied.operation)
+            << cell(copied.undo) << "\n";
+        out.flush();
+    }
+}
+
+/// Move up of a leaf and of a submenu among their siblings on 32,767-item menus.
+void benchMoves(QTextStream& out, int runs)
+{
+    printHeader(out,
+                { QStringLiteral("shape"), QStringLiteral("leaf up"), QStringLiteral("leaf down"),
+                  QStringLiteral("menu up"), QStringLiteral("menu down") });
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options generatorOptions;
+        generatorOptions.shape = shape;
+        BenchWindow bench(generatorOptions);
+        EditorWindow* editor = bench.editor();
+        ItemTree* tree = bench.tree();
+        // The first leaf and the first submenu that have a sibling node on either side.
+        QString leaf;
+        QString submenu;
+        for (int n = 2; n <= tree->nodeCount() && (leaf.isEmpty() || submenu.isEmpty()); ++n) {
+            QTreeWidgetItem* node = tree->node(n);
+            QTreeWidgetItem* parent = node->parent();
+            const int row = parent->indexOfChild(node);
+            if (row < 1 || row + 1 >= parent->childCount()) {
+                continue;
+            }
+            QString& found = node->childCount() == 0 ? leaf : submenu;
+            if (found.isEmpty()) {
+                found = tree->keyOf(node);
+            }
+        }
+        const auto time = [&bench, runs](const QString& key, void (EditorWindow::*move)(), EditorWindow* window) {
+            return timeWithUndo(
+                       runs, [&bench, &key] { bench.select(key); },
+                       [window, move] {
+                           (window->*move)();
+                           paint();
+                       },
+                       [&bench] { bench.window->mnuUndo_Click(); })
+                .operation;
+        };
+        const double leafUp = time(leaf, &EditorWindow::cmdUp_Click, editor);
+        const double leafDown = time(leaf, &EditorWindow::cmdDown_Click, editor);
+        const double menuUp = time(submenu, &EditorWindow::cmdUp_Click, editor);
+        const double menuDown = time(submenu, &EditorWindow::cmdDown_Click, editor);
+        bench.checkNothingWasSaid();
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(leafUp) << cell(leafDown) << cell(menuUp)
+            << cell(menuDown) << "\n";
+        out.flush();
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -122,118 +402,20 @@ int main(int argc, char* argv[])
 
     QTextStream out(stdout);
     out << "Median of " << runs
-        << " runs, milliseconds. 32,767 items, links formed on opening; the branch\n"
-           "of E0 holds 10,000 items. Each time includes the undo snapshot (autosave write) and the\n"
-           "paint that follows. refresh: Refresh List; delete: Delete of the branch; new: New Item\n"
-           "up to its open label editor, in the menu less two leaves (a full one has no room); link: the\n"
-           "click that chooses a link target; undo: the Undo of the operation before it, which rebuilds\n"
-           "the tree.\n\n";
-    const QStringList headers { QStringLiteral("shape"), QStringLiteral("refresh"), QStringLiteral("delete"),
-                                QStringLiteral("undo"),  QStringLiteral("new"),     QStringLiteral("undo"),
-                                QStringLiteral("link"),  QStringLiteral("undo") };
-    for (const QString& header : headers) {
-        out << header.rightJustified(10);
-    }
-    out << "\n";
-    out.flush();
-
+        << " runs, milliseconds. Links formed on opening; the branch of E0 holds\n"
+           "10,000 items. Each time includes the undo snapshot and the paint that follows; undo: the\n"
+           "Undo of the operation before it, which rebuilds the tree.\n\n";
     try {
-        for (const MenuShape shape : MenuGenerator::allShapes()) {
-            QTemporaryDir folder;
-            MenuGenerator::Options generatorOptions;
-            generatorOptions.shape = shape;
-            const QString menuPath = folder.filePath(QStringLiteral("menu.ini"));
-            writeMenuFile(MenuGenerator::generate(generatorOptions), menuPath);
-
-            SilentPrompts prompts;
-            OptionsStore store(folder.filePath(QStringLiteral("options.ini")));
-            Options options;
-            options.checkCopyCommand = 1;
-            store.saveOptions(options);
-            MainWindow window(prompts, store, folder.path());
-            window.show();
-            const qint16 index = window.openMenu(menuPath, QStringLiteral("menu.ini"));
-            if (index == 0) {
-                throw RunTimeError(0, QStringLiteral("openMenu"), QStringLiteral("the menu did not open"));
-            }
-            paint();
-            EditorWindow* editor = window.editor(index);
-            ItemTree* tree = editor->tree();
-            EditingSession& session = window.session();
-            const auto select = [editor, tree](const QString& key) { editor->lstMenu_NodeClick(tree->nodeByKey(key)); };
-            const auto undo = [&window] {
-                window.mnuUndo_Click();
-                paint();
-            };
-
-            const double refresh = medianMilliseconds(
-                runs, [] {},
-                [&session] {
-                    session.run(EditOperations::refreshList);
-                    paint();
-                });
-
-            const Timing deleted = timeWithUndo(
-                runs, [&select] { select(QStringLiteral("E0")); },
-                [&session] {
-                    session.run(EditOperations::deleteItem);
-                    paint();
-                },
-                undo);
-
-            // A full menu has no room for a new item: its caption's number would overflow, and so would
-            // the number of its node (the root counts as node 1). Two leaves go first.
-            for (int leaves = 0; leaves < 2; ++leaves) {
-                const MenuDocument& document = window.state().document(index);
-                for (int node = 2; node <= tree->nodeCount(); ++node) {
-                    const QString key = tree->keyOf(tree->node(node));
-                    if (document.items.at(findItemByKey(document, key)).childCount == 0) {
-                        select(key);
-                        session.run(EditOperations::deleteItem);
-                        break;
-                    }
-                }
-            }
-            const auto closeLabelEditor = [tree] {
-                if (QLineEdit* labelEditor = tree->viewport()->findChild<QLineEdit*>()) {
-                    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-                    QCoreApplication::sendEvent(labelEditor, &escape);
-                }
-            };
-            const Timing created = timeWithUndo(
-                runs, [&select] { select(QStringLiteral("E20000")); },
-                [&session] {
-                    session.run(EditOperations::newItem);
-                    paint();
-                },
-                [&closeLabelEditor, &undo] {
-                    closeLabelEditor();
-                    undo();
-                });
-
-            auto* button = editor->findChild<QPushButton*>(QStringLiteral("cmdChangeCopy"));
-            const QString source = unlinkedKey(window.state().document(index), QString());
-            const QString target = unlinkedKey(window.state().document(index), source);
-            const Timing linked = timeWithUndo(
-                runs,
-                [&select, &source, button] {
-                    select(source);
-                    button->setChecked(true);
-                },
-                [editor, tree, &target] {
-                    editor->lstMenu_NodeClick(tree->nodeByKey(target));
-                    paint();
-                },
-                undo);
-
-            if (prompts.messages > 0) {
-                throw RunTimeError(0, QStringLiteral("editing"), prompts.lastText);
-            }
-            out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(refresh) << cell(deleted.operation)
-                << cell(deleted.undo) << cell(created.operation) << cell(created.undo) << cell(linked.operation)
-                << cell(linked.undo) << "\n";
-            out.flush();
-        }
+        out << "32,767 items. refresh: Refresh List; delete: Delete of the branch; new: New Item up to\n"
+               "its open label editor, in the menu less two leaves (a full one has no room); link: the\n"
+               "click that chooses a link target.\n";
+        benchTreeEditing(out, runs);
+        out << "\n20,000 items. duplicate: Duplicate of the branch; drop move: a left-button drop of the\n"
+               "branch on the last top-level item; drop copy: a right-button drop copying it into a\n"
+               "second window.\n";
+        benchBranchCopies(out, runs);
+        out << "\n32,767 items. Move up and down of a leaf and of a submenu among their siblings.\n";
+        benchMoves(out, runs);
     } catch (const RunTimeError& error) {
         std::fprintf(stderr, "%s\n", qPrintable(error.report()));
         return 1;

@@ -5,6 +5,7 @@
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
 #include "editing/linkediting.h"
+#include "editing/subtreecopy.h"
 #include "editing/treedisplay.h"
 
 #include <QAction>
@@ -49,11 +50,17 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     }
     addSeparator(QStringLiteral("Tire08"));
 
-    m_unavailable.append(addEntry(QStringLiteral("mnuCut"), QStringLiteral("Cut")));
-    m_unavailable.append(addEntry(QStringLiteral("mnuCopy"), QStringLiteral("Copy")));
-    m_mnuPaste = addEntry(QStringLiteral("mnuPaste"), QStringLiteral("Paste"));
-    m_unavailable.append(m_mnuPaste);
-    m_unavailable.append(addEntry(QStringLiteral("mnuDuplicate"), QStringLiteral("Duplicate")));
+    QAction* mnuCut = addOperation(QStringLiteral("mnuCut"), QStringLiteral("Cut"), EditOperations::cut);
+    mnuCut->setShortcut(QKeySequence::Cut);
+    QAction* mnuCopy = addOperation(QStringLiteral("mnuCopy"), QStringLiteral("Copy"), EditOperations::copy);
+    mnuCopy->setShortcut(QKeySequence::Copy);
+    m_mnuPaste = addOperation(QStringLiteral("mnuPaste"), QStringLiteral("Paste"), EditOperations::paste);
+    m_mnuPaste->setShortcut(QKeySequence::Paste);
+    QAction* mnuDuplicate
+        = addOperation(QStringLiteral("mnuDuplicate"), QStringLiteral("Duplicate"), EditOperations::duplicate);
+    mnuDuplicate->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
+    m_itemEntries += { mnuCut, mnuCopy, mnuDuplicate };
+    m_treeEntries += { mnuCut, mnuCopy, m_mnuPaste, mnuDuplicate };
     QAction* mnuDelete
         = addOperation(QStringLiteral("mnuDelete"), QStringLiteral("Delete"), EditOperations::deleteItem);
     mnuDelete->setShortcut(QKeySequence::Delete);
@@ -148,6 +155,7 @@ void EditMenu::apply(const EditMenuState& state)
         entry->setEnabled(state.documentEntries);
     }
     m_mnuSelectCopy->setEnabled(state.selectCopy);
+    m_mnuPaste->setEnabled(state.paste);
     m_mnuCopyComDup->setEnabled(state.menus);
     if (!state.menus) {
         m_mnuUndo->setEnabled(false);

@@ -6,6 +6,7 @@
 #include "core/editingsession.h"
 #include "editing/itemcreation.h"
 #include "editing/itempanel.h"
+#include "editing/itemmoving.h"
 #include "editing/linkediting.h"
 #include "editing/treeupdate.h"
 #include "model/errortable.h"
@@ -14,7 +15,11 @@
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QDrag>
+#include <QKeySequence>
+#include <QMimeData>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QFrame>
@@ -83,6 +88,32 @@ int itemIndexOf(const MenuDocument& document, const QString& key, const char* so
     return index;
 }
 
+/// "(position ; children)" of the status bar's panel 6.
+QString positionText(const MenuItem& item)
+{
+    return QStringLiteral("(") + QString::number(item.siblingOrder) + QStringLiteral(" ; ")
+        + QString::number(item.childCount) + QStringLiteral(")");
+}
+
+/// Suspends painting of a widget for the length of a scope, as it was before.
+class PaintingSuspended
+{
+public:
+    explicit PaintingSuspended(QWidget* widget)
+        : m_widget(widget)
+        , m_enabledBefore(widget->updatesEnabled())
+    {
+        m_widget->setUpdatesEnabled(false);
+    }
+    ~PaintingSuspended() { m_widget->setUpdatesEnabled(m_enabledBefore); }
+    PaintingSuspended(const PaintingSuspended&) = delete;
+    PaintingSuspended& operator=(const PaintingSuspended&) = delete;
+
+private:
+    QWidget* m_widget;
+    bool m_enabledBefore;
+};
+
 } // namespace
 
 QColor EditorWindow::choosingColour()
@@ -108,6 +139,21 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
     // Only the user's clicks count: the box is set from the document whenever an item is shown.
     connect(m_chkCopyCommand, &QCheckBox::clicked, this, &EditorWindow::chkCopyCommand_Click);
     connect(m_cmdChangeCopy, &QPushButton::toggled, this, &EditorWindow::cmdChangeCopy_Click);
+    connect(m_cmdUp, &QPushButton::clicked, this, &EditorWindow::cmdUp_Click);
+    connect(m_cmdDown, &QPushButton::clicked, this, &EditorWindow::cmdDown_Click);
+    connect(m_lstMenu, &ItemTree::dragStartRequested, this, &EditorWindow::startNodeDrag);
+    connect(m_lstMenu, &ItemTree::nodeDraggedOver, this, &EditorWindow::onNodeDraggedOver);
+    connect(m_lstMenu, &ItemTree::nodeDropped, this, &EditorWindow::lstMenu_OLEDragDrop);
+    // Ctrl+Up and Ctrl+Down move the selected item while the tree has the focus.
+    const auto addTreeKey = [this](const QKeySequence& keys, void (EditorWindow::*handler)()) {
+        auto* action = new QAction(m_lstMenu);
+        action->setShortcut(keys);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        m_lstMenu->addAction(action);
+        connect(action, &QAction::triggered, this, handler);
+    };
+    addTreeKey(QKeySequence(Qt::CTRL | Qt::Key_Up), &EditorWindow::cmdUp_Click);
+    addTreeKey(QKeySequence(Qt::CTRL | Qt::Key_Down), &EditorWindow::cmdDown_Click);
     m_txtItemIndexCopy->installEventFilter(this);
     m_lstMenu->viewport()->installEventFilter(this);
     m_main.attachEditor(*this);
@@ -160,7 +206,7 @@ void EditorWindow::buildLayout()
     linkLayout->addWidget(m_cmdChangeCopy);
     linkLayout->addStretch(1);
 
-    // Moving the selected item among its siblings comes later; the buttons are there but off.
+    // Moving the selected item among its siblings.
     m_cmdUp = new QPushButton(tr("Move up"), this);
     m_cmdUp->setObjectName(QStringLiteral("cmdUp"));
     m_cmdUp->setEnabled(false);
@@ -305,9 +351,7 @@ void EditorWindow::lstMenu_NodeClick(QTreeWidgetItem* node)
     const MenuDocument& menu = document();
     const int itemIndex = itemIndexOf(menu, m_lstMenu->keyOf(node), "lstMenu_NodeClick");
     const MenuItem& item = menu.items.at(itemIndex);
-    m_main.setStatusPanelText(6,
-                              QStringLiteral("(") + QString::number(item.siblingOrder) + QStringLiteral(" ; ")
-                                  + QString::number(item.childCount) + QStringLiteral(")"));
+    m_main.setStatusPanelText(6, positionText(item));
     m_main.setStatusPanelText(2, QString::number(itemIndex));
     windowState().nodeClicked = true;
     {
@@ -344,6 +388,8 @@ void EditorWindow::updateLinkControls()
     const bool linked = m_chkCopyCommand->isChecked();
     m_chkCopyCommand->setEnabled(itemShown && !choosing);
     m_cmdChangeCopy->setEnabled(itemShown || choosing);
+    m_cmdUp->setEnabled(itemShown && !choosing);
+    m_cmdDown->setEnabled(itemShown && !choosing);
     m_lstCommand->setEnabled(!linked && !choosing);
     m_txtItemIndexCopy->setEnabled(itemShown && linked);
 }
@@ -369,6 +415,89 @@ void EditorWindow::cmdChangeCopy_Click()
         chkCopyCommand_Click();
     }
     m_main.updateMenus();
+}
+
+void EditorWindow::cmdUp_Click()
+{
+    m_main.session().run(m_documentIndex, EditOperations::moveUp);
+}
+
+void EditorWindow::cmdDown_Click()
+{
+    m_main.session().run(m_documentIndex, EditOperations::moveDown);
+}
+
+void EditorWindow::startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button)
+{
+    const QString key = m_lstMenu->keyOf(node);
+    if (key.isEmpty() || key == rootKey() || isChoosingLinkTarget()) {
+        return; // the root belongs to no item and cannot be dragged
+    }
+    DragState::Button dragButton = DragState::Button::None;
+    if (button == Qt::LeftButton) {
+        // A left-button drag is the drag-and-drop option's; a right-button drag is always there.
+        if (m_main.state().options().dragNDrop == 0) {
+            return;
+        }
+        dragButton = DragState::Button::Left;
+    } else if (button == Qt::RightButton) {
+        dragButton = DragState::Button::Right;
+    } else {
+        return;
+    }
+    // The node under the pointer becomes the selected node, and the one being dragged.
+    if (m_lstMenu->currentItem() != node) {
+        clickFromUser(node);
+    }
+    DragState& drag = m_main.state().editing().drag;
+    drag.nodeKey = key;
+    drag.document = m_documentIndex;
+    drag.button = dragButton;
+    drag.active = true;
+
+    auto* dragData = new QMimeData;
+    dragData->setData(ItemTree::dragFormat(), (QString::number(m_documentIndex) + QLatin1Char(' ') + key).toUtf8());
+    auto* nodeDrag = new QDrag(m_lstMenu);
+    nodeDrag->setMimeData(dragData);
+    m_main.execDrag(nodeDrag);
+}
+
+void EditorWindow::onNodeDraggedOver(QTreeWidgetItem* node)
+{
+    // Only a drag this program started shows where it would land.
+    m_lstMenu->setDropHighlight(m_main.state().editing().drag.active ? node : nullptr);
+}
+
+void EditorWindow::lstMenu_OLEDragDrop(QTreeWidgetItem* node, const QPoint& globalPos)
+{
+    m_lstMenu->setDropHighlight(nullptr);
+    ApplicationState& state = m_main.state();
+    DragState& drag = state.editing().drag;
+    const QString targetKey = m_lstMenu->keyOf(node);
+    if (isDropIgnored(drag, state.options().dragNDrop != 0, m_documentIndex, targetKey)) {
+        return;
+    }
+    const QString parentKey = node->parent() != nullptr ? m_lstMenu->keyOf(node->parent()) : QString();
+    if (drag.button == DragState::Button::Right) {
+        drag.dropAsSibling = false;
+        drag.dropAsChild = false;
+        drag.dropCancelled = true;
+        // Nothing can be placed beside the root.
+        m_main.popupDropMenu(node->text(0), node->parent() != nullptr ? node->parent()->text(0) : QString(),
+                             targetKey != rootKey(), globalPos);
+    } else {
+        drag.dropAsChild = true;
+        drag.dropAsSibling = false;
+        drag.dropCopy = false;
+        drag.dropCancelled = false;
+    }
+    if (drag.dropCancelled) {
+        drag.active = false;
+        drag.nodeKey.clear();
+        return; // the menu was closed without a choice
+    }
+    const DropRequest request = dropRequestOf(drag, targetKey, parentKey, state.editing().copyCommandDup);
+    m_main.session().runDrop(drag.document, m_documentIndex, request);
 }
 
 void EditorWindow::showChoosingColour(bool choosing)
@@ -403,7 +532,11 @@ SelectedNode EditorWindow::selectedNode() const
     QTreeWidgetItem* node = m_lstMenu->currentItem();
     selected.key = m_lstMenu->keyOf(node);
     if (!selected.key.isEmpty() && node->parent() != nullptr) {
-        selected.parentKey = m_lstMenu->keyOf(node->parent());
+        QTreeWidgetItem* parentNode = node->parent();
+        selected.parentKey = m_lstMenu->keyOf(parentNode);
+        const int row = parentNode->indexOfChild(node);
+        selected.previousSiblingKey = m_lstMenu->keyOf(parentNode->child(row - 1));
+        selected.nextSiblingKey = m_lstMenu->keyOf(parentNode->child(row + 1));
     }
     return selected;
 }
@@ -415,89 +548,172 @@ QString EditorWindow::nodeKey(int nodeIndex) const
 
 void EditorWindow::applyUpdate(const TreeUpdate& update)
 {
-    for (const TreeStep& step : update.steps()) {
-        switch (step.kind) {
-        case TreeStep::Kind::AddNode:
+    bool busy = false;
+    const auto endBusy = [this, &busy] {
+        if (busy) {
+            busy = false;
+            m_lstMenu->setUpdatesEnabled(true);
+            hideBusyNotice();
+        }
+    };
+    try {
+        const QList<TreeStep>& steps = update.steps();
+        for (qsizetype s = 0; s < steps.size(); ++s) {
+            const TreeStep& step = steps.at(s);
+            if (step.kind == TreeStep::Kind::AddNode) {
+                // The nodes of a copied branch join the tree together.
+                QList<ItemTree::NewNode> added;
+                for (; s < steps.size() && steps.at(s).kind == TreeStep::Kind::AddNode; ++s) {
+                    added.append({ steps.at(s).parentKey, steps.at(s).key, steps.at(s).text });
+                }
+                --s;
+                m_lstMenu->addNodes(added);
+                continue;
+            }
+            if (step.kind == TreeStep::Kind::ShowBusy) {
+                // The notice keeps the text it has; the tree stays unpainted until the work is done.
+                showBusyNotice(m_lblReconstruct->text());
+                m_lstMenu->setUpdatesEnabled(false);
+                busy = true;
+                continue;
+            }
+            if (step.kind == TreeStep::Kind::HideBusy) {
+                endBusy();
+                continue;
+            }
+            applyStep(step);
+        }
+    } catch (...) {
+        endBusy();
+        throw;
+    }
+    endBusy();
+}
+
+void EditorWindow::moveSelectedNode(const TreeStep& step)
+{
+    QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key);
+    if (node == nullptr) {
+        return;
+    }
+    const bool wasCurrent = m_lstMenu->currentItem() == node;
+    FlagScope selecting(m_selectingNode);
+    m_shownByMove = nullptr;
+    {
+        const PaintingSuspended suspended(m_lstMenu);
+        if (step.kind == TreeStep::Kind::MoveNodeUnder) {
+            m_lstMenu->moveNode(node, m_lstMenu->nodeByKey(step.parentKey), 0);
+        } else {
+            node = m_lstMenu->moveAmongSiblings(node, step.kind == TreeStep::Kind::MoveNodeUp ? -1 : 1);
+        }
+    }
+    if (wasCurrent) {
+        m_lstMenu->setCurrentItem(node);
+        node->setSelected(true);
+        m_lstMenu->scrollToItem(node);
+    }
+}
+
+void EditorWindow::applyStep(const TreeStep& step)
+{
+    switch (step.kind) {
+    case TreeStep::Kind::AddNode:
+        m_lstMenu->addNode(step.parentKey, step.key, step.text);
+        break;
+    case TreeStep::Kind::RemoveNode: {
+        FlagScope selecting(m_selectingNode);
+        m_shownByMove = nullptr;
+        m_lstMenu->removeNode(m_lstMenu->nodeByKey(step.key));
+        break;
+    }
+    case TreeStep::Kind::SetNodeText:
+        if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+            node->setText(0, step.text);
+        }
+        break;
+    case TreeStep::Kind::MoveNodeUp:
+    case TreeStep::Kind::MoveNodeDown:
+    case TreeStep::Kind::MoveNodeUnder:
+        moveSelectedNode(step);
+        break;
+    case TreeStep::Kind::SetNodeColour:
+        ItemTree::setNodeColour(m_lstMenu->nodeByKey(step.key), step.colour);
+        break;
+    case TreeStep::Kind::AddNodeWhenOnlyRoot:
+        if (m_lstMenu->nodeCount() == 1) {
             m_lstMenu->addNode(step.parentKey, step.key, step.text);
-            break;
-        case TreeStep::Kind::RemoveNode: {
-            FlagScope selecting(m_selectingNode);
-            m_shownByMove = nullptr;
-            m_lstMenu->removeNode(m_lstMenu->nodeByKey(step.key));
-            break;
         }
-        case TreeStep::Kind::SetNodeText:
-            if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
-                node->setText(0, step.text);
-            }
-            break;
-        case TreeStep::Kind::SetNodeColour:
-            ItemTree::setNodeColour(m_lstMenu->nodeByKey(step.key), step.colour);
-            break;
-        case TreeStep::Kind::AddNodeWhenOnlyRoot:
-            if (m_lstMenu->nodeCount() == 1) {
-                m_lstMenu->addNode(step.parentKey, step.key, step.text);
-            }
-            break;
-        case TreeStep::Kind::Recolour:
-            ColorizeMenu();
-            break;
-        case TreeStep::Kind::Regenerate:
-            m_main.regenerateTree(m_documentIndex);
-            break;
-        case TreeStep::Kind::ShowItemCount:
+        break;
+    case TreeStep::Kind::Recolour:
+        ColorizeMenu();
+        break;
+    case TreeStep::Kind::Regenerate:
+        m_main.regenerateTree(m_documentIndex);
+        break;
+    case TreeStep::Kind::ShowItemCount:
+        // The item-count panel belongs to the active window (a drop may change another one).
+        if (m_main.activeDocumentIndex() == m_documentIndex) {
             m_main.showItemCount(int(document().items.size()));
-            break;
-        case TreeStep::Kind::SelectNode:
-            if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
-                FlagScope selecting(m_selectingNode);
-                m_lstMenu->setCurrentItem(node);
-                node->setSelected(true);
-            }
-            break;
-        case TreeStep::Kind::ClickNode:
-            // A node that is not in the tree (a hidden target) cannot be clicked: nothing happens.
-            if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
-                lstMenu_NodeClick(node);
-            }
-            break;
-        case TreeStep::Kind::ClickFirstItemNode:
-            if (QTreeWidgetItem* node = m_lstMenu->node(2)) {
-                lstMenu_NodeClick(node);
-            } else {
-                showNoItem();
-            }
-            break;
-        case TreeStep::Kind::ShowItem:
-            SelectItem();
-            break;
-        case TreeStep::Kind::StartLabelEdit:
-            m_lstMenu->setFocus();
-            m_lstMenu->startLabelEdit(m_lstMenu->nodeByKey(step.key));
-            break;
-        case TreeStep::Kind::ToggleLinkTargetChoice:
-            m_cmdChangeCopy->toggle();
-            break;
-        case TreeStep::Kind::EndLinkTargetChoice: {
-            // The operation that ends the choice has already applied the check box.
-            const QSignalBlocker blocker(m_cmdChangeCopy);
-            m_cmdChangeCopy->setChecked(false);
-            windowState().linkTargetChoice = false;
-            showChoosingColour(false);
-            updateLinkControls();
-            m_main.updateMenus();
-            break;
         }
-        case TreeStep::Kind::FocusTree:
-            m_lstMenu->setFocus();
-            break;
-        case TreeStep::Kind::ShowMessage:
-            m_main.showPlainMessage(step.text);
-            break;
-        case TreeStep::Kind::ShowRefusal:
-            m_main.showRefusal(step.text);
-            break;
+        break;
+    case TreeStep::Kind::ShowPosition: {
+        const MenuDocument& menu = document();
+        const MenuItem& item = menu.items.at(itemIndexOf(menu, step.key, "ShowPosition"));
+        m_main.setStatusPanelText(6, positionText(item));
+        break;
+    }
+    case TreeStep::Kind::ShowBusy:
+    case TreeStep::Kind::HideBusy:
+        break; // carried out by applyUpdate, which knows when the work ends
+    case TreeStep::Kind::SelectNode:
+        if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+            FlagScope selecting(m_selectingNode);
+            m_lstMenu->setCurrentItem(node);
+            node->setSelected(true);
         }
+        break;
+    case TreeStep::Kind::ClickNode:
+        // A node that is not in the tree (a hidden target) cannot be clicked: nothing happens.
+        if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+            lstMenu_NodeClick(node);
+        }
+        break;
+    case TreeStep::Kind::ClickFirstItemNode:
+        if (QTreeWidgetItem* node = m_lstMenu->node(2)) {
+            lstMenu_NodeClick(node);
+        } else {
+            showNoItem();
+        }
+        break;
+    case TreeStep::Kind::ShowItem:
+        SelectItem();
+        break;
+    case TreeStep::Kind::StartLabelEdit:
+        m_lstMenu->setFocus();
+        m_lstMenu->startLabelEdit(m_lstMenu->nodeByKey(step.key));
+        break;
+    case TreeStep::Kind::ToggleLinkTargetChoice:
+        m_cmdChangeCopy->toggle();
+        break;
+    case TreeStep::Kind::EndLinkTargetChoice: {
+        // The operation that ends the choice has already applied the check box.
+        const QSignalBlocker blocker(m_cmdChangeCopy);
+        m_cmdChangeCopy->setChecked(false);
+        windowState().linkTargetChoice = false;
+        showChoosingColour(false);
+        updateLinkControls();
+        m_main.updateMenus();
+        break;
+    }
+    case TreeStep::Kind::FocusTree:
+        m_lstMenu->setFocus();
+        break;
+    case TreeStep::Kind::ShowMessage:
+        m_main.showPlainMessage(step.text);
+        break;
+    case TreeStep::Kind::ShowRefusal:
+        m_main.showRefusal(step.text);
+        break;
     }
 }
 

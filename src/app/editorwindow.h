@@ -12,9 +12,11 @@ class QFrame;
 class QLabel;
 class QLineEdit;
 class QListWidget;
+class QPoint;
 class QPushButton;
 class QTreeWidgetItem;
 struct MenuDocument;
+struct TreeStep;
 struct WindowEditingState;
 
 /// One editor window (frmEditor): the item tree of one menu document on the left, the selected
@@ -67,6 +69,13 @@ public:
     void chkCopyCommand_Click();
     /// Starts or ends choosing a link target, as the button's state says.
     void cmdChangeCopy_Click();
+    /// Moves the selected item one place up, or down, among its siblings.
+    void cmdUp_Click();
+    void cmdDown_Click();
+    /// A node of this program dropped on `node` of this window's tree (null: no node under the
+    /// pointer) at `globalPos`: a left-button drop moves the dragged branch under it; a right-button
+    /// drop asks with the drop menu.
+    void lstMenu_OLEDragDrop(QTreeWidgetItem* node, const QPoint& globalPos);
 
     /// Set by every plain node click and never cleared.
     bool nodeClicked() const;
@@ -89,9 +98,13 @@ protected:
 
 private:
     void buildLayout();
+    void applyStep(const TreeStep& step);
+    void moveSelectedNode(const TreeStep& step);
     void placeBusyNotice();
     void showNoItem();
     void updateLinkControls();
+    void startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button);
+    void onNodeDraggedOver(QTreeWidgetItem* node);
     void showChoosingColour(bool choosing);
     WindowEditingState& windowState() const;
     void onCurrentNodeChanged(QTreeWidgetItem* current);

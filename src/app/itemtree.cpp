@@ -5,12 +5,20 @@
 #include "treeview/nodestyle.h"
 #include "treeview/treeplan.h"
 
+#include <QApplication>
 #include <QBrush>
 #include <QColor>
+#include <QDragEnterEvent>
+#include <QDragLeaveEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
 #include <QFont>
+#include <QMimeData>
+#include <QMouseEvent>
 #include <QSignalBlocker>
 #include <QVariant>
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -35,6 +43,20 @@ QColor colourOf(NodeStyle::Colour colour)
     }
     return QColor(0, 0, 0);
 }
+
+/// A node of the item tree. Its place among its siblings can be given by a number of its own, so
+/// that a node moves among its siblings by sorting them: the view then keeps every expanded state and
+/// nothing leaves the tree.
+class TreeNode final : public QTreeWidgetItem
+{
+public:
+    int place = 0;
+
+    bool operator<(const QTreeWidgetItem& other) const override
+    {
+        return place < static_cast<const TreeNode&>(other).place;
+    }
+};
 
 /// `top` and everything below it, parents before children, without recursion: a menu can nest
 /// tens of thousands of levels deep.
@@ -112,6 +134,11 @@ ItemTree::ItemTree(QWidget* parent)
     // Labels are edited through Rename (F2) and after New Item only, never by a click, so that a
     // click always selects and a drag always drags.
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // Nodes are dragged by the tree itself, with either button, and dropped on another node of this
+    // tree or of another window's.
+    setDragEnabled(false);
+    setAcceptDrops(true);
+    setDragDropMode(QAbstractItemView::DropOnly);
     connect(this, &QTreeWidget::itemCollapsed, this, &ItemTree::onItemCollapsed);
 }
 
@@ -165,7 +192,7 @@ QTreeWidgetItem* ItemTree::addNode(const QString& parentKey, const QString& key,
     if (!key.isEmpty() && m_byKey.contains(key)) {
         return nullptr;
     }
-    auto* created = new QTreeWidgetItem;
+    auto* created = new TreeNode;
     created->setText(0, text);
     created->setData(0, kKeyRole, key);
     if (key != rootKey()) {
@@ -180,13 +207,41 @@ QTreeWidgetItem* ItemTree::addNode(const QString& parentKey, const QString& key,
     return created;
 }
 
-void ItemTree::removeNode(QTreeWidgetItem* node)
+void ItemTree::addNodes(const QList<NewNode>& nodes)
 {
-    if (node == nullptr || !m_index.contains(node)) {
-        return;
+    // Nodes whose parent is new hang on it while it is not in the tree yet; a node whose parent is
+    // in the tree starts a branch that joins the tree once it is complete.
+    QHash<QString, QTreeWidgetItem*> created;
+    std::vector<std::pair<QTreeWidgetItem*, QTreeWidgetItem*>> branches; // (parent in the tree, top)
+    for (const NewNode& node : nodes) {
+        if (node.key.isEmpty() || m_byKey.contains(node.key)) {
+            continue; // the tree keeps one node per key, as addNode does
+        }
+        QTreeWidgetItem* newParent = created.value(node.parentKey, nullptr);
+        QTreeWidgetItem* treeParent = newParent != nullptr ? nullptr : nodeByKey(node.parentKey);
+        if (newParent == nullptr && treeParent == nullptr) {
+            continue;
+        }
+        auto* item = new TreeNode;
+        item->setText(0, node.text);
+        item->setData(0, kKeyRole, node.key);
+        item->setFlags(item->flags() | Qt::ItemIsEditable);
+        if (newParent != nullptr) {
+            newParent->addChild(item);
+        } else {
+            branches.emplace_back(treeParent, item);
+        }
+        registerNode(item, node.key);
+        created.insert(node.key, item);
     }
-    const std::vector<QTreeWidgetItem*> subtree = subtreeInPreOrder(node);
-    for (QTreeWidgetItem* removed : subtree) {
+    for (const auto& [treeParent, top] : branches) {
+        treeParent->addChild(top);
+    }
+}
+
+void ItemTree::forgetNodes(const std::vector<QTreeWidgetItem*>& nodes)
+{
+    for (QTreeWidgetItem* removed : nodes) {
         const QString key = removed->data(0, kKeyRole).toString();
         if (m_byKey.value(key, nullptr) == removed) {
             m_byKey.remove(key);
@@ -195,41 +250,220 @@ void ItemTree::removeNode(QTreeWidgetItem* node)
             m_editingKey.clear(); // an edit whose node goes is dropped with it
             m_labelCommitted = false;
         }
+        if (removed == m_pressNode) {
+            m_pressNode = nullptr;
+        }
+        if (removed == m_dropHighlight) {
+            m_dropHighlight = nullptr;
+        }
         m_index.remove(removed);
     }
-    m_nodes.removeIf([this](QTreeWidgetItem* candidate) { return !m_index.contains(candidate); });
-    renumber();
+}
 
+void ItemTree::withExpandedStateAside(const std::function<void()>& change)
+{
     // The view remembers every expanded node, and removing rows makes the model walk from each
     // remembered node up to the top: on a menu thousands of levels deep that costs far more than the
-    // removal itself, even for a single leaf. So the expanded state is set aside for the removal and
+    // change itself, even for a single leaf. So the expanded state is set aside for the change and
     // given back afterwards, children before their parents, so that the view lays the tree out once.
+    // Nodes collapsed and expanded on the way are not the user doing so.
     const QSignalBlocker noCollapseSignals(this);
     std::vector<QTreeWidgetItem*> expanded;
-    for (QTreeWidgetItem* remaining : std::as_const(m_nodes)) {
-        if (remaining->isExpanded()) {
-            expanded.push_back(remaining);
+    for (QTreeWidgetItem* node : std::as_const(m_nodes)) {
+        if (node->isExpanded()) {
+            expanded.push_back(node);
         }
     }
     collapseAll();
-    if (QTreeWidgetItem* parentNode = node->parent()) {
-        parentNode->takeChild(parentNode->indexOfChild(node));
-    } else {
-        takeTopLevelItem(indexOfTopLevelItem(node));
-    }
-    deleteDetachedSubtree(node);
+    change();
     for (auto it = expanded.rbegin(); it != expanded.rend(); ++it) {
-        (*it)->setExpanded(true);
+        if (m_index.contains(*it)) {
+            (*it)->setExpanded(true);
+        }
     }
+}
+
+void ItemTree::removeNode(QTreeWidgetItem* node)
+{
+    if (node == nullptr || !m_index.contains(node)) {
+        return;
+    }
+    const std::vector<QTreeWidgetItem*> subtree = subtreeInPreOrder(node);
+    forgetNodes(subtree);
+    m_nodes.removeIf([this](QTreeWidgetItem* candidate) { return !m_index.contains(candidate); });
+    renumber();
+    withExpandedStateAside([this, node] {
+        if (QTreeWidgetItem* parentNode = node->parent()) {
+            parentNode->takeChild(parentNode->indexOfChild(node));
+        } else {
+            takeTopLevelItem(indexOfTopLevelItem(node));
+        }
+    });
+    deleteDetachedSubtree(node);
+}
+
+void ItemTree::moveNode(QTreeWidgetItem* node, QTreeWidgetItem* parentNode, int row)
+{
+    if (node == nullptr || parentNode == nullptr || !m_index.contains(node) || !m_index.contains(parentNode)) {
+        return;
+    }
+    for (const QTreeWidgetItem* ancestor = parentNode; ancestor != nullptr; ancestor = ancestor->parent()) {
+        if (ancestor == node) {
+            return; // a node cannot move into its own branch
+        }
+    }
+    withExpandedStateAside([node, parentNode, row] {
+        if (QTreeWidgetItem* oldParent = node->parent()) {
+            oldParent->takeChild(oldParent->indexOfChild(node));
+        }
+        parentNode->insertChild(std::clamp(row, 0, parentNode->childCount()), node);
+    });
+}
+
+QTreeWidgetItem* ItemTree::moveAmongSiblings(QTreeWidgetItem* node, int offset)
+{
+    QTreeWidgetItem* parentNode = node != nullptr ? node->parent() : nullptr;
+    if (parentNode == nullptr || !m_index.contains(node)) {
+        return node;
+    }
+    const int row = parentNode->indexOfChild(node);
+    const int newRow = row + offset;
+    if (newRow < 0 || newRow >= parentNode->childCount()) {
+        return node;
+    }
+    QTreeWidgetItem* other = parentNode->child(newRow);
+    if (node->childCount() > 0 || other->childCount() > 0) {
+        // A branch moves by sorting its siblings into their new order: no row leaves the tree, so
+        // the model need not look at every expanded node, and every node keeps its state.
+        for (int c = 0; c < parentNode->childCount(); ++c) {
+            static_cast<TreeNode*>(parentNode->child(c))->place = c;
+        }
+        static_cast<TreeNode*>(node)->place = newRow;
+        static_cast<TreeNode*>(other)->place = row;
+        parentNode->sortChildren(0, Qt::AscendingOrder);
+        return node;
+    }
+    // Two leaves trade everything they show and their places in the collection, so that every key
+    // keeps its node number.
+    const int nodeSlot = m_index.value(node);
+    const int otherSlot = m_index.value(other);
+    const QString nodeKey = keyOf(node);
+    const QString otherKey = keyOf(other);
+    for (const int role : { int(Qt::DisplayRole), kKeyRole, int(Qt::ForegroundRole), int(Qt::FontRole),
+                            int(Qt::BackgroundRole), int(Qt::ToolTipRole) }) {
+        const QVariant nodeValue = node->data(0, role);
+        node->setData(0, role, other->data(0, role));
+        other->setData(0, role, nodeValue);
+    }
+    m_nodes[nodeSlot] = other;
+    m_nodes[otherSlot] = node;
+    m_index.insert(other, nodeSlot);
+    m_index.insert(node, otherSlot);
+    m_byKey.insert(nodeKey, other);
+    m_byKey.insert(otherKey, node);
+    if (m_dropHighlight == node || m_dropHighlight == other) {
+        m_dropHighlight = m_dropHighlight == node ? other : node;
+    }
+    return other;
+}
+
+void ItemTree::setDropHighlight(QTreeWidgetItem* node)
+{
+    if (node == m_dropHighlight) {
+        return;
+    }
+    if (m_dropHighlight != nullptr) {
+        m_dropHighlight->setData(0, Qt::BackgroundRole, QVariant());
+    }
+    m_dropHighlight = node != nullptr && m_index.contains(node) ? node : nullptr;
+    if (m_dropHighlight != nullptr) {
+        QColor colour = palette().color(QPalette::Highlight);
+        colour.setAlpha(90);
+        m_dropHighlight->setBackground(0, QBrush(colour));
+    }
+}
+
+void ItemTree::mousePressEvent(QMouseEvent* event)
+{
+    m_pressPos = event->position().toPoint();
+    m_pressButton = event->button();
+    m_pressNode = itemAt(m_pressPos);
+    QTreeWidget::mousePressEvent(event);
+}
+
+void ItemTree::mouseMoveEvent(QMouseEvent* event)
+{
+    const QPoint position = event->position().toPoint();
+    if (m_pressNode != nullptr && (event->buttons() & m_pressButton) != 0 && !isEditingLabel()
+        && (position - m_pressPos).manhattanLength() >= QApplication::startDragDistance()) {
+        QTreeWidgetItem* dragged = std::exchange(m_pressNode, nullptr);
+        Q_EMIT dragStartRequested(dragged, m_pressButton);
+        return;
+    }
+    QTreeWidget::mouseMoveEvent(event);
+}
+
+void ItemTree::mouseReleaseEvent(QMouseEvent* event)
+{
+    m_pressNode = nullptr;
+    QTreeWidget::mouseReleaseEvent(event);
+}
+
+void ItemTree::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!event->mimeData()->hasFormat(dragFormat())) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    Q_EMIT nodeDraggedOver(itemAt(event->position().toPoint()));
+}
+
+void ItemTree::dragMoveEvent(QDragMoveEvent* event)
+{
+    if (!event->mimeData()->hasFormat(dragFormat())) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    const QPoint position = event->position().toPoint();
+    Q_EMIT nodeDraggedOver(itemAt(position));
+    // Near the top or the bottom the tree scrolls, so that every node can be reached.
+    const int margin = autoScrollMargin();
+    const QRect area = viewport()->rect();
+    if (position.y() < area.top() + margin || position.y() > area.bottom() - margin) {
+        startAutoScroll();
+    }
+}
+
+void ItemTree::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    setDropHighlight(nullptr);
+    stopAutoScroll();
+    event->accept();
+}
+
+void ItemTree::dropEvent(QDropEvent* event)
+{
+    stopAutoScroll();
+    if (!event->mimeData()->hasFormat(dragFormat())) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    QTreeWidgetItem* node = itemAt(event->position().toPoint());
+    Q_EMIT nodeDropped(node, viewport()->mapToGlobal(event->position().toPoint()));
 }
 
 void ItemTree::clearNodes()
 {
     // Nodes that go are collapsed on the way; that is not the user collapsing the root.
     const QSignalBlocker noCollapseSignals(this);
-    // An edit whose node goes is dropped with it.
+    // An edit, a press or a highlight whose node goes is dropped with it.
     m_editingKey.clear();
     m_labelCommitted = false;
+    m_pressNode = nullptr;
+    m_dropHighlight = nullptr;
     // Dropping the expanded state first spares the model from adjusting one remembered index per
     // expanded submenu while the nodes go.
     collapseAll();
@@ -268,7 +502,7 @@ void ItemTree::generate(const MenuDocument& document)
     // The nodes are linked to each other before the root joins the widget, so the view lays the
     // tree out once instead of once per node.
     const QFont bold = boldFont();
-    auto* root = new QTreeWidgetItem;
+    auto* root = new TreeNode;
     root->setText(0, QStringLiteral("KELV"));
     root->setData(0, kKeyRole, rootKey());
     registerNode(root, rootKey());
@@ -281,7 +515,7 @@ void ItemTree::generate(const MenuDocument& document)
         if (parentNode == nullptr || m_byKey.contains(planned.key)) {
             continue; // the tree refuses the node, as addNode would
         }
-        auto* created = new QTreeWidgetItem;
+        auto* created = new TreeNode;
         created->setText(0, planned.caption);
         created->setData(0, kKeyRole, planned.key);
         created->setFlags(created->flags() | Qt::ItemIsEditable);

@@ -4,7 +4,11 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QPoint>
 #include <QTreeWidget>
+
+#include <functional>
+#include <vector>
 
 #include "treeview/nodestyle.h"
 
@@ -45,8 +49,25 @@ public:
     /// top-level node when `parentKey` is empty. Refused (nullptr) when `parentKey` names no node or
     /// `key` is already taken, as the tree keeps one node per key.
     QTreeWidgetItem* addNode(const QString& parentKey, const QString& key, const QString& text);
+    /// One node of addNodes.
+    struct NewNode
+    {
+        QString parentKey;
+        QString key;
+        QString text;
+    };
+    /// Adds `nodes` in order, as addNode would one by one, but hands the view each new branch at once:
+    /// the copies of a branch of thousands of items arrive with one layout.
+    void addNodes(const QList<NewNode>& nodes);
     /// Removes `node` with its whole subtree; the other nodes keep their order in the collection.
     void removeNode(QTreeWidgetItem* node);
+    /// Moves `node` with its branch to be child `row` of `parentNode`; every node keeps its expanded
+    /// state and its place in the collection.
+    void moveNode(QTreeWidgetItem* node, QTreeWidgetItem* parentNode, int row);
+    /// Shows `node` one place earlier (`offset` -1) or later (+1) among its siblings, with its branch.
+    /// Two leaves trade their contents instead, which the view can show without laying the tree out
+    /// again; the node that bears `node`'s key afterwards is returned. Nothing moves past either end.
+    QTreeWidgetItem* moveAmongSiblings(QTreeWidgetItem* node, int offset);
     /// Removes every node.
     void clearNodes();
 
@@ -67,6 +88,13 @@ public:
     /// Sets the text colour of `node` (its bold type stays).
     static void setNodeColour(QTreeWidgetItem* node, NodeStyle::Colour colour);
 
+    /// The format of the drag data of a node being dragged.
+    static QString dragFormat() { return QStringLiteral("application/x-kelv-menu-node"); }
+    /// Highlights `node` as the place a dragged node would be dropped on; null takes the highlight
+    /// away.
+    void setDropHighlight(QTreeWidgetItem* node);
+    QTreeWidgetItem* dropHighlight() const { return m_dropHighlight; }
+
     /// Starts editing the label of `node`; false when it cannot be edited (the root, no node).
     bool startLabelEdit(QTreeWidgetItem* node);
     /// Whether a label is being edited.
@@ -86,21 +114,45 @@ Q_SIGNALS:
     void labelEditCancelled(const QString& key);
     /// The root node was collapsed; it has been expanded again at once, as the root stays open.
     void rootCollapsed();
+    /// The user pressed `button` on `node` and moved the pointer far enough to drag it.
+    void dragStartRequested(QTreeWidgetItem* node, Qt::MouseButton button);
+    /// A node of this program is dragged over `node` (null: over no node).
+    void nodeDraggedOver(QTreeWidgetItem* node);
+    /// A node of this program was dropped; `node` is the node under the pointer (or null), `globalPos`
+    /// where the pointer was.
+    void nodeDropped(QTreeWidgetItem* node, const QPoint& globalPos);
 
 protected:
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void commitData(QWidget* editor) override;
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
 
 private:
     QFont boldFont() const;
     void onItemCollapsed(QTreeWidgetItem* node);
+    /// Runs `change`, a change of the tree's shape, with the view's expanded state set aside and given
+    /// back afterwards (see removeNode).
+    void withExpandedStateAside(const std::function<void()>& change);
+    /// Forgets what refers to nodes that are about to go.
+    void forgetNodes(const std::vector<QTreeWidgetItem*>& nodes);
     void registerNode(QTreeWidgetItem* node, const QString& key);
     void renumber();
 
     QList<QTreeWidgetItem*> m_nodes;
     QHash<QString, QTreeWidgetItem*> m_byKey;
     QHash<const QTreeWidgetItem*, int> m_index; // 0-based position in m_nodes
+    /// The node the mouse was pressed on, and where and with which button: a drag may start from it.
+    QTreeWidgetItem* m_pressNode = nullptr;
+    QPoint m_pressPos;
+    Qt::MouseButton m_pressButton = Qt::NoButton;
+    QTreeWidgetItem* m_dropHighlight = nullptr;
     /// The key of the node whose label is being edited; empty when none is.
     QString m_editingKey;
     /// Whether the open label edit was confirmed, and with which text.

@@ -32,6 +32,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QDrag>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -212,13 +213,25 @@ void MainWindow::buildMenus()
 
     m_mnuNodes = new QMenu(this);
     m_mnuNodes->setObjectName(QStringLiteral("mnuNodes"));
-    QMenu* insertSub
+    m_mnuNodesInsertSub
         = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertSub"), QStringLiteral("Insert as subitem of"));
-    unavailable(addEntry(insertSub, QStringLiteral("mnuItemCopy"), QStringLiteral("Copy")));
-    unavailable(addEntry(insertSub, QStringLiteral("mnuItemMove"), QStringLiteral("Move")));
-    QMenu* insertNext = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert next to"));
-    unavailable(addEntry(insertNext, QStringLiteral("mnuNextItemCopy"), QStringLiteral("Copy")));
-    unavailable(addEntry(insertNext, QStringLiteral("mnuNextItemMove"), QStringLiteral("Move")));
+    m_mnuNodesInsertNext
+        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert next to"));
+    // The entries only note the choice; the drop goes on once the menu has closed.
+    const auto addDropChoice = [this](QMenu* menu, const QString& name, bool asChild, bool copy) {
+        QAction* entry = addEntry(menu, name, copy ? QStringLiteral("Copy") : QStringLiteral("Move"));
+        connect(entry, &QAction::triggered, this, [this, asChild, copy] {
+            DragState& drag = m_state.editing().drag;
+            drag.dropAsChild = asChild;
+            drag.dropAsSibling = !asChild;
+            drag.dropCopy = copy;
+            drag.dropCancelled = false;
+        });
+    };
+    addDropChoice(m_mnuNodesInsertSub, QStringLiteral("mnuItemCopy"), true, true);
+    addDropChoice(m_mnuNodesInsertSub, QStringLiteral("mnuItemMove"), true, false);
+    addDropChoice(m_mnuNodesInsertNext, QStringLiteral("mnuNextItemCopy"), false, true);
+    addDropChoice(m_mnuNodesInsertNext, QStringLiteral("mnuNextItemMove"), false, false);
 }
 
 void MainWindow::buildStatusBar()
@@ -687,6 +700,20 @@ bool MainWindow::runGuarded(const std::function<void()>& operation)
     return completed;
 }
 
+bool MainWindow::runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded)
+{
+    const bool completed = runCatchingErrors(operation, [this, &recorded](const RunTimeError& error) {
+        m_undoErrorReport.show(error, [this, &recorded] {
+            for (auto index = recorded.crbegin(); index != recorded.crend(); ++index) {
+                m_undoController.undoDocument(*index);
+            }
+        });
+    });
+    updateMenus();
+    watchAutosave();
+    return completed;
+}
+
 void MainWindow::showRefusal(const QString& text)
 {
     MessageRequest request;
@@ -729,6 +756,7 @@ void MainWindow::updateMenus()
     input.editorActive = view != nullptr;
     input.itemSelected = view != nullptr && view->selectedNode().isItem();
     input.choosingLinkTarget = m_state.anyLinkTargetChoice();
+    input.clipboardFilled = m_state.editing().clipboardItem.has_value();
     const EditMenuState state = EditMenuState::decide(input);
 
     for (QMenu* menu : { m_mnuFile, m_mnuEdit, m_mnuWindow, m_mnuH }) {
@@ -759,6 +787,31 @@ void MainWindow::selectionChanged(qint16 index)
 void MainWindow::attachEditor(EditorWindow& editor)
 {
     m_editMenu->attachTo(editor.tree());
+}
+
+void MainWindow::execDrag(QDrag* drag)
+{
+    if (m_dragExecutor) {
+        m_dragExecutor(drag);
+    } else {
+        drag->exec(Qt::CopyAction | Qt::MoveAction);
+    }
+    drag->deleteLater();
+}
+
+void MainWindow::popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo,
+                               const QPoint& globalPos)
+{
+    m_mnuNodesInsertSub->setTitle(targetText);
+    if (nextToo) {
+        m_mnuNodesInsertNext->setTitle(parentText);
+    }
+    m_mnuNodesInsertNext->menuAction()->setVisible(nextToo);
+    if (m_menuPopup) {
+        m_menuPopup(m_mnuNodes, globalPos);
+    } else {
+        m_mnuNodes->exec(globalPos);
+    }
 }
 
 // ---- Window menu ------------------------------------------------------------------------------

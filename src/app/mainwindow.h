@@ -20,6 +20,8 @@ class EditMenu;
 class EditorWindow;
 class OptionsStore;
 class QAction;
+class QDrag;
+class QPoint;
 class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
@@ -107,6 +109,7 @@ public:
     /// failed autosave write ...) ends it at once, is reported, and the active document is undone to
     /// its last recorded state. Returns whether the operation ran to its end.
     bool runGuarded(const std::function<void()>& operation) override;
+    bool runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded) override;
     /// The exclamation message of a refused operation.
     void showRefusal(const QString& text) override;
     /// A plain message with an OK button.
@@ -130,6 +133,17 @@ public:
     void selectionChanged(qint16 index);
     /// A new editor window: the Edit entries whose keys belong to the tree reach its tree.
     void attachEditor(EditorWindow& editor);
+
+    /// Runs the drag of a node until it is dropped or given up. Tests may step over the drag loop
+    /// with setDragExecutor.
+    void execDrag(QDrag* drag);
+    void setDragExecutor(std::function<void(QDrag*)> executor) { m_dragExecutor = std::move(executor); }
+    /// Shows the drop menu (mnuNodes) at `globalPos`: "Insert as subitem of" captioned `targetText`,
+    /// "Insert next to" captioned `parentText` and shown only when `nextToo`. Its entries set the
+    /// drop choices of the drag state; the captions stay until the next drop.
+    void popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo, const QPoint& globalPos);
+    /// Tests answer pop-up menus with setMenuPopup: it runs instead of the menu's own loop.
+    void setMenuPopup(std::function<void(QMenu*, const QPoint&)> popup) { m_menuPopup = std::move(popup); }
     /// Toggles the "CopyCommand at Duplication" option and saves the options.
     void toggleCopyCommandDup(bool checked);
 
@@ -192,6 +206,8 @@ private:
     UndoController m_undoController;
     EditingSession m_session;
 
+    std::function<void(QDrag*)> m_dragExecutor;
+    std::function<void(QMenu*, const QPoint&)> m_menuPopup;
     QMdiArea* m_mdiArea = nullptr;
     QTimer* m_autosaveCheck = nullptr;
     QMenu* m_mnuFile = nullptr;
@@ -200,6 +216,8 @@ private:
     QMenu* m_mnuH = nullptr;
     QMenu* m_mnuCommand = nullptr;
     QMenu* m_mnuNodes = nullptr;
+    QMenu* m_mnuNodesInsertSub = nullptr;
+    QMenu* m_mnuNodesInsertNext = nullptr;
     EditMenu* m_editMenu = nullptr;
     QAction* m_mnuSave = nullptr;
     QAction* m_tire03 = nullptr;

@@ -30,10 +30,22 @@ struct OperationSpec
 constexpr FieldSpec keyField { "key", FieldType::Text, true };
 
 // The operations and their fields, as the contract of `kelvmenu edit` lists them.
-constexpr std::array<OperationSpec, 8> operationSpecs { {
+constexpr std::array<OperationSpec, 15> operationSpecs { {
     { "new-item", { { keyField, { "caption", FieldType::Text, false } } }, 2 },
     { "rename", { { keyField, { "caption", FieldType::Text, true } } }, 2 },
     { "delete", { { keyField } }, 1 },
+    { "copy", { { keyField } }, 1 },
+    { "cut", { { keyField } }, 1 },
+    { "paste", { { keyField } }, 1 },
+    { "duplicate", { { keyField } }, 1 },
+    { "move-up", { { keyField } }, 1 },
+    { "move-down", { { keyField } }, 1 },
+    { "drop",
+      { { keyField,
+          { "target", FieldType::Text, true },
+          { "place", FieldType::Text, true },
+          { "copy", FieldType::Boolean, true } } },
+      4 },
     { "link", { { keyField, { "target", FieldType::Text, true } } }, 2 },
     { "link-on", { { keyField } }, 1 },
     { "link-off", { { keyField } }, 1 },
@@ -153,6 +165,14 @@ QList<ScriptOperation> EditScriptParser::parse(const QByteArray& json, QString& 
                 operation.hasCaption = true;
             } else if (name == QLatin1String("target")) {
                 operation.target = value.toString();
+            } else if (name == QLatin1String("place")) {
+                operation.place = value.toString();
+                if (operation.place != QLatin1String("child") && operation.place != QLatin1String("next")) {
+                    error = QStringLiteral("%1: field \"place\" must be \"child\" or \"next\"").arg(label);
+                    return {};
+                }
+            } else if (name == QLatin1String("copy")) {
+                operation.copy = value.toBool();
             }
         }
         operations.append(operation);

@@ -2,7 +2,9 @@
 
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
+#include "editing/itemmoving.h"
 #include "editing/linkediting.h"
+#include "editing/subtreecopy.h"
 #include "history/editingoperation.h"
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
@@ -35,11 +37,30 @@ bool ScriptedEditor::select(const QString& key)
     const QList<PlannedNode> plan = planTree(document(), 0);
     m_view.nodeKeys = QStringList { SelectedNode::rootKey() };
     m_view.selected = SelectedNode();
+    m_view.nodeParents.clear();
     for (const PlannedNode& node : plan) {
         m_view.nodeKeys.append(node.key);
-        if (node.key == key) {
-            m_view.selected.key = node.key;
-            m_view.selected.parentKey = node.parentKey;
+        m_view.nodeParents.insert(node.key, node.parentKey);
+    }
+    for (qsizetype n = 0; n < plan.size(); ++n) {
+        const PlannedNode& node = plan.at(n);
+        if (node.key != key) {
+            continue;
+        }
+        m_view.selected.key = node.key;
+        m_view.selected.parentKey = node.parentKey;
+        // Its sibling nodes are the nodes under the same parent node, in the order they were added.
+        for (qsizetype before = n - 1; before >= 0; --before) {
+            if (plan.at(before).parentKey == node.parentKey) {
+                m_view.selected.previousSiblingKey = plan.at(before).key;
+                break;
+            }
+        }
+        for (qsizetype after = n + 1; after < plan.size(); ++after) {
+            if (plan.at(after).parentKey == node.parentKey) {
+                m_view.selected.nextSiblingKey = plan.at(after).key;
+                break;
+            }
         }
     }
     // A freshly built tree shows its first item as a click on it would.
@@ -89,6 +110,27 @@ bool ScriptedEditor::run(const ScriptOperation& operation)
     if (op == QLatin1String("delete")) {
         return runOperation(EditOperations::deleteItem);
     }
+    if (op == QLatin1String("copy")) {
+        return runOperation(EditOperations::copy);
+    }
+    if (op == QLatin1String("cut")) {
+        return runOperation(EditOperations::cut);
+    }
+    if (op == QLatin1String("paste")) {
+        return runOperation(EditOperations::paste);
+    }
+    if (op == QLatin1String("duplicate")) {
+        return runOperation(EditOperations::duplicate);
+    }
+    if (op == QLatin1String("move-up")) {
+        return runOperation(EditOperations::moveUp);
+    }
+    if (op == QLatin1String("move-down")) {
+        return runOperation(EditOperations::moveDown);
+    }
+    if (op == QLatin1String("drop")) {
+        return drop(operation);
+    }
     if (op == QLatin1String("link")) {
         if (!requireItemNode(operation.target)) {
             return false;
@@ -114,6 +156,42 @@ bool ScriptedEditor::run(const ScriptOperation& operation)
         return runOperation(EditOperations::uncheckAllCopyCommand);
     }
     m_failure = QStringLiteral("unknown operation \"%1\"").arg(op);
+    return false;
+}
+
+bool ScriptedEditor::drop(const ScriptOperation& operation)
+{
+    const bool onRoot = operation.target == SelectedNode::rootKey();
+    if (!onRoot && !requireItemNode(operation.target)) {
+        return false;
+    }
+    const bool next = operation.place == QLatin1String("next");
+    if (onRoot && next) {
+        m_failure = QStringLiteral("nothing can be placed next to the root node");
+        return false;
+    }
+    // A drag of the selected node, dropped with the drop menu's choice.
+    DragState& drag = m_state.editing().drag;
+    drag.nodeKey = operation.key;
+    drag.document = m_index;
+    drag.button = DragState::Button::Right;
+    drag.active = true;
+    drag.dropAsChild = !next;
+    drag.dropAsSibling = next;
+    drag.dropCopy = operation.copy;
+    drag.dropCancelled = false;
+    if (isDropIgnored(drag, false, m_index, operation.target)) {
+        drag.active = false;
+        return true; // dropped on itself: nothing happens
+    }
+    const DropRequest request = dropRequestOf(drag, operation.target, m_view.nodeParents.value(operation.target),
+                                              m_state.editing().copyCommandDup);
+    if (m_session.runDrop(m_index, m_index, request)) {
+        return true;
+    }
+    if (m_failure.isEmpty()) {
+        m_failure = QStringLiteral("refused");
+    }
     return false;
 }
 
@@ -155,6 +233,12 @@ void ScriptedEditor::recordSnapshot(qint16)
 bool ScriptedEditor::runGuarded(const std::function<void()>& operation)
 {
     return runCatchingErrors(operation, [this](const RunTimeError& error) { m_failure = error.report(); });
+}
+
+bool ScriptedEditor::runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>&)
+{
+    // Nothing was recorded, and nothing is written after a failure: there is nothing to undo.
+    return runGuarded(operation);
 }
 
 void ScriptedEditor::showRefusal(const QString& text)

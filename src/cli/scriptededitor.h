@@ -37,6 +37,7 @@ public:
     // EditingHost
     void recordSnapshot(qint16 index) override;
     bool runGuarded(const std::function<void()>& operation) override;
+    bool runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded) override;
     void showRefusal(const QString& text) override;
 
 private:
@@ -48,6 +49,8 @@ private:
     /// The end of the label edit an operation started: confirmed with `caption`, or cancelled.
     bool finishLabelEdit(const QString& caption, bool confirmed);
     bool runOperation(const EditOperation& operation, const EditArguments& arguments = EditArguments());
+    /// A drag of the selected node dropped on the operation's target with its choices.
+    bool drop(const ScriptOperation& operation);
 
     ApplicationState m_state;
     qint16 m_index = 0;

@@ -13,6 +13,10 @@ struct ScriptOperation
     /// The label typed after New Item (when hasCaption), or the new caption of Rename.
     QString caption;
     bool hasCaption = false;
-    /// The item clicked as the link target.
+    /// The item clicked as the link target, or the node a branch is dropped on ("Root" too).
     QString target;
+    /// Where a dropped branch goes: "child" or "next".
+    QString place;
+    /// Whether a dropped branch is copied rather than moved.
+    bool copy = false;
 };

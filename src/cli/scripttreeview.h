@@ -2,6 +2,7 @@
 
 #include "core/editorview.h"
 
+#include <QHash>
 #include <QObject>
 #include <QStringList>
 
@@ -22,6 +23,8 @@ public:
     SelectedNode selected;
     /// The keys of the tree's nodes in the order the tree adds them; node 1 is the root.
     QStringList nodeKeys;
+    /// The key of each node's parent node ("Root" under the root).
+    QHash<QString, QString> nodeParents;
     /// The exclamation message of a refused operation; empty when nothing was refused.
     QString refusal;
     /// The plain messages shown, in order.

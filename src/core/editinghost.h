@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QtGlobal>
 
@@ -17,6 +18,10 @@ public:
     /// Runs `operation` inside the error handling of editing operations: a failure is reported and
     /// the active document undone to its last recorded state. Returns whether it ran to its end.
     virtual bool runGuarded(const std::function<void()>& operation) = 0;
+    /// The same for an operation that records snapshots of several documents (a drop between two
+    /// windows): a failure undoes every document in `recorded`, which the operation fills as it
+    /// records them.
+    virtual bool runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded) = 0;
     /// Tells the user why an operation was refused (exclamation icon, OK button); nothing changed.
     virtual void showRefusal(const QString& text) = 0;
 };

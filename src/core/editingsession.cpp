@@ -3,6 +3,7 @@
 #include "core/applicationstate.h"
 #include "core/editinghost.h"
 #include "core/editorview.h"
+#include "editing/itemmoving.h"
 
 namespace {
 
@@ -52,8 +53,13 @@ bool EditingSession::runOn(qint16 index, const SelectedNode& selected, const Edi
         return false; // no node, or the root, which belongs to no item
     }
     bool refused = false;
+    bool applicable = true;
     const bool completed = m_host.runGuarded([&] {
         EditContext context { m_state.document(index), selected, arguments, m_state.editing(), m_state.window(index) };
+        if (operation.applicable != nullptr && !operation.applicable(context)) {
+            applicable = false;
+            return;
+        }
         if (operation.refusal != nullptr) {
             const QString refusal = operation.refusal(context);
             if (!refusal.isEmpty()) {
@@ -69,5 +75,57 @@ bool EditingSession::runOn(qint16 index, const SelectedNode& selected, const Edi
         refused = !update.refusal().isEmpty();
         view->applyUpdate(update);
     });
+    if (!completed || refused) {
+        return false;
+    }
+    if (!applicable) {
+        return true; // nothing to do is no failure: Move up on the first item leaves everything as it is
+    }
+    if (operation.followedBy != nullptr) {
+        return run(index, *operation.followedBy, arguments);
+    }
+    return true;
+}
+
+bool EditingSession::runDrop(qint16 sourceIndex, qint16 targetIndex, const DropRequest& request)
+{
+    DragState& drag = m_state.editing().drag;
+    EditorView* targetView = m_state.editor(targetIndex);
+    EditorView* sourceView = m_state.editor(sourceIndex);
+    const bool sameDocument = sourceIndex == targetIndex;
+    QList<qint16> recorded;
+    bool refused = false;
+    const bool completed = targetView != nullptr && sourceView != nullptr && m_host.runGuardedUndoing([&] {
+        MenuDocument& source = m_state.document(sourceIndex);
+        MenuDocument& target = m_state.document(targetIndex);
+        if (sameDocument) {
+            const QString refusal = dropRefusal(target, request);
+            if (!refusal.isEmpty()) {
+                refused = true;
+                m_host.showRefusal(refusal);
+                return;
+            }
+        }
+        if (!sameDocument) {
+            m_host.recordSnapshot(sourceIndex);
+            recorded.append(sourceIndex);
+        }
+        m_host.recordSnapshot(targetIndex);
+        recorded.append(targetIndex);
+        DropUpdates updates;
+        if (request.copy) {
+            updates = dropCopy(source, target, request);
+        } else if (!sameDocument) {
+            updates = dropMoveBetween(source, target, request, m_state.editing());
+        } else {
+            updates.target = dropMoveWithin(target, request);
+        }
+        targetView->applyUpdate(updates.target);
+        if (!updates.source.isEmpty()) {
+            sourceView->applyUpdate(updates.source);
+        }
+    }, recorded);
+    drag.active = false;
+    drag.nodeKey.clear();
     return completed && !refused;
 }

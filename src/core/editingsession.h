@@ -6,6 +6,7 @@
 
 class ApplicationState;
 class EditingHost;
+struct DropRequest;
 
 /// Runs every editing operation for the editor windows (and for `kelvmenu edit`), always the same
 /// way: refuse it when the window has no suitable node selected, check what the operation itself
@@ -21,7 +22,8 @@ public:
     EditingSession& operator=(const EditingSession&) = delete;
 
     /// Runs `operation` on the active document with the selected node of its editor window.
-    /// Returns whether it ran to its end: false when it was refused or failed.
+    /// Returns whether it ran to its end (also when there was nothing to do): false when it was
+    /// refused (no item selected, or the operation's own refusal) or failed.
     bool run(const EditOperation& operation, const EditArguments& arguments = EditArguments());
     /// Runs `operation` on document `index` with the selected node of its editor window.
     bool run(qint16 index, const EditOperation& operation, const EditArguments& arguments = EditArguments());
@@ -29,6 +31,12 @@ public:
     /// ended, which may no longer be the selected one.
     bool runOn(qint16 index, const SelectedNode& node, const EditOperation& operation,
                const EditArguments& arguments = EditArguments());
+
+    /// A branch dragged from the tree of document `sourceIndex` dropped on a node of document
+    /// `targetIndex`, as `request` says. Records an undo snapshot of the source document (when it is
+    /// another one) and of the target document, so that each window undoes its own part; a failure
+    /// undoes both. A drop into the dragged branch itself is refused. Ends the drag in any case.
+    bool runDrop(qint16 sourceIndex, qint16 targetIndex, const DropRequest& request);
 
 private:
     ApplicationState& m_state;

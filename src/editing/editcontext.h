@@ -16,8 +16,20 @@ struct SelectedNode
     QString key;
     /// The key of its parent node; "Root" for a node directly under the root, empty for the root.
     QString parentKey;
+    /// The keys of the sibling nodes just before and after it; empty at either end.
+    QString previousSiblingKey;
+    QString nextSiblingKey;
 
     static QString rootKey() { return QStringLiteral("Root"); }
+
+    /// The node `key` under the node `parentKey`, without neighbours.
+    static SelectedNode of(const QString& key, const QString& parentKey = QString())
+    {
+        SelectedNode node;
+        node.key = key;
+        node.parentKey = parentKey;
+        return node;
+    }
 
     bool isNone() const { return key.isEmpty(); }
     bool isRoot() const { return key == rootKey(); }
@@ -37,6 +49,28 @@ struct EditArguments
     bool checked = false;
 };
 
+/// A node being dragged from one editor window's tree to a tree, and the choices of the drop menu.
+struct DragState
+{
+    enum class Button { None, Left, Right };
+
+    /// The key of the node being dragged.
+    QString nodeKey;
+    /// The document index of the window where the drag started.
+    qint16 document = 0;
+    Button button = Button::None;
+    /// True from the start of a node drag until its drop has been handled.
+    bool active = false;
+    /// The drop inserts the branch as a child of the target node ("Insert as subitem of").
+    bool dropAsChild = false;
+    /// The drop inserts the branch beside the target node ("Insert next to").
+    bool dropAsSibling = false;
+    /// Copy the branch rather than move it.
+    bool dropCopy = false;
+    /// True while the drop menu is open; any choice clears it.
+    bool dropCancelled = false;
+};
+
 /// The editing state that lives for the whole run and is shared by every editor window.
 struct EditingState
 {
@@ -45,6 +79,10 @@ struct EditingState
     bool snapshotNextLabelEdit = true;
     /// The "CopyCommand at Duplication" check mark.
     bool copyCommandDup = false;
+    /// The item record last copied or cut, with its own copy of the commands; shared by every
+    /// window (the system clipboard is not used). Empty until the first Copy or Cut.
+    std::optional<MenuItem> clipboardItem;
+    DragState drag;
 };
 
 /// The editing state of one editor window.

@@ -40,4 +40,9 @@ struct EditOperation
     QString (*refusal)(const EditContext& context);
     /// Changes the document and returns what the view must do. Throws RunTimeError on failure.
     TreeUpdate (*apply)(EditContext& context);
+    /// Whether there is anything to do at all; when not, nothing is recorded, changed or said (Move
+    /// up on the first item). Null when there always is.
+    bool (*applicable)(const EditContext& context) = nullptr;
+    /// The operation that runs next, on its own, once this one has run to its end (Cut's Delete).
+    const EditOperation* followedBy = nullptr;
 };

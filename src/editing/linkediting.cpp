@@ -87,7 +87,7 @@ TreeUpdate chooseLinkTarget(EditContext& context)
     update.selectNode(sourceKey).endLinkTargetChoice();
     // Ending the choice applies the now checked box to the source, which shows the target's
     // commands.
-    EditContext sourceContext { document, SelectedNode { sourceKey, QString() }, EditArguments {}, context.editing,
+    EditContext sourceContext { document, SelectedNode::of(sourceKey, QString()), EditArguments {}, context.editing,
                                 context.window };
     sourceContext.arguments.checked = true;
     update.append(switchLink(sourceContext));

@@ -35,6 +35,23 @@ TreeUpdate& TreeUpdate::setNodeText(const QString& key, const QString& text)
     return add(step(TreeStep::Kind::SetNodeText, key, text));
 }
 
+TreeUpdate& TreeUpdate::moveNodeUp(const QString& key)
+{
+    return add(step(TreeStep::Kind::MoveNodeUp, key));
+}
+
+TreeUpdate& TreeUpdate::moveNodeDown(const QString& key)
+{
+    return add(step(TreeStep::Kind::MoveNodeDown, key));
+}
+
+TreeUpdate& TreeUpdate::moveNodeUnder(const QString& key, const QString& parentKey)
+{
+    TreeStep moved = step(TreeStep::Kind::MoveNodeUnder, key);
+    moved.parentKey = parentKey;
+    return add(std::move(moved));
+}
+
 TreeUpdate& TreeUpdate::setNodeColour(const QString& key, NodeStyle::Colour colour)
 {
     TreeStep coloured = step(TreeStep::Kind::SetNodeColour, key);
@@ -62,6 +79,21 @@ TreeUpdate& TreeUpdate::regenerate()
 TreeUpdate& TreeUpdate::showItemCount()
 {
     return add(step(TreeStep::Kind::ShowItemCount));
+}
+
+TreeUpdate& TreeUpdate::showPosition(const QString& key)
+{
+    return add(step(TreeStep::Kind::ShowPosition, key));
+}
+
+TreeUpdate& TreeUpdate::showBusy()
+{
+    return add(step(TreeStep::Kind::ShowBusy));
+}
+
+TreeUpdate& TreeUpdate::hideBusy()
+{
+    return add(step(TreeStep::Kind::HideBusy));
 }
 
 TreeUpdate& TreeUpdate::selectNode(const QString& key)

@@ -12,12 +12,19 @@ struct TreeStep
 {
     enum class Kind {
         /// Add a node `key` with `text` as the last child of the node `parentKey` ("Root" for the
-        /// root node).
+        /// root node). New nodes are collapsed.
         AddNode,
         /// Remove the node `key` with its whole subtree.
         RemoveNode,
         /// Set the text of the node `key`.
         SetNodeText,
+        /// Show the node `key` with its branch one place earlier, or later, among its sibling nodes;
+        /// every node keeps its expanded state and the selection stays.
+        MoveNodeUp,
+        MoveNodeDown,
+        /// Move the node `key` with its branch to be the first child of the node `parentKey`; every
+        /// node keeps its expanded state and the selection stays.
+        MoveNodeUnder,
         /// Set the text colour of the node `key` (its bold type stays).
         SetNodeColour,
         /// When the tree holds nothing but the root node, add a node `key` with `text` under it.
@@ -28,6 +35,12 @@ struct TreeStep
         Regenerate,
         /// Show the document's item count in the status bar.
         ShowItemCount,
+        /// Show the place of the item `key` among its siblings and its number of children in the
+        /// status bar, "(position ; children)".
+        ShowPosition,
+        /// Show the busy notice and stop the tree from painting until HideBusy.
+        ShowBusy,
+        HideBusy,
         /// Make the node `key` the selected node, without the click behaviour.
         SelectNode,
         /// Select the node `key` and run the click behaviour on it (status bar, item panel).
@@ -75,11 +88,17 @@ public:
     TreeUpdate& addNode(const QString& parentKey, const QString& key, const QString& text);
     TreeUpdate& removeNode(const QString& key);
     TreeUpdate& setNodeText(const QString& key, const QString& text);
+    TreeUpdate& moveNodeUp(const QString& key);
+    TreeUpdate& moveNodeDown(const QString& key);
+    TreeUpdate& moveNodeUnder(const QString& key, const QString& parentKey);
     TreeUpdate& setNodeColour(const QString& key, NodeStyle::Colour colour);
     TreeUpdate& addNodeWhenOnlyRoot(const QString& key, const QString& text);
     TreeUpdate& recolour();
     TreeUpdate& regenerate();
     TreeUpdate& showItemCount();
+    TreeUpdate& showPosition(const QString& key);
+    TreeUpdate& showBusy();
+    TreeUpdate& hideBusy();
     TreeUpdate& selectNode(const QString& key);
     TreeUpdate& clickNode(const QString& key);
     TreeUpdate& clickFirstItemNode();

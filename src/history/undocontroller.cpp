@@ -20,17 +20,21 @@ UndoController::UndoController(DocumentList& documents, UndoManager& undoManager
 
 void UndoController::mnuUndo_Click()
 {
-    step(Direction::Undo);
+    step(m_host.activeDocumentIndex(), Direction::Undo);
 }
 
 void UndoController::mnuRedo_Click()
 {
-    step(Direction::Redo);
+    step(m_host.activeDocumentIndex(), Direction::Redo);
 }
 
-void UndoController::step(Direction direction)
+void UndoController::undoDocument(qint16 index)
 {
-    const qint16 index = m_host.activeDocumentIndex();
+    step(index, Direction::Undo);
+}
+
+void UndoController::step(qint16 index, Direction direction)
+{
     if (index == 0) {
         m_report.show(RunTimeError::noError());
         return;
@@ -47,6 +51,8 @@ void UndoController::step(Direction direction)
         MenuDocument& restored = m_documents.document(index);
         restored.hideMode = HideMode::applyModeChange(restored.hideMode, hideMode);
         m_host.regenerateTree(index);
-        m_host.showItemCount(int(m_documents.document(index).items.size()));
+        if (index == m_host.activeDocumentIndex()) {
+            m_host.showItemCount(int(m_documents.document(index).items.size()));
+        }
     });
 }

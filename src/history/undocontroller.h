@@ -22,11 +22,14 @@ public:
     void mnuUndo_Click();
     /// Redo of the active document, the same way.
     void mnuRedo_Click();
+    /// Undo of document `index`, active or not (the error report of a drop between two windows
+    /// undoes both); the item count is shown when it is the active one.
+    void undoDocument(qint16 index);
 
 private:
     enum class Direction { Undo, Redo };
 
-    void step(Direction direction);
+    void step(qint16 index, Direction direction);
 
     DocumentList& m_documents;
     UndoManager& m_undoManager;

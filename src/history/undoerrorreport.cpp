@@ -20,14 +20,19 @@ UndoErrorReport::UndoErrorReport(CriticalMessage showCritical, QString contactLi
 
 void UndoErrorReport::show(const RunTimeError& error)
 {
+    show(error, m_undoAction);
+}
+
+void UndoErrorReport::show(const RunTimeError& error, const std::function<void()>& undo)
+{
     if (m_undoErrorActive) {
         m_showCritical(undoFailedText(m_contactLines));
     } else {
         m_undoErrorActive = true;
         m_showCritical(errorText(error));
         try {
-            if (m_undoAction) {
-                m_undoAction();
+            if (undo) {
+                undo();
             }
         } catch (const std::exception&) {
             // The undo action reports its own errors through this report; one that still escapes

@@ -27,6 +27,9 @@ public:
     /// will undo your action") and then undoes the active document. While that undo runs, a second
     /// report shows only "An error occured while undoing your last action !" and undoes nothing.
     void show(const RunTimeError& error);
+    /// The same, with `undo` in place of the main window's Undo (a drop between two windows undoes
+    /// both documents).
+    void show(const RunTimeError& error, const std::function<void()>& undo);
 
     /// True while the undo of a report runs (UndoErrorActive).
     bool isActive() const { return m_undoErrorActive; }

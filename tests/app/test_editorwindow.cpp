@@ -103,10 +103,9 @@ private Q_SLOTS:
         QVERIFY(control<QLabel>(editor, "lblPath"));
         QVERIFY(control<QFrame>(editor, "frm01"));
         QVERIFY(control<QLabel>(editor, "lblReconstruct"));
-        // Commands built later are there but cannot be used yet.
-        QVERIFY(!control<QPushButton>(editor, "cmdUp")->isEnabled());
-        QVERIFY(!control<QPushButton>(editor, "cmdDown")->isEnabled());
-        // The link controls work on the item shown.
+        // The move and link controls work on the item shown.
+        QVERIFY(control<QPushButton>(editor, "cmdUp")->isEnabled());
+        QVERIFY(control<QPushButton>(editor, "cmdDown")->isEnabled());
         QVERIFY(control<QPushButton>(editor, "cmdChangeCopy")->isEnabled());
         QVERIFY(control<QCheckBox>(editor, "chkCopyCommand")->isEnabled());
     }

@@ -269,17 +269,16 @@ private Q_SLOTS:
     {
         GuiSandbox sandbox;
         // Not built yet: these stay visible and off whatever is open.
-        const QStringList unavailable = { QStringLiteral("mnuSpecialItems0"), QStringLiteral("mnuSpecialItems1"),
-                                          QStringLiteral("mnuSpecialItems2"), QStringLiteral("mnuCut"),
-                                          QStringLiteral("mnuCopy"),          QStringLiteral("mnuPaste"),
-                                          QStringLiteral("mnuDuplicate"),     QStringLiteral("mnuReplace"),
-                                          QStringLiteral("mnuAddCommand"),    QStringLiteral("mnuEditCommand"),
-                                          QStringLiteral("mnuRemoveCommand"), QStringLiteral("mnuClearCommands"),
-                                          QStringLiteral("mnuItemCopy"),      QStringLiteral("mnuItemMove"),
-                                          QStringLiteral("mnuNextItemCopy"),  QStringLiteral("mnuNextItemMove") };
+        const QStringList unavailable
+            = { QStringLiteral("mnuSpecialItems0"), QStringLiteral("mnuSpecialItems1"),
+                QStringLiteral("mnuSpecialItems2"), QStringLiteral("mnuReplace"),
+                QStringLiteral("mnuAddCommand"),    QStringLiteral("mnuEditCommand"),
+                QStringLiteral("mnuRemoveCommand"), QStringLiteral("mnuClearCommands") };
         // Need an item selected, or at least an open document.
-        const QStringList itemEntries = { QStringLiteral("mnuNewItem"), QStringLiteral("mnuRename"),
-                                          QStringLiteral("mnuDelete"), QStringLiteral("mnuSelectCopy") };
+        const QStringList itemEntries
+            = { QStringLiteral("mnuNewItem"),    QStringLiteral("mnuRename"), QStringLiteral("mnuDelete"),
+                QStringLiteral("mnuSelectCopy"), QStringLiteral("mnuCut"),    QStringLiteral("mnuCopy"),
+                QStringLiteral("mnuDuplicate") };
         const QStringList documentEntries
             = { QStringLiteral("mnuLFCopyCommand"), QStringLiteral("mnuUncheckCopyCommand"),
                 QStringLiteral("mnuRefresh"),       QStringLiteral("mnuHideCopies"),
@@ -294,13 +293,17 @@ private Q_SLOTS:
         expectEnabled(unavailable, false);
         expectEnabled(itemEntries, false);
         expectEnabled(documentEntries, false);
-        expectEnabled({ QStringLiteral("mnuUndo"), QStringLiteral("mnuRedo") }, false);
+        expectEnabled({ QStringLiteral("mnuUndo"), QStringLiteral("mnuRedo"), QStringLiteral("mnuPaste") }, false);
 
         // A new menu shows its first item: everything that needs an item is on.
         sandbox.window().mnuNew_Click();
         expectEnabled(unavailable, false);
         expectEnabled(itemEntries, true, 1);
         expectEnabled(documentEntries, true, 1);
+        // Paste waits for the first Copy or Cut, and then stays on.
+        expectEnabled({ QStringLiteral("mnuPaste") }, false, 1);
+        sandbox.trigger(QStringLiteral("mnuCopy"));
+        expectEnabled({ QStringLiteral("mnuPaste") }, true, 1);
 
         // The root belongs to no item.
         EditorWindow* editor = sandbox.window().activeEditor();
@@ -313,6 +316,7 @@ private Q_SLOTS:
         QVERIFY(editor->closeWindow());
         expectEnabled(itemEntries, false, 3);
         expectEnabled(documentEntries, false, 3);
+        expectEnabled({ QStringLiteral("mnuPaste") }, true, 3);
 
         const QStringList enabled
             = { QStringLiteral("mnuNew"),     QStringLiteral("mnuOpen"),       QStringLiteral("mnuSaveAs"),

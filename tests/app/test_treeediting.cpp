@@ -12,9 +12,11 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
 #include <QTest>
 
 using TreeHelpers::clickNode;
@@ -421,6 +423,229 @@ private Q_SLOTS:
         QTRY_VERIFY(!tree().isEditingLabel());
         QCOMPARE(document().items[0].caption, QStringLiteral("First"));
         QCOMPARE(document().items[2].caption, QStringLiteral("Gamma"));
+    }
+
+    // ---- Cut, copy, paste, duplicate -----------------------------------------------------------
+
+    void pasteOverwritesAnItemInAnotherWindowWithTheCopiedRecord()
+    {
+        open(texts({ "Alpha", "Beta" }), texts({ "0002:txt=notepad $fs-001$" }));
+        const qint16 first = m_index;
+        clickNode(tree(), QStringLiteral("E1"));
+        sandbox().trigger(QStringLiteral("mnuCopy"));
+        QCOMPARE(undoCount(sandbox(), first), 0);
+
+        m_index = sandbox().openMenu(QStringLiteral("other.ini"), texts({ "One", "···Two", "Three" }));
+        const MenuDocument before = document();
+        const int nodes = tree().nodeCount();
+        clickNode(tree(), QStringLiteral("E2"));
+        sandbox().trigger(QStringLiteral("mnuPaste"));
+        const MenuItem& pasted = document().items[2];
+        QCOMPARE(pasted.key, QStringLiteral("E2"));
+        QCOMPARE(pasted.caption, QStringLiteral("Beta"));
+        QCOMPARE(pasted.siblingOrder, qint16(2));
+        QCOMPARE(pasted.commands.size(), 2);
+        QCOMPARE(pasted.commands[1].command, QStringLiteral("notepad $fs-001$"));
+        // Only the node's text changes; nothing is rebuilt or recoloured.
+        QCOMPARE(tree().nodeByKey(QStringLiteral("E2"))->text(0), QStringLiteral("Beta"));
+        QCOMPARE(tree().nodeCount(), nodes);
+        QCOMPARE(colourOf(tree(), QStringLiteral("E2")), black);
+        QCOMPARE(undoCount(sandbox(), m_index), 1);
+        sandbox().trigger(QStringLiteral("mnuUndo"));
+        QCOMPARE(document(), before);
+    }
+
+    void pasteOntoAParentKeepsItsKeyButTakesTheCopiedChildCount()
+    {
+        open(texts({ "Leaf", "Parent", "···a", "···b" }));
+        clickNode(tree(), QStringLiteral("E0"));
+        sandbox().trigger(QStringLiteral("mnuCopy"));
+        clickNode(tree(), QStringLiteral("E1"));
+        sandbox().trigger(QStringLiteral("mnuPaste"));
+        const MenuItem& pasted = document().items[1];
+        QCOMPARE(pasted.key, QStringLiteral("E1"));
+        QCOMPARE(pasted.caption, QStringLiteral("Leaf"));
+        QCOMPARE(pasted.childCount, qint16(0));
+        QCOMPARE(pasted.siblingOrder, qint16(2));
+        // Its children still name it as their parent, and still show until the tree is rebuilt.
+        QCOMPARE(document().items[2].parent, qint16(1));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  Leaf", "  Leaf", "    a", "    b" }));
+        sandbox().trigger(QStringLiteral("mnuRefresh"));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  Leaf", "  Leaf" }));
+    }
+
+    void aCopiedItemCanBePastedAfterItsDeletion()
+    {
+        open(texts({ "Alpha", "Beta", "Gamma" }), texts({ "0002:txt=b", "0003:txt=b" }));
+        sandbox().trigger(QStringLiteral("mnuLFCopyCommand"));
+        QVERIFY(document().items[2].copiesCommands);
+        clickNode(tree(), QStringLiteral("E1"));
+        sandbox().trigger(QStringLiteral("mnuCopy"));
+        sandbox().trigger(QStringLiteral("mnuDelete"));
+        clickNode(tree(), QStringLiteral("E0"));
+        sandbox().trigger(QStringLiteral("mnuPaste"));
+        const MenuItem& pasted = document().items[0];
+        QCOMPARE(pasted.caption, QStringLiteral("Beta"));
+        QCOMPARE(pasted.commands.size(), 2);
+        QCOMPARE(pasted.key, QStringLiteral("E0"));
+    }
+
+    void cutTakesTwoUndoSteps()
+    {
+        openThree();
+        const MenuDocument before = document();
+        clickNode(tree(), QStringLiteral("E1"));
+        QVERIFY(!sandbox().action(QStringLiteral("mnuPaste"))->isEnabled());
+        sandbox().trigger(QStringLiteral("mnuCut"));
+        QCOMPARE(document().items.size(), 2);
+        QVERIFY(!tree().nodeByKey(QStringLiteral("E1")));
+        QVERIFY(sandbox().action(QStringLiteral("mnuPaste"))->isEnabled());
+        QCOMPARE(undoCount(sandbox(), m_index), 2);
+        sandbox().trigger(QStringLiteral("mnuUndo"));
+        QCOMPARE(document().items.size(), 3);
+        sandbox().trigger(QStringLiteral("mnuUndo"));
+        QCOMPARE(document(), before);
+        // Paste stays on for good once something was copied.
+        QVERIFY(sandbox().action(QStringLiteral("mnuPaste"))->isEnabled());
+    }
+
+    void duplicateCopiesABranchOfThreeLevelsWithKeysInPreOrder()
+    {
+        QVERIFY(sandbox().showWindow());
+        m_index = window().openMenu(sandbox().copyExample(QStringLiteral("archive-tools.ini")),
+                                    QStringLiteral("archive-tools.ini"));
+        clickNode(tree(), QStringLiteral("E0"));
+        sandbox().trigger(QStringLiteral("mnuDuplicate"));
+
+        QCOMPARE(document().items.size(), 16);
+        const QStringList captions = texts({ "Archive", "Pack", "Unpack", "Unpack here", "Unpack to folder…" });
+        for (int n = 0; n < 5; ++n) {
+            const MenuItem& copy = document().items.at(11 + n);
+            QCOMPARE(copy.key, QStringLiteral("E%1").arg(11 + n));
+            QCOMPARE(copy.caption, captions.at(n));
+        }
+        const MenuItem& top = document().items[11];
+        QCOMPARE(top.parent, qint16(-1));
+        QCOMPARE(top.siblingOrder, qint16(5));
+        QCOMPARE(top.childCount, qint16(2));
+        QCOMPARE(document().items[13].childCount, qint16(2));
+        QCOMPARE(document().items[14].parent, qint16(13));
+        QCOMPARE(document().items[0].lastCopyKey, QStringLiteral("E11"));
+        // The copy follows the last sibling, its nodes added, coloured, and collapsed.
+        QTreeWidgetItem* copyNode = tree().nodeByKey(QStringLiteral("E11"));
+        QCOMPARE(copyNode->parent(), tree().node(1));
+        QCOMPARE(tree().node(1)->indexOfChild(copyNode), 4);
+        QCOMPARE(copyNode->childCount(), 2);
+        QCOMPARE(colourOf(tree(), QStringLiteral("E12")), maroon);
+        QCOMPARE(colourOf(tree(), QStringLiteral("E11")), navy);
+        QVERIFY(window().editor(m_index)->findChild<QFrame*>(QStringLiteral("frm01"))->isHidden());
+        QVERIFY(tree().updatesEnabled());
+        QCOMPARE(panelText(sandbox(), 4), QStringLiteral("16"));
+        QCOMPARE(undoCount(sandbox(), m_index), 1);
+        sandbox().trigger(QStringLiteral("mnuUndo"));
+        QCOMPARE(document().items.size(), 11);
+    }
+
+    void duplicateLinksTheCopiesWhenCopyCommandAtDuplicationIsOn()
+    {
+        open(texts({ "Top", "···Commands", "···Empty" }), texts({ "0002:=run" }));
+        sandbox().trigger(QStringLiteral("mnuCopyComDup"));
+        QVERIFY(sandbox().action(QStringLiteral("mnuCopyComDup"))->isChecked());
+        clickNode(tree(), QStringLiteral("E0"));
+        sandbox().trigger(QStringLiteral("mnuDuplicate"));
+        const MenuItem& withCommands = document().items[4];
+        QCOMPARE(withCommands.caption, QStringLiteral("Commands"));
+        QVERIFY(withCommands.copiesCommands);
+        QCOMPARE(withCommands.copyKey, QStringLiteral("E1"));
+        // Items without commands get no link.
+        QVERIFY(!document().items[3].copiesCommands);
+        QVERIFY(!document().items[5].copiesCommands);
+
+        // Off again: a copy of a link keeps its source's link.
+        sandbox().trigger(QStringLiteral("mnuCopyComDup"));
+        clickNode(tree(), QStringLiteral("E4"));
+        sandbox().trigger(QStringLiteral("mnuDuplicate"));
+        const MenuItem& copyOfLink = document().items.last();
+        QVERIFY(copyOfLink.copiesCommands);
+        QCOMPARE(copyOfLink.copyKey, QStringLiteral("E1"));
+    }
+
+    void theEditKeysOfTheTreeCopyCutPasteAndDuplicate()
+    {
+        openThree();
+        clickNode(tree(), QStringLiteral("E0"));
+        tree().setFocus();
+        QTRY_VERIFY(tree().hasFocus());
+        QTest::keyClick(&tree(), Qt::Key_D, Qt::ControlModifier);
+        QCOMPARE(document().items.size(), 4);
+        QTest::keyClick(&tree(), Qt::Key_C, Qt::ControlModifier);
+        QVERIFY(window().state().editing().clipboardItem.has_value());
+        clickNode(tree(), QStringLiteral("E2"));
+        tree().setFocus();
+        QTest::keyClick(&tree(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(document().items[2].caption, QStringLiteral("Alpha"));
+        QTest::keyClick(&tree(), Qt::Key_X, Qt::ControlModifier);
+        QCOMPARE(document().items.size(), 3);
+    }
+
+    // ---- Move up and down ------------------------------------------------------------------------
+
+    void moveUpExchangesPlacesAndKeepsTheTreesState()
+    {
+        open(texts({ "A", "···a1", "B", "···b1", "C" }));
+        tree().nodeByKey(QStringLiteral("E2"))->setExpanded(false);
+        clickNode(tree(), QStringLiteral("E4"));
+        auto* up = window().editor(m_index)->findChild<QPushButton*>(QStringLiteral("cmdUp"));
+        auto* down = window().editor(m_index)->findChild<QPushButton*>(QStringLiteral("cmdDown"));
+        QTest::mouseClick(up, Qt::LeftButton);
+
+        QCOMPARE(document().items[4].siblingOrder, qint16(2));
+        QCOMPARE(document().items[2].siblingOrder, qint16(3));
+        QCOMPARE(document().items[4].key, QStringLiteral("E4"));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  C", "  B", "    b1" }));
+        QVERIFY(!tree().nodeByKey(QStringLiteral("E2"))->isExpanded());
+        QVERIFY(tree().nodeByKey(QStringLiteral("E0"))->isExpanded());
+        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E4")));
+        QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(2 ; 0)"));
+        QCOMPARE(undoCount(sandbox(), m_index), 1);
+
+        // Past a submenu, with the key of the tree.
+        tree().setFocus();
+        QTRY_VERIFY(tree().hasFocus());
+        QTest::keyClick(&tree(), Qt::Key_Up, Qt::ControlModifier);
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  C", "  A", "    a1", "  B", "    b1" }));
+        QCOMPARE(document().items[4].siblingOrder, qint16(1));
+        QVERIFY(tree().nodeByKey(QStringLiteral("E0"))->isExpanded());
+        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E4")));
+
+        // Nothing moves past either end, and nothing is recorded.
+        QTest::mouseClick(up, Qt::LeftButton);
+        QCOMPARE(undoCount(sandbox(), m_index), 2);
+        clickNode(tree(), QStringLiteral("E2"));
+        QTest::mouseClick(down, Qt::LeftButton);
+        QCOMPARE(undoCount(sandbox(), m_index), 2);
+        QTest::keyClick(&tree(), Qt::Key_Down, Qt::ControlModifier);
+        QCOMPARE(undoCount(sandbox(), m_index), 2);
+        QCOMPARE(document().items[2].siblingOrder, qint16(3));
+
+        sandbox().trigger(QStringLiteral("mnuUndo"));
+        sandbox().trigger(QStringLiteral("mnuUndo"));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  B", "    b1", "  C" }));
+    }
+
+    void movedLeavesKeepTheirNodesForALinkChoice()
+    {
+        open(texts({ "X", "Y", "Z" }), texts({ "0003:=z" }));
+        clickNode(tree(), QStringLiteral("E1"));
+        auto* editor = window().editor(m_index);
+        QTest::mouseClick(editor->findChild<QPushButton*>(QStringLiteral("cmdUp")), Qt::LeftButton);
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  Y", "  X", "  Z" }));
+        // The node last clicked is still Y's: choosing a target links Y.
+        QTest::mouseClick(editor->findChild<QPushButton*>(QStringLiteral("cmdChangeCopy")), Qt::LeftButton);
+        clickNode(tree(), QStringLiteral("E2"));
+        QCOMPARE(document().items[1].copyKey, QStringLiteral("E2"));
+        QVERIFY(document().items[1].copiesCommands);
+        QVERIFY(!document().items[0].copiesCommands);
     }
 
     void theRootStaysOpenAndItsFirstItemIsSelected()

@@ -220,6 +220,111 @@ private Q_SLOTS:
         QCOMPARE(unchecked.value(QStringLiteral("copyKey")).toString(), QStringLiteral("E1"));
     }
 
+    void pasteOverwritesTheItemWithTheCopiedRecord()
+    {
+        const RunResult result
+            = edit(R"([{"op": "copy", "key": "E1"}, {"op": "paste", "key": "E3"}])", { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject pasted = itemWithKey(object(result.out), QStringLiteral("E3"));
+        QCOMPARE(pasted.value(QStringLiteral("caption")).toString(), QStringLiteral("Pack"));
+        // It keeps its key and its place; its parent is the copied item's, as the record was copied.
+        QCOMPARE(pasted.value(QStringLiteral("siblingOrder")).toInt(), 2);
+        QCOMPARE(pasted.value(QStringLiteral("parent")).toInt(), 0);
+        QCOMPARE(commandsOf(pasted), commandsOf(itemWithKey(object(result.out), QStringLiteral("E1"))));
+    }
+
+    void cutKeepsTheRecordForALaterPaste()
+    {
+        const RunResult result
+            = edit(R"([{"op": "cut", "key": "E3"}, {"op": "paste", "key": "E2"}])", { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject document = object(result.out);
+        QCOMPARE(document.value(QStringLiteral("items")).toArray().size(), 3);
+        const QJsonObject pasted = itemWithKey(document, QStringLiteral("E2"));
+        QCOMPARE(pasted.value(QStringLiteral("caption")).toString(), QStringLiteral("Delete"));
+        QCOMPARE(pasted.value(QStringLiteral("parent")).toInt(), -1);
+    }
+
+    void duplicateCopiesTheBranchWithFreshKeys()
+    {
+        const RunResult plain = edit(R"([{"op": "duplicate", "key": "E0"}])", { QStringLiteral("--dump") });
+        QCOMPARE(plain.exitCode, 0);
+        const QJsonObject document = object(plain.out);
+        QCOMPARE(document.value(QStringLiteral("lastIndex")).toInt(), 6);
+        const QJsonObject archive = itemWithKey(document, QStringLiteral("E4"));
+        QCOMPARE(archive.value(QStringLiteral("caption")).toString(), QStringLiteral("Archive"));
+        QCOMPARE(archive.value(QStringLiteral("parent")).toInt(), -1);
+        QCOMPARE(archive.value(QStringLiteral("siblingOrder")).toInt(), 3);
+        QCOMPARE(archive.value(QStringLiteral("childCount")).toInt(), 2);
+        const QJsonObject pack = itemWithKey(document, QStringLiteral("E5"));
+        QCOMPARE(pack.value(QStringLiteral("caption")).toString(), QStringLiteral("Pack"));
+        QCOMPARE(pack.value(QStringLiteral("parent")).toInt(), 4);
+        QVERIFY(!pack.value(QStringLiteral("copiesCommands")).toBool());
+        QCOMPARE(itemWithKey(document, QStringLiteral("E6")).value(QStringLiteral("siblingOrder")).toInt(), 2);
+
+        // With "CopyCommand at Duplication" the copies link to what they were copied from.
+        const RunResult linked = edit(R"([{"op": "duplicate", "key": "E0"}])",
+                                      { QStringLiteral("--copy-command-dup"), QStringLiteral("--dump") });
+        QCOMPARE(linked.exitCode, 0);
+        const QJsonObject linkedPack = itemWithKey(object(linked.out), QStringLiteral("E5"));
+        QVERIFY(linkedPack.value(QStringLiteral("copiesCommands")).toBool());
+        QCOMPARE(linkedPack.value(QStringLiteral("copyKey")).toString(), QStringLiteral("E1"));
+        QVERIFY(
+            !itemWithKey(object(linked.out), QStringLiteral("E4")).value(QStringLiteral("copiesCommands")).toBool());
+    }
+
+    void moveUpAndDownExchangePlacesAndStopAtTheEnds()
+    {
+        const RunResult result = edit(R"([{"op": "move-up", "key": "E2"}, {"op": "move-up", "key": "E2"},
+                                          {"op": "move-down", "key": "E3"}])",
+                                      { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject document = object(result.out);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E2")).value(QStringLiteral("siblingOrder")).toInt(), 1);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E1")).value(QStringLiteral("siblingOrder")).toInt(), 2);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E3")).value(QStringLiteral("siblingOrder")).toInt(), 2);
+        // Keys and array order stay.
+        QCOMPARE(document.value(QStringLiteral("items")).toArray().at(1).toObject().value(QStringLiteral("key")),
+                 QJsonValue(QStringLiteral("E1")));
+    }
+
+    void aDropMovesABranchToBeTheFirstChildOfItsTarget()
+    {
+        const RunResult result
+            = edit(R"([{"op": "drop", "key": "E3", "target": "E0", "place": "child", "copy": false}])",
+                   { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject document = object(result.out);
+        const QJsonObject moved = itemWithKey(document, QStringLiteral("E3"));
+        QCOMPARE(moved.value(QStringLiteral("parent")).toInt(), 0);
+        QCOMPARE(moved.value(QStringLiteral("siblingOrder")).toInt(), 1);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E1")).value(QStringLiteral("siblingOrder")).toInt(), 2);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E2")).value(QStringLiteral("siblingOrder")).toInt(), 3);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E0")).value(QStringLiteral("childCount")).toInt(), 3);
+    }
+
+    void aDropCopiesABranchNextToItsTarget()
+    {
+        const RunResult result = edit(R"([{"op": "drop", "key": "E1", "target": "E3", "place": "next", "copy": true}])",
+                                      { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject copied = itemWithKey(object(result.out), QStringLiteral("E4"));
+        QCOMPARE(copied.value(QStringLiteral("caption")).toString(), QStringLiteral("Pack"));
+        QCOMPARE(copied.value(QStringLiteral("parent")).toInt(), -1);
+        QCOMPARE(copied.value(QStringLiteral("siblingOrder")).toInt(), 3);
+        // The links of the menu are made canonical again: the copy has Pack's commands.
+        QVERIFY(copied.value(QStringLiteral("copiesCommands")).toBool());
+    }
+
+    void aDropOnItselfChangesNothing()
+    {
+        const RunResult result
+            = edit(R"([{"op": "drop", "key": "E1", "target": "E1", "place": "child", "copy": false}])",
+                   { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(itemWithKey(object(result.out), QStringLiteral("E1")).value(QStringLiteral("parent")).toInt(), 0);
+    }
+
     void refusalsStopTheRunAndWriteNothing_data()
     {
         QTest::addColumn<QByteArray>("ops");
@@ -246,6 +351,15 @@ private Q_SLOTS:
         QTest::newRow("the root") << QByteArray(R"([{"op": "new-item", "key": "Root"}])")
                                   << QByteArray(
                                          "archive.ini: operation 1 (new-item): the root node belongs to no item\n");
+        QTest::newRow("paste with nothing copied")
+            << QByteArray(R"([{"op": "paste", "key": "E1"}])")
+            << QByteArray("archive.ini: operation 1 (paste): Nothing has been copied or cut yet.\n");
+        QTest::newRow("a drop into its own branch")
+            << QByteArray(R"([{"op": "drop", "key": "E0", "target": "E2", "place": "child", "copy": true}])")
+            << QByteArray("archive.ini: operation 1 (drop): An item cannot be dropped into its own branch !\n");
+        QTest::newRow("a drop next to the root")
+            << QByteArray(R"([{"op": "drop", "key": "E1", "target": "Root", "place": "next", "copy": false}])")
+            << QByteArray("archive.ini: operation 1 (drop): nothing can be placed next to the root node\n");
         QTest::newRow("a target that names no item")
             << QByteArray(R"([{"op": "link", "key": "E3", "target": "E7"}])")
             << QByteArray("archive.ini: operation 1 (link): no item has the key \"E7\"\n");
@@ -284,6 +398,12 @@ private Q_SLOTS:
                                         << QByteArray("operation 1 (delete): field \"key\" must be a string");
         QTest::newRow("unknown field") << QByteArray(R"([{"op": "delete", "key": "E1", "kye": "E2"}])")
                                        << QByteArray("operation 1 (delete): unknown field \"kye\"");
+        QTest::newRow("unknown place")
+            << QByteArray(R"([{"op": "drop", "key": "E1", "target": "E0", "place": "under", "copy": true}])")
+            << QByteArray("operation 1 (drop): field \"place\" must be \"child\" or \"next\"");
+        QTest::newRow("copy not a truth value")
+            << QByteArray(R"([{"op": "drop", "key": "E1", "target": "E0", "place": "child", "copy": "yes"}])")
+            << QByteArray("operation 1 (drop): field \"copy\" must be true or false");
     }
 
     void malformedScriptsAreUsageErrors()
@@ -350,7 +470,8 @@ private Q_SLOTS:
         const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("--help") });
         QCOMPARE(result.exitCode, 0);
         for (const char* word : { "new-item", "rename", "delete", "link", "link-on", "link-off", "look-for-links",
-                                  "uncheck-links", "--copy-command-dup", "--dump", "operation N (OP)" }) {
+                                  "uncheck-links", "copy", "cut", "paste", "duplicate", "move-up", "move-down", "drop",
+                                  "\"place\"", "--copy-command-dup", "--dump", "operation N (OP)" }) {
             QVERIFY2(result.out.contains(word), word);
         }
         QVERIFY(run({ QStringLiteral("--help") }).out.contains("6  edit stopped"));

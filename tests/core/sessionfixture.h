@@ -64,6 +64,21 @@ public:
             undoManager.completeAutosave();
         });
     }
+    bool runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded) override
+    {
+        return runCatchingErrors(
+            [this, &operation] {
+                operation();
+                undoManager.completeAutosave();
+            },
+            [this, &recorded](const RunTimeError& error) {
+                report.show(error, [this, &recorded] {
+                    for (auto index = recorded.crbegin(); index != recorded.crend(); ++index) {
+                        controller.undoDocument(*index);
+                    }
+                });
+            });
+    }
     void showRefusal(const QString& text) override { refusals.append(text); }
 
     // HistoryHost

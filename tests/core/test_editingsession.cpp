@@ -84,7 +84,7 @@ private Q_SLOTS:
         QVERIFY(!f.document().saved);
 
         MenuDocument expectedDocument = before;
-        SelectedNode selected { QStringLiteral("E1"), SelectedNode::rootKey() };
+        SelectedNode selected = SelectedNode::of(QStringLiteral("E1"), SelectedNode::rootKey());
         EditingState editing;
         WindowEditingState window;
         EditContext context { expectedDocument, selected, EditArguments(), editing, window };
@@ -172,7 +172,7 @@ private Q_SLOTS:
         f.view.select(QStringLiteral("E1"));
         QVERIFY(f.session.run(EditOperations::newItem));
         QCOMPARE(f.undoCount(), 1);
-        const SelectedNode created { QStringLiteral("E3"), SelectedNode::rootKey() };
+        const SelectedNode created = SelectedNode::of(QStringLiteral("E3"), SelectedNode::rootKey());
         QVERIFY(f.session.runOn(index, created, EditOperations::beginLabelEdit));
         QVERIFY(!f.state.window(index).labelEditTag);
         EditArguments text;

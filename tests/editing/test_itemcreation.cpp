@@ -58,7 +58,7 @@ struct Editor
     TreeUpdate run(TreeUpdate (*operation)(EditContext&), const QString& key, const QString& parentKey,
                    const QString& text = QString())
     {
-        EditContext context { document, SelectedNode { key, parentKey }, EditArguments {}, editing, window };
+        EditContext context { document, SelectedNode::of(key, parentKey), EditArguments {}, editing, window };
         context.arguments.text = text;
         return operation(context);
     }

@@ -100,7 +100,7 @@ TreeUpdate deleteSelected(MenuDocument& document, EditingState& editing, const c
 {
     WindowEditingState window;
     window.nodeClicked = true;
-    EditContext context { document, SelectedNode { QString::fromLatin1(key), QString::fromLatin1(parentKey) },
+    EditContext context { document, SelectedNode::of(QString::fromLatin1(key), QString::fromLatin1(parentKey)),
                           EditArguments {}, editing, window };
     return deleteSelectedItem(context);
 }

@@ -68,7 +68,7 @@ struct Editor
 
     TreeUpdate run(TreeUpdate (*operation)(EditContext&), const QString& key, const EditArguments& arguments = {})
     {
-        EditContext context { document, SelectedNode { key, SelectedNode::rootKey() }, arguments, editing, window };
+        EditContext context { document, SelectedNode::of(key, SelectedNode::rootKey()), arguments, editing, window };
         return operation(context);
     }
 
@@ -90,7 +90,7 @@ struct Editor
 
     QString refusalOf(const char* source, const char* target)
     {
-        const EditContext context { document, SelectedNode { QString::fromLatin1(target), SelectedNode::rootKey() },
+        const EditContext context { document, SelectedNode::of(QString::fromLatin1(target), SelectedNode::rootKey()),
                                     choice(source, target), editing, window };
         return linkTargetRefusal(context);
     }

@@ -35,7 +35,7 @@ TreeUpdate runOn(MenuDocument& document, TreeUpdate (*operation)(EditContext&))
 {
     EditingState editing;
     WindowEditingState window;
-    EditContext context { document, SelectedNode { QStringLiteral("E1"), SelectedNode::rootKey() }, EditArguments {},
+    EditContext context { document, SelectedNode::of(QStringLiteral("E1"), SelectedNode::rootKey()), EditArguments {},
                           editing, window };
     return operation(context);
 }

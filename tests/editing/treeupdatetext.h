@@ -19,6 +19,18 @@ inline QString kindName(TreeStep::Kind kind)
         return QStringLiteral("RemoveNode");
     case TreeStep::Kind::SetNodeText:
         return QStringLiteral("SetNodeText");
+    case TreeStep::Kind::MoveNodeUp:
+        return QStringLiteral("MoveNodeUp");
+    case TreeStep::Kind::MoveNodeDown:
+        return QStringLiteral("MoveNodeDown");
+    case TreeStep::Kind::MoveNodeUnder:
+        return QStringLiteral("MoveNodeUnder");
+    case TreeStep::Kind::ShowPosition:
+        return QStringLiteral("ShowPosition");
+    case TreeStep::Kind::ShowBusy:
+        return QStringLiteral("ShowBusy");
+    case TreeStep::Kind::HideBusy:
+        return QStringLiteral("HideBusy");
     case TreeStep::Kind::SetNodeColour:
         return QStringLiteral("SetNodeColour");
     case TreeStep::Kind::AddNodeWhenOnlyRoot:
