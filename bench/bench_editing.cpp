@@ -17,6 +17,7 @@
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
 #include "editing/subtreecopy.h"
+#include "editing/textreplacement.h"
 #include "editing/treedisplay.h"
 #include "menufile/menufilewriter.h"
 #include "model/itemlookup.h"
@@ -392,6 +393,60 @@ void benchMoves(QTextStream& out, int runs)
     }
 }
 
+/// Replace over a whole 32,767-item menu and in its 10,000-item branch: the replacement in the
+/// document alone, and the whole command with the tree rebuilt, beside Refresh.
+void benchReplace(QTextStream& out, int runs)
+{
+    printHeader(out,
+                { QStringLiteral("shape"), QStringLiteral("refresh"), QStringLiteral("all"), QStringLiteral("command"),
+                  QStringLiteral("branch"), QStringLiteral("command") });
+    const QString find = QStringLiteral("Item 12");
+    const QString replacement = QStringLiteral("Entry 12");
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options generatorOptions;
+        generatorOptions.shape = shape;
+        BenchWindow bench(generatorOptions);
+        EditingSession& session = bench.window->session();
+        const double refresh = medianMilliseconds(
+            runs, [] {},
+            [&session] {
+                session.run(EditOperations::refreshList);
+                paint();
+            });
+
+        MenuDocument copy;
+        const double all = medianMilliseconds(
+            runs, [&copy, &bench] { copy = bench.document(); },
+            [&copy, &find, &replacement] { replaceInAll(copy, find, replacement); });
+        const double branch = medianMilliseconds(
+            runs, [&copy, &bench] { copy = bench.document(); },
+            [&copy, &find, &replacement] {
+                replaceInBranch(copy, findItemByKey(copy, QStringLiteral("E0")), find, replacement);
+            });
+
+        EditArguments arguments;
+        arguments.text = find;
+        arguments.replacement = replacement;
+        const auto command = [&session, &arguments] {
+            session.run(EditOperations::replace, arguments);
+            paint();
+        };
+        arguments.checked = true;
+        const Timing allCommand = timeWithUndo(
+            runs, [] {}, command, [&bench] { bench.undo(); });
+        arguments.checked = false;
+        const Timing branchCommand = timeWithUndo(
+            runs, [&bench] { bench.select(QStringLiteral("E0")); }, command, [&bench] { bench.undo(); });
+        // The count is told in a plain message each time.
+        if (bench.prompts.messages != 2 * runs) {
+            throw RunTimeError(0, QStringLiteral("replace"), bench.prompts.lastText);
+        }
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(refresh) << cell(all)
+            << cell(allCommand.operation) << cell(branch) << cell(branchCommand.operation) << "\n";
+        out.flush();
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -416,6 +471,10 @@ int main(int argc, char* argv[])
         benchBranchCopies(out, runs);
         out << "\n32,767 items. Move up and down of a leaf and of a submenu among their siblings.\n";
         benchMoves(out, runs);
+        out << "\n32,767 items. Replace of \"Item 12\": all, branch: replaceInAll, replaceInBranch of the\n"
+               "10,000-item branch in the document alone; command: Replace All with its message answered\n"
+               "and the tree rebuilt.\n";
+        benchReplace(out, runs);
     } catch (const RunTimeError& error) {
         std::fprintf(stderr, "%s\n", qPrintable(error.report()));
         return 1;

@@ -66,7 +66,17 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     mnuDelete->setShortcut(QKeySequence::Delete);
     m_itemEntries.append(mnuDelete);
     m_treeEntries.append(mnuDelete);
-    m_unavailable.append(addEntry(QStringLiteral("mnuReplace"), QStringLiteral("Replace")));
+    QAction* mnuReplace = addEntry(QStringLiteral("mnuReplace"), QStringLiteral("Replace"));
+    // Ctrl+H, and the platform's own Replace key where it has another one.
+    QList<QKeySequence> replaceKeys { QKeySequence(Qt::CTRL | Qt::Key_H) };
+    for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::Replace)) {
+        if (!replaceKeys.contains(keys)) {
+            replaceKeys.append(keys);
+        }
+    }
+    mnuReplace->setShortcuts(replaceKeys);
+    connect(mnuReplace, &QAction::triggered, &m_main, &MainWindow::showReplaceDialog);
+    m_documentEntries.append(mnuReplace);
     addSeparator(QStringLiteral("Tire05"));
 
     m_mnuSelectCopy = addOperation(QStringLiteral("mnuSelectCopy"), QStringLiteral("Select an item to copy"),

@@ -5,8 +5,8 @@
 #include "core/applicationstate.h"
 #include "core/editingsession.h"
 #include "editing/itemcreation.h"
-#include "editing/itempanel.h"
 #include "editing/itemmoving.h"
+#include "editing/itempanel.h"
 #include "editing/linkediting.h"
 #include "editing/treeupdate.h"
 #include "model/errortable.h"
@@ -17,18 +17,18 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QDrag>
-#include <QKeySequence>
-#include <QMimeData>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDrag>
 #include <QFrame>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QSignalBlocker>

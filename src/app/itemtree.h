@@ -3,8 +3,8 @@
 #include <QFont>
 #include <QHash>
 #include <QList>
-#include <QString>
 #include <QPoint>
+#include <QString>
 #include <QTreeWidget>
 
 #include <functional>

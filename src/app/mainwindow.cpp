@@ -5,6 +5,7 @@
 #include "app/helplauncher.h"
 #include "app/itemtree.h"
 #include "app/optionsdialog.h"
+#include "app/replacedialog.h"
 #include "core/aboutinfo.h"
 #include "core/commandlinemenu.h"
 #include "core/documentfile.h"
@@ -22,6 +23,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -32,7 +34,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QDrag>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -714,6 +715,15 @@ bool MainWindow::runGuardedUndoing(const std::function<void()>& operation, const
     return completed;
 }
 
+bool MainWindow::runReporting(const std::function<void()>& operation)
+{
+    const bool completed
+        = runCatchingErrors(operation, [this](const RunTimeError& error) { showCritical(error.report()); });
+    updateMenus();
+    watchAutosave();
+    return completed;
+}
+
 void MainWindow::showRefusal(const QString& text)
 {
     MessageRequest request;
@@ -787,6 +797,17 @@ void MainWindow::selectionChanged(qint16 index)
 void MainWindow::attachEditor(EditorWindow& editor)
 {
     m_editMenu->attachTo(editor.tree());
+}
+
+void MainWindow::showReplaceDialog()
+{
+    // Made once and kept: its texts and check box stay as the user left them.
+    if (m_frmReplace == nullptr) {
+        m_frmReplace = new ReplaceDialog(m_session, this);
+    }
+    m_frmReplace->show();
+    m_frmReplace->raise();
+    m_frmReplace->activateWindow();
 }
 
 void MainWindow::execDrag(QDrag* drag)

@@ -17,6 +17,7 @@
 #include <QString>
 
 class EditMenu;
+class ReplaceDialog;
 class EditorWindow;
 class OptionsStore;
 class QAction;
@@ -110,6 +111,7 @@ public:
     /// its last recorded state. Returns whether the operation ran to its end.
     bool runGuarded(const std::function<void()>& operation) override;
     bool runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded) override;
+    bool runReporting(const std::function<void()>& operation) override;
     /// The exclamation message of a refused operation.
     void showRefusal(const QString& text) override;
     /// A plain message with an OK button.
@@ -146,6 +148,8 @@ public:
     void setMenuPopup(std::function<void(QMenu*, const QPoint&)> popup) { m_menuPopup = std::move(popup); }
     /// Toggles the "CopyCommand at Duplication" option and saves the options.
     void toggleCopyCommandDup(bool checked);
+    /// Shows the Replace dialog, without blocking the editor windows.
+    void showReplaceDialog();
 
     /// The save question of an editor window that is about to close. False keeps it open.
     bool confirmCloseEditor(qint16 index);
@@ -219,6 +223,7 @@ private:
     QMenu* m_mnuNodesInsertSub = nullptr;
     QMenu* m_mnuNodesInsertNext = nullptr;
     EditMenu* m_editMenu = nullptr;
+    ReplaceDialog* m_frmReplace = nullptr;
     QAction* m_mnuSave = nullptr;
     QAction* m_tire03 = nullptr;
     QAction* m_tire09 = nullptr;

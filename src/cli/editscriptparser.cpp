@@ -30,7 +30,7 @@ struct OperationSpec
 constexpr FieldSpec keyField { "key", FieldType::Text, true };
 
 // The operations and their fields, as the contract of `kelvmenu edit` lists them.
-constexpr std::array<OperationSpec, 15> operationSpecs { {
+constexpr std::array<OperationSpec, 16> operationSpecs { {
     { "new-item", { { keyField, { "caption", FieldType::Text, false } } }, 2 },
     { "rename", { { keyField, { "caption", FieldType::Text, true } } }, 2 },
     { "delete", { { keyField } }, 1 },
@@ -49,6 +49,11 @@ constexpr std::array<OperationSpec, 15> operationSpecs { {
     { "link", { { keyField, { "target", FieldType::Text, true } } }, 2 },
     { "link-on", { { keyField } }, 1 },
     { "link-off", { { keyField } }, 1 },
+    { "replace",
+      { { { "find", FieldType::Text, true },
+          { "replacement", FieldType::Text, true },
+          { "branch", FieldType::Text, false } } },
+      3 },
     { "look-for-links", {}, 0 },
     { "uncheck-links", {}, 0 },
 } };
@@ -173,6 +178,13 @@ QList<ScriptOperation> EditScriptParser::parse(const QByteArray& json, QString& 
                 }
             } else if (name == QLatin1String("copy")) {
                 operation.copy = value.toBool();
+            } else if (name == QLatin1String("find")) {
+                operation.find = value.toString();
+            } else if (name == QLatin1String("replacement")) {
+                operation.replacement = value.toString();
+            } else if (name == QLatin1String("branch")) {
+                // The branch is the selected node's: Replace works there unless told to work on all.
+                operation.key = value.toString();
             }
         }
         operations.append(operation);

@@ -5,6 +5,7 @@
 #include "editing/itemmoving.h"
 #include "editing/linkediting.h"
 #include "editing/subtreecopy.h"
+#include "editing/textreplacement.h"
 #include "history/editingoperation.h"
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
@@ -149,6 +150,13 @@ bool ScriptedEditor::run(const ScriptOperation& operation)
         arguments.checked = op == QLatin1String("link-on");
         return runOperation(EditOperations::switchLink, arguments);
     }
+    if (op == QLatin1String("replace")) {
+        EditArguments arguments;
+        arguments.text = operation.find;
+        arguments.replacement = operation.replacement;
+        arguments.checked = operation.key.isEmpty(); // "Replace on all items" without a branch
+        return runOperation(EditOperations::replace, arguments);
+    }
     if (op == QLatin1String("look-for-links")) {
         return runOperation(EditOperations::lookForCopyCommand);
     }
@@ -238,6 +246,11 @@ bool ScriptedEditor::runGuarded(const std::function<void()>& operation)
 bool ScriptedEditor::runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>&)
 {
     // Nothing was recorded, and nothing is written after a failure: there is nothing to undo.
+    return runGuarded(operation);
+}
+
+bool ScriptedEditor::runReporting(const std::function<void()>& operation)
+{
     return runGuarded(operation);
 }
 

@@ -38,6 +38,7 @@ public:
     void recordSnapshot(qint16 index) override;
     bool runGuarded(const std::function<void()>& operation) override;
     bool runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded) override;
+    bool runReporting(const std::function<void()>& operation) override;
     void showRefusal(const QString& text) override;
 
 private:

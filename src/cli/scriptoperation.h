@@ -19,4 +19,7 @@ struct ScriptOperation
     QString place;
     /// Whether a dropped branch is copied rather than moved.
     bool copy = false;
+    /// What Replace looks for and what it puts in its place.
+    QString find;
+    QString replacement;
 };

@@ -22,6 +22,9 @@ public:
     /// windows): a failure undoes every document in `recorded`, which the operation fills as it
     /// records them.
     virtual bool runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded) = 0;
+    /// Runs `operation`; a failure is only reported ("Error " + number + " : " + description + " (" +
+    /// source + ")", critical icon), nothing is undone. Returns whether it ran to its end.
+    virtual bool runReporting(const std::function<void()>& operation) = 0;
     /// Tells the user why an operation was refused (exclamation icon, OK button); nothing changed.
     virtual void showRefusal(const QString& text) = 0;
 };

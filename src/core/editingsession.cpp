@@ -14,6 +14,7 @@ bool recordsSnapshot(const EditOperation& operation, const EditContext& context)
         return true;
     case EditOperation::Recording::SnapshotWhenLabelTagged:
         return context.window.labelEditTag;
+    case EditOperation::Recording::SnapshotAfter:
     case EditOperation::Recording::Nothing:
         break;
     }
@@ -54,7 +55,10 @@ bool EditingSession::runOn(qint16 index, const SelectedNode& selected, const Edi
     }
     bool refused = false;
     bool applicable = true;
-    const bool completed = m_host.runGuarded([&] {
+    const auto guarded = [this, &operation](const std::function<void()>& work) {
+        return operation.failureUndoes ? m_host.runGuarded(work) : m_host.runReporting(work);
+    };
+    const bool completed = guarded([&] {
         EditContext context { m_state.document(index), selected, arguments, m_state.editing(), m_state.window(index) };
         if (operation.applicable != nullptr && !operation.applicable(context)) {
             applicable = false;
@@ -72,6 +76,9 @@ bool EditingSession::runOn(qint16 index, const SelectedNode& selected, const Edi
             m_host.recordSnapshot(index);
         }
         const TreeUpdate update = operation.apply(context);
+        if (operation.recording == EditOperation::Recording::SnapshotAfter) {
+            m_host.recordSnapshot(index);
+        }
         refused = !update.refusal().isEmpty();
         view->applyUpdate(update);
     });

@@ -41,11 +41,20 @@ struct SelectedNode
 /// clicked node of a link-target choice, the state of the copy-command check box.
 struct EditArguments
 {
+    /// The text of a confirmed label edit, or the text Replace looks for.
     QString text;
+    /// What Replace puts in its place.
+    QString replacement;
+    /// The extension filter of a command being stored.
+    QString extension;
+    /// The command slot (1-based) an operation works on; 0 for a new command, or for no line
+    /// selected in the command list.
+    int slot = 0;
     /// The item whose link is being set (the node last chosen by a plain click).
     QString sourceKey;
     /// The node clicked as the link target.
     QString targetKey;
+    /// The copy-command check box; Replace's "Replace on all items".
     bool checked = false;
 };
 

@@ -26,6 +26,8 @@ struct EditOperation
         Nothing,
         /// Records an undo snapshot before the change.
         SnapshotBefore,
+        /// Records an undo snapshot after the change (the command editor stores the command first).
+        SnapshotAfter,
         /// Records an undo snapshot before the change when the window's label-edit tag says so
         /// (the end of a label edit).
         SnapshotWhenLabelTagged,
@@ -45,4 +47,7 @@ struct EditOperation
     bool (*applicable)(const EditContext& context) = nullptr;
     /// The operation that runs next, on its own, once this one has run to its end (Cut's Delete).
     const EditOperation* followedBy = nullptr;
+    /// A failure is only reported, nothing undone (the command editor's store, whose snapshot comes
+    /// after the change: undoing would take back an earlier edit).
+    bool failureUndoes = true;
 };

@@ -71,10 +71,12 @@ DropUpdates dropMoveBetween(MenuDocument& source, MenuDocument& target, const Dr
 TreeUpdate dropMoveWithin(MenuDocument& document, const DropRequest& request);
 
 namespace EditOperations {
-inline constexpr EditOperation moveUp { "move-up",  EditOperation::Needs::ItemNode,
-                                        EditOperation::Recording::SnapshotBefore, nullptr,
-                                        &moveItemUp,  &hasPreviousSibling };
-inline constexpr EditOperation moveDown { "move-down", EditOperation::Needs::ItemNode,
-                                          EditOperation::Recording::SnapshotBefore, nullptr,
-                                          &moveItemDown, &hasNextSibling };
+inline constexpr EditOperation moveUp {
+    "move-up",          EditOperation::Needs::ItemNode, EditOperation::Recording::SnapshotBefore, nullptr, &moveItemUp,
+    &hasPreviousSibling
+};
+inline constexpr EditOperation moveDown {
+    "move-down",    EditOperation::Needs::ItemNode, EditOperation::Recording::SnapshotBefore, nullptr, &moveItemDown,
+    &hasNextSibling
+};
 } // namespace EditOperations

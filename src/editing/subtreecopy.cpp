@@ -138,8 +138,7 @@ int copyItemTree(int sourceIndex, int newParent, MenuDocument& source, MenuDocum
         if (visit.newParent == -1) {
             target.items[copyIndex].siblingOrder = countTopLevel(target);
         }
-        const QString parentKey
-            = visit.newParent == -1 ? QStringLiteral("Root") : target.items.at(visit.newParent).key;
+        const QString parentKey = visit.newParent == -1 ? QStringLiteral("Root") : target.items.at(visit.newParent).key;
         update.addNode(parentKey, copy.key, copy.caption);
         if (topCopy < 0) {
             topCopy = copyIndex;

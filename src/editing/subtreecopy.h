@@ -35,9 +35,10 @@ namespace EditOperations {
 inline constexpr EditOperation copy { "copy", EditOperation::Needs::ItemNode, EditOperation::Recording::Nothing,
                                       nullptr, &copyItem };
 /// Cut: a snapshot and a copy, then Delete with a snapshot of its own: two undo steps.
-inline constexpr EditOperation cut { "cut",   EditOperation::Needs::ItemNode, EditOperation::Recording::SnapshotBefore,
-                                     nullptr, &copyItem, nullptr,
-                                     &deleteItem };
+inline constexpr EditOperation cut {
+    "cut",      EditOperation::Needs::ItemNode, EditOperation::Recording::SnapshotBefore, nullptr, &copyItem, nullptr,
+    &deleteItem
+};
 inline constexpr EditOperation paste { "paste", EditOperation::Needs::ItemNode,
                                        EditOperation::Recording::SnapshotBefore, &pasteRefusal, &pasteItem };
 inline constexpr EditOperation duplicate { "duplicate", EditOperation::Needs::ItemNode,

@@ -10,12 +10,13 @@ struct ErrorEntry
     const char* description;
 };
 
-constexpr std::array<ErrorEntry, 13> errorEntries { {
+constexpr std::array<ErrorEntry, 14> errorEntries { {
     { ErrorNumber::InvalidProcedureCall, "Invalid procedure call or argument" },
     { ErrorNumber::Overflow, "Overflow" },
     { ErrorNumber::OutOfMemory, "Out of memory" },
     { ErrorNumber::SubscriptOutOfRange, "Subscript out of range" },
     { ErrorNumber::TypeMismatch, "Type mismatch" },
+    { ErrorNumber::OutOfStackSpace, "Out of stack space" },
     { ErrorNumber::BadFileNameOrNumber, "Bad file name or number" },
     { ErrorNumber::FileNotFound, "File not found" },
     { ErrorNumber::DiskFull, "Disk full" },

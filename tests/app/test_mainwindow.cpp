@@ -269,20 +269,20 @@ private Q_SLOTS:
     {
         GuiSandbox sandbox;
         // Not built yet: these stay visible and off whatever is open.
-        const QStringList unavailable
-            = { QStringLiteral("mnuSpecialItems0"), QStringLiteral("mnuSpecialItems1"),
-                QStringLiteral("mnuSpecialItems2"), QStringLiteral("mnuReplace"),
-                QStringLiteral("mnuAddCommand"),    QStringLiteral("mnuEditCommand"),
-                QStringLiteral("mnuRemoveCommand"), QStringLiteral("mnuClearCommands") };
+        const QStringList unavailable = { QStringLiteral("mnuSpecialItems0"), QStringLiteral("mnuSpecialItems1"),
+                                          QStringLiteral("mnuSpecialItems2"), QStringLiteral("mnuAddCommand"),
+                                          QStringLiteral("mnuEditCommand"),   QStringLiteral("mnuRemoveCommand"),
+                                          QStringLiteral("mnuClearCommands") };
         // Need an item selected, or at least an open document.
         const QStringList itemEntries
             = { QStringLiteral("mnuNewItem"),    QStringLiteral("mnuRename"), QStringLiteral("mnuDelete"),
                 QStringLiteral("mnuSelectCopy"), QStringLiteral("mnuCut"),    QStringLiteral("mnuCopy"),
                 QStringLiteral("mnuDuplicate") };
-        const QStringList documentEntries
-            = { QStringLiteral("mnuLFCopyCommand"), QStringLiteral("mnuUncheckCopyCommand"),
-                QStringLiteral("mnuRefresh"),       QStringLiteral("mnuHideCopies"),
-                QStringLiteral("mnuHideWCommand"),  QStringLiteral("mnuHideBoth") };
+        const QStringList documentEntries = {
+            QStringLiteral("mnuReplace"), QStringLiteral("mnuLFCopyCommand"), QStringLiteral("mnuUncheckCopyCommand"),
+            QStringLiteral("mnuRefresh"), QStringLiteral("mnuHideCopies"),    QStringLiteral("mnuHideWCommand"),
+            QStringLiteral("mnuHideBoth")
+        };
         const auto expectEnabled = [&sandbox](const QStringList& names, bool enabled, int stage = 0) {
             for (const QString& name : names) {
                 QAction* entry = sandbox.action(name);

@@ -325,6 +325,30 @@ private Q_SLOTS:
         QCOMPARE(itemWithKey(object(result.out), QStringLiteral("E1")).value(QStringLiteral("parent")).toInt(), 0);
     }
 
+    void replaceTellsItsCountOnStandardError()
+    {
+        const RunResult result = edit(R"([{"op": "replace", "find": "pack", "replacement": "zip"},
+                       {"op": "replace", "find": "$fs", "replacement": "$fs$fs", "branch": "E0"}])",
+                                      { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        // Case matters: the captions "Pack" stay, but "Unpack" holds "pack". Below Archive every item is replaced twice
+        // over.
+        QCOMPARE(result.err,
+                 QByteArray("archive.ini: operation 1: 5 replacement were made.\n"
+                            "archive.ini: operation 2: 12 replacement were made.\n"));
+        const QJsonObject pack = itemWithKey(object(result.out), QStringLiteral("E1"));
+        QCOMPARE(pack.value(QStringLiteral("caption")).toString(), QStringLiteral("Pack"));
+        QCOMPARE(commandsOf(pack).at(0).toObject().value(QStringLiteral("command")).toString(),
+                 QStringLiteral("zip.exe a $fs$fs$fs$fs-001$"));
+        QCOMPARE(itemWithKey(object(result.out), QStringLiteral("E2")).value(QStringLiteral("caption")).toString(),
+                 QStringLiteral("Unzip"));
+        QCOMPARE(commandsOf(itemWithKey(object(result.out), QStringLiteral("E3")))
+                     .at(0)
+                     .toObject()
+                     .value(QStringLiteral("command")),
+                 QJsonValue(QStringLiteral("del $fs-001$")));
+    }
+
     void refusalsStopTheRunAndWriteNothing_data()
     {
         QTest::addColumn<QByteArray>("ops");
@@ -351,6 +375,9 @@ private Q_SLOTS:
         QTest::newRow("the root") << QByteArray(R"([{"op": "new-item", "key": "Root"}])")
                                   << QByteArray(
                                          "archive.ini: operation 1 (new-item): the root node belongs to no item\n");
+        QTest::newRow("nothing to find")
+            << QByteArray(R"([{"op": "replace", "find": "", "replacement": "x"}])")
+            << QByteArray("archive.ini: operation 1 (replace): You must enter something to find !\n");
         QTest::newRow("paste with nothing copied")
             << QByteArray(R"([{"op": "paste", "key": "E1"}])")
             << QByteArray("archive.ini: operation 1 (paste): Nothing has been copied or cut yet.\n");
@@ -469,9 +496,27 @@ private Q_SLOTS:
     {
         const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("--help") });
         QCOMPARE(result.exitCode, 0);
-        for (const char* word : { "new-item", "rename", "delete", "link", "link-on", "link-off", "look-for-links",
-                                  "uncheck-links", "copy", "cut", "paste", "duplicate", "move-up", "move-down", "drop",
-                                  "\"place\"", "--copy-command-dup", "--dump", "operation N (OP)" }) {
+        for (const char* word : { "new-item",
+                                  "rename",
+                                  "delete",
+                                  "link",
+                                  "link-on",
+                                  "link-off",
+                                  "look-for-links",
+                                  "uncheck-links",
+                                  "copy",
+                                  "cut",
+                                  "paste",
+                                  "duplicate",
+                                  "move-up",
+                                  "move-down",
+                                  "drop",
+                                  "\"place\"",
+                                  "replace",
+                                  "\"branch\"",
+                                  "--copy-command-dup",
+                                  "--dump",
+                                  "operation N (OP)" }) {
             QVERIFY2(result.out.contains(word), word);
         }
         QVERIFY(run({ QStringLiteral("--help") }).out.contains("6  edit stopped"));

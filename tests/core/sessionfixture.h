@@ -79,6 +79,15 @@ public:
                 });
             });
     }
+    bool runReporting(const std::function<void()>& operation) override
+    {
+        return runCatchingErrors(
+            [this, &operation] {
+                operation();
+                undoManager.completeAutosave();
+            },
+            [this](const RunTimeError& error) { criticalMessages.append(error.report()); });
+    }
     void showRefusal(const QString& text) override { refusals.append(text); }
 
     // HistoryHost
