@@ -1,6 +1,7 @@
 #include "editmenu.h"
 
 #include "app/mainwindow.h"
+#include "commands/commandediting.h"
 #include "core/editingsession.h"
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
@@ -46,7 +47,12 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     for (int index = 0; index < specialCaptions.size(); ++index) {
         QAction* special = mnuSpecial->addAction(specialCaptions.at(index));
         special->setObjectName(QStringLiteral("mnuSpecialItems") + QString::number(index));
-        m_unavailable.append(special);
+        connect(special, &QAction::triggered, this, [this, caption = specialCaptions.at(index)] {
+            EditArguments arguments;
+            arguments.text = caption;
+            m_session.run(EditOperations::specialItem, arguments);
+        });
+        m_itemEntries.append(special);
     }
     addSeparator(QStringLiteral("Tire08"));
 
@@ -121,9 +127,6 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
 
     for (QAction* entry : std::as_const(m_treeEntries)) {
         entry->setShortcutContext(Qt::WidgetShortcut);
-    }
-    for (QAction* entry : std::as_const(m_unavailable)) {
-        entry->setEnabled(false);
     }
 }
 

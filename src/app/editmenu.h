@@ -61,7 +61,5 @@ private:
     QList<QAction*> m_documentEntries;
     /// Entries whose shortcuts work only while an item tree has the focus.
     QList<QAction*> m_treeEntries;
-    /// Entries not available yet: they stay visible and off.
-    QList<QAction*> m_unavailable;
     QAction* m_mnuSelectCopy = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "editorwindow.h"
 
+#include "app/commandmenu.h"
+
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
 #include "core/applicationstate.h"
@@ -181,6 +183,11 @@ void EditorWindow::buildLayout()
     m_lstCommand = new QListWidget(this);
     m_lstCommand->setObjectName(QStringLiteral("lstCommand"));
     commandsCaption->setBuddy(m_lstCommand);
+    // A double click edits the line; the right button's release pops the command menu up, also
+    // over an empty list.
+    m_lstCommand->viewport()->installEventFilter(this);
+    connect(m_lstCommand, &QListWidget::itemDoubleClicked, this,
+            [this] { m_main.commandMenu().mnuEditCommand_Click(); });
 
     // The copy-command link: the check box switches it, the field names the target item (a double
     // click follows the link) and the button starts choosing a target in the tree.
@@ -801,7 +808,19 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
             break;
         }
     }
+    if (watched == m_lstCommand->viewport() && event->type() == QEvent::MouseButtonRelease) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (mouse->button() == Qt::RightButton) {
+            m_main.popupMenu(m_main.commandMenu().menu(), mouse->globalPosition().toPoint());
+            return true;
+        }
+    }
     return QWidget::eventFilter(watched, event);
+}
+
+int EditorWindow::selectedCommandIndex() const
+{
+    return m_lstCommand->count() > 0 ? m_lstCommand->currentRow() : -1;
 }
 
 bool EditorWindow::closeWindow()

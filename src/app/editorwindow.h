@@ -77,6 +77,9 @@ public:
     /// drop asks with the drop menu.
     void lstMenu_OLEDragDrop(QTreeWidgetItem* node, const QPoint& globalPos);
 
+    /// The selected line of the command list (0-based); -1 when none is selected or it is empty.
+    int selectedCommandIndex() const;
+
     /// Set by every plain node click and never cleared.
     bool nodeClicked() const;
     /// Whether the window is choosing a link target (its button is pressed).

@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "app/commandmenu.h"
 #include "app/editmenu.h"
 #include "app/editorwindow.h"
 #include "app/helplauncher.h"
@@ -139,8 +140,6 @@ void MainWindow::buildMenus()
         return menu;
     };
     // Entries whose commands are not available yet stay visible but disabled.
-    auto unavailable = [](QAction* entry) { entry->setEnabled(false); };
-
     // File
     m_mnuFile = namedMenu(nullptr, QStringLiteral("mnuFile"), QStringLiteral("&File"));
     QAction* mnuNew = addEntry(m_mnuFile, QStringLiteral("mnuNew"), QStringLiteral("New"));
@@ -205,12 +204,7 @@ void MainWindow::buildMenus()
 
     // Pop-up menus of the editor windows: the command list's menu and the menu shown when a tree
     // node is dropped on another. Both come with the commands they belong to.
-    m_mnuCommand = new QMenu(this);
-    m_mnuCommand->setObjectName(QStringLiteral("mnuCommand"));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuAddCommand"), QStringLiteral("Add")));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuEditCommand"), QStringLiteral("Edit")));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuRemoveCommand"), QStringLiteral("Remove")));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuClearCommands"), QStringLiteral("Clear")));
+    m_commandMenu = new CommandMenu(*this, this);
 
     m_mnuNodes = new QMenu(this);
     m_mnuNodes->setObjectName(QStringLiteral("mnuNodes"));
@@ -784,6 +778,7 @@ void MainWindow::updateMenus()
         m_undoManager.updateMenu(view != nullptr ? index : qint16(0));
     }
     m_editMenu->apply(state);
+    m_commandMenu->apply(state);
     updateHideMarks();
 }
 
@@ -828,10 +823,15 @@ void MainWindow::popupDropMenu(const QString& targetText, const QString& parentT
         m_mnuNodesInsertNext->setTitle(parentText);
     }
     m_mnuNodesInsertNext->menuAction()->setVisible(nextToo);
+    popupMenu(m_mnuNodes, globalPos);
+}
+
+void MainWindow::popupMenu(QMenu* menu, const QPoint& globalPos)
+{
     if (m_menuPopup) {
-        m_menuPopup(m_mnuNodes, globalPos);
+        m_menuPopup(menu, globalPos);
     } else {
-        m_mnuNodes->exec(globalPos);
+        menu->exec(globalPos);
     }
 }
 

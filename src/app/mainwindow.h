@@ -16,6 +16,7 @@
 #include <QMainWindow>
 #include <QString>
 
+class CommandMenu;
 class EditMenu;
 class ReplaceDialog;
 class EditorWindow;
@@ -103,6 +104,8 @@ public:
     EditingSession& session() { return m_session; }
     /// The Edit menu.
     EditMenu& editMenu() { return *m_editMenu; }
+    /// The command list's pop-up menu and the command editor it opens.
+    CommandMenu& commandMenu() { return *m_commandMenu; }
 
     // EditingHost
     void recordSnapshot(qint16 index) override;
@@ -146,6 +149,8 @@ public:
     void popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo, const QPoint& globalPos);
     /// Tests answer pop-up menus with setMenuPopup: it runs instead of the menu's own loop.
     void setMenuPopup(std::function<void(QMenu*, const QPoint&)> popup) { m_menuPopup = std::move(popup); }
+    /// Pops `menu` up at `globalPos` (or hands it to the test's popup).
+    void popupMenu(QMenu* menu, const QPoint& globalPos);
     /// Toggles the "CopyCommand at Duplication" option and saves the options.
     void toggleCopyCommandDup(bool checked);
     /// Shows the Replace dialog, without blocking the editor windows.
@@ -218,7 +223,7 @@ private:
     QMenu* m_mnuEdit = nullptr;
     QMenu* m_mnuWindow = nullptr;
     QMenu* m_mnuH = nullptr;
-    QMenu* m_mnuCommand = nullptr;
+    CommandMenu* m_commandMenu = nullptr;
     QMenu* m_mnuNodes = nullptr;
     QMenu* m_mnuNodesInsertSub = nullptr;
     QMenu* m_mnuNodesInsertNext = nullptr;

@@ -30,7 +30,7 @@ struct OperationSpec
 constexpr FieldSpec keyField { "key", FieldType::Text, true };
 
 // The operations and their fields, as the contract of `kelvmenu edit` lists them.
-constexpr std::array<OperationSpec, 16> operationSpecs { {
+constexpr std::array<OperationSpec, 20> operationSpecs { {
     { "new-item", { { keyField, { "caption", FieldType::Text, false } } }, 2 },
     { "rename", { { keyField, { "caption", FieldType::Text, true } } }, 2 },
     { "delete", { { keyField } }, 1 },
@@ -54,6 +54,17 @@ constexpr std::array<OperationSpec, 16> operationSpecs { {
           { "replacement", FieldType::Text, true },
           { "branch", FieldType::Text, false } } },
       3 },
+    { "add-command",
+      { { keyField, { "extension", FieldType::Text, true }, { "command", FieldType::Text, true } } },
+      3 },
+    { "edit-command",
+      { { keyField,
+          { "slot", FieldType::Number, true },
+          { "extension", FieldType::Text, true },
+          { "command", FieldType::Text, true } } },
+      4 },
+    { "remove-command", { { keyField, { "slot", FieldType::Number, true } } }, 2 },
+    { "clear-commands", { { keyField } }, 1 },
     { "look-for-links", {}, 0 },
     { "uncheck-links", {}, 0 },
 } };
@@ -182,6 +193,17 @@ QList<ScriptOperation> EditScriptParser::parse(const QByteArray& json, QString& 
                 operation.find = value.toString();
             } else if (name == QLatin1String("replacement")) {
                 operation.replacement = value.toString();
+            } else if (name == QLatin1String("extension")) {
+                operation.extension = value.toString();
+            } else if (name == QLatin1String("command")) {
+                operation.command = value.toString();
+            } else if (name == QLatin1String("slot")) {
+                const double slot = value.toDouble();
+                if (slot < 1 || slot > 32767 || slot != double(int(slot))) {
+                    error = QStringLiteral("%1: field \"slot\" must be a whole number from 1 to 32767").arg(label);
+                    return {};
+                }
+                operation.slot = int(slot);
             } else if (name == QLatin1String("branch")) {
                 // The branch is the selected node's: Replace works there unless told to work on all.
                 operation.key = value.toString();

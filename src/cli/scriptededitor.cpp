@@ -1,5 +1,6 @@
 #include "scriptededitor.h"
 
+#include "commands/commandediting.h"
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
 #include "editing/itemmoving.h"
@@ -156,6 +157,21 @@ bool ScriptedEditor::run(const ScriptOperation& operation)
         arguments.replacement = operation.replacement;
         arguments.checked = operation.key.isEmpty(); // "Replace on all items" without a branch
         return runOperation(EditOperations::replace, arguments);
+    }
+    if (op == QLatin1String("add-command") || op == QLatin1String("edit-command")) {
+        EditArguments arguments;
+        arguments.extension = operation.extension;
+        arguments.text = operation.command;
+        arguments.slot = operation.slot; // 0 for add-command: a new last command
+        return runOperation(EditOperations::storeCommand, arguments);
+    }
+    if (op == QLatin1String("remove-command")) {
+        EditArguments arguments;
+        arguments.slot = operation.slot;
+        return runOperation(EditOperations::removeCommand, arguments);
+    }
+    if (op == QLatin1String("clear-commands")) {
+        return runOperation(EditOperations::clearCommands);
     }
     if (op == QLatin1String("look-for-links")) {
         return runOperation(EditOperations::lookForCopyCommand);

@@ -22,4 +22,9 @@ struct ScriptOperation
     /// What Replace looks for and what it puts in its place.
     QString find;
     QString replacement;
+    /// A command's extension filter and its text in the stored form (lines joined by "||").
+    QString extension;
+    QString command;
+    /// The command's slot among the item's commands, from 1.
+    int slot = 0;
 };

@@ -349,6 +349,31 @@ private Q_SLOTS:
                  QJsonValue(QStringLiteral("del $fs-001$")));
     }
 
+    void commandOperationsChangeTheItemsOwnCommands()
+    {
+        const RunResult result = edit(R"([{"op": "add-command", "key": "E1", "extension": "7z", "command": "a||b"},
+                       {"op": "edit-command", "key": "E1", "slot": 1, "extension": "", "command": "x"},
+                       {"op": "remove-command", "key": "E1", "slot": 2},
+                       {"op": "clear-commands", "key": "E3"},
+                       {"op": "add-command", "key": "E0", "extension": "", "command": ""}])",
+                                      { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.err.isEmpty());
+        const QJsonObject menu = object(result.out);
+        const QJsonArray pack = commandsOf(itemWithKey(menu, QStringLiteral("E1")));
+        QCOMPARE(pack.size(), 2);
+        QCOMPARE(pack.at(0).toObject().value(QStringLiteral("extension")).toString(), QString());
+        QCOMPARE(pack.at(0).toObject().value(QStringLiteral("command")).toString(), QStringLiteral("x"));
+        QCOMPARE(pack.at(1).toObject().value(QStringLiteral("extension")).toString(), QStringLiteral("7z"));
+        QCOMPARE(pack.at(1).toObject().value(QStringLiteral("command")).toString(), QStringLiteral("a||b"));
+        QVERIFY(commandsOf(itemWithKey(menu, QStringLiteral("E3"))).isEmpty());
+        // Nothing is checked: an empty extension and an empty command are stored as they are.
+        const QJsonArray archive = commandsOf(itemWithKey(menu, QStringLiteral("E0")));
+        QCOMPARE(archive.size(), 1);
+        QCOMPARE(archive.at(0).toObject().value(QStringLiteral("command")).toString(), QString());
+        QCOMPARE(commandsOf(itemWithKey(menu, QStringLiteral("E2"))).size(), 2);
+    }
+
     void refusalsStopTheRunAndWriteNothing_data()
     {
         QTest::addColumn<QByteArray>("ops");
@@ -387,6 +412,12 @@ private Q_SLOTS:
         QTest::newRow("a drop next to the root")
             << QByteArray(R"([{"op": "drop", "key": "E1", "target": "Root", "place": "next", "copy": false}])")
             << QByteArray("archive.ini: operation 1 (drop): nothing can be placed next to the root node\n");
+        QTest::newRow("a command slot past the last")
+            << QByteArray(R"([{"op": "edit-command", "key": "E3", "slot": 2, "extension": "", "command": "x"}])")
+            << QByteArray("archive.ini: operation 1 (edit-command): The item has no command 2.\n");
+        QTest::newRow("removing from an item without commands")
+            << QByteArray(R"([{"op": "remove-command", "key": "E0", "slot": 1}])")
+            << QByteArray("archive.ini: operation 1 (remove-command): The item has no command 1.\n");
         QTest::newRow("a target that names no item")
             << QByteArray(R"([{"op": "link", "key": "E3", "target": "E7"}])")
             << QByteArray("archive.ini: operation 1 (link): no item has the key \"E7\"\n");
@@ -431,6 +462,12 @@ private Q_SLOTS:
         QTest::newRow("copy not a truth value")
             << QByteArray(R"([{"op": "drop", "key": "E1", "target": "E0", "place": "child", "copy": "yes"}])")
             << QByteArray("operation 1 (drop): field \"copy\" must be true or false");
+        QTest::newRow("slot zero")
+            << QByteArray(R"([{"op": "remove-command", "key": "E1", "slot": 0}])")
+            << QByteArray("operation 1 (remove-command): field \"slot\" must be a whole number from 1 to 32767");
+        QTest::newRow("slot not whole")
+            << QByteArray(R"([{"op": "edit-command", "key": "E1", "slot": 1.5, "extension": "", "command": ""}])")
+            << QByteArray("operation 1 (edit-command): field \"slot\" must be a whole number");
     }
 
     void malformedScriptsAreUsageErrors()
