@@ -77,6 +77,9 @@ bool EditingSession::runOn(qint16 index, const SelectedNode& selected, const Edi
         }
         const TreeUpdate update = operation.apply(context);
         if (operation.recording == EditOperation::Recording::SnapshotAfter) {
+            // The state recorded already holds the change, so it must not pass for the saved file:
+            // an Undo back to it would otherwise let the change go unsaved without a question.
+            m_state.document(index).saved = false;
             m_host.recordSnapshot(index);
         }
         refused = !update.refusal().isEmpty();

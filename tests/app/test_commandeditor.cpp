@@ -207,6 +207,8 @@ private Q_SLOTS:
         // The state recorded already holds the command, so Undo brings back the menu with it.
         sandbox().trigger(QStringLiteral("mnuUndo"));
         QCOMPARE(commandsOf(index, 1), texts({ "txt=x" }));
+        // ... and that menu is not the file's: closing still asks to save it.
+        QVERIFY(!document(index).saved);
     }
 
     void editingShowsSeparatorsAsEmptyLinesAndStoresThemBack()

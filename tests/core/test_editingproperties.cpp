@@ -1,5 +1,6 @@
 #include "sessionfixture.h"
 
+#include "commands/commandediting.h"
 #include "editing/copylinks.h"
 #include "editing/documentinvariants.h"
 #include "editing/itemcreation.h"
@@ -18,6 +19,8 @@
 namespace {
 
 const char* const captions[] = { "", "x", "New Item 1", "Ünïcode", " padded " };
+const char* const commandTexts[]
+    = { "", "avi", "del $fs-001$||copy x", "$exepath$\\Tolvexer\\Tolvexer.exe 001=a", "ü" };
 
 /// A random node of a tree freshly built from the document, with its sibling nodes; now and then
 /// the root.
@@ -60,7 +63,7 @@ private:
         f.view.selected = randomNode(random, f.document());
         f.state.window(index).nodeClicked = true;
         f.state.editing().copyCommandDup = random.bounded(2) == 0;
-        const int choice = random.bounded(16);
+        const int choice = random.bounded(21);
         switch (choice) {
         case 8:
             f.session.run(EditOperations::copy);
@@ -146,6 +149,25 @@ private:
         case 6:
             f.session.run(EditOperations::lookForCopyCommand);
             return QStringLiteral("look-for-links");
+        case 16:
+        case 17: {
+            // Add (slot 0) or edit one of the item's commands, or a slot past them (refused).
+            EditArguments arguments;
+            arguments.slot = random.bounded(2) == 0 ? 0 : random.bounded(1, 4);
+            arguments.extension = QString::fromUtf8(commandTexts[random.bounded(5)]);
+            arguments.text = QString::fromUtf8(commandTexts[random.bounded(5)]);
+            f.session.run(EditOperations::storeCommand, arguments);
+            return QStringLiteral("store-command");
+        }
+        case 18: {
+            EditArguments arguments;
+            arguments.slot = random.bounded(0, 4);
+            f.session.run(EditOperations::removeCommand, arguments);
+            return QStringLiteral("remove-command");
+        }
+        case 19:
+            f.session.run(EditOperations::clearCommands);
+            return QStringLiteral("clear-commands");
         default:
             f.session.run(EditOperations::uncheckAllCopyCommand);
             return QStringLiteral("uncheck-links");
@@ -184,6 +206,14 @@ private Q_SLOTS:
                 for (qsizetype undo = 0; undo < steps; ++undo) {
                     f.controller.mnuUndo_Click();
                 }
+                if (operation == QLatin1String("store-command")) {
+                    // The command editor records the menu after the command is written: Undo gives
+                    // that state back, and the step before it stays as it was.
+                    QVERIFY2(RandomMenu::firstDifference(f.document(), after).isEmpty(),
+                             qPrintable(where + QStringLiteral("undo: ")
+                                        + RandomMenu::firstDifference(f.document(), after)));
+                    continue;
+                }
                 QVERIFY2(
                     RandomMenu::firstDifference(f.document(), before).isEmpty(),
                     qPrintable(where + QStringLiteral("undo: ") + RandomMenu::firstDifference(f.document(), before)));
@@ -205,7 +235,8 @@ private Q_SLOTS:
         for (const QString& operation :
              { QStringLiteral("new-item"), QStringLiteral("rename"), QStringLiteral("delete"), QStringLiteral("link"),
                QStringLiteral("cut"), QStringLiteral("paste"), QStringLiteral("duplicate"), QStringLiteral("move-up"),
-               QStringLiteral("move-down"), QStringLiteral("drop copy"), QStringLiteral("drop move") }) {
+               QStringLiteral("move-down"), QStringLiteral("drop copy"), QStringLiteral("drop move"),
+               QStringLiteral("store-command"), QStringLiteral("remove-command"), QStringLiteral("clear-commands") }) {
             QVERIFY2(undone.value(operation) > 100, qPrintable(operation));
         }
         QCOMPARE(undone.value(QStringLiteral("look-for-links")), 0);
