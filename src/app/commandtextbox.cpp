@@ -67,13 +67,12 @@ bool isModifierKey(int key)
 } // namespace
 
 CommandTextBox::CommandTextBox(QWidget* parent)
-    : QTextEdit(parent)
+    : QPlainTextEdit(parent)
 {
     setObjectName(QStringLiteral("txtCommand"));
-    setAcceptRichText(false);
     // Colouring changes formats all the time; the box's own undo would replay every one of them.
     setUndoRedoEnabled(false);
-    setLineWrapMode(QTextEdit::NoWrap);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
     QFont font(QStringLiteral("Courier New"));
     font.setStyleHint(QFont::TypeWriter);
     if (!QFontInfo(font).exactMatch()) {
@@ -81,6 +80,11 @@ CommandTextBox::CommandTextBox(QWidget* parent)
     }
     setFont(font);
     document()->setDefaultFont(font);
+    connect(document(), &QTextDocument::contentsChange, this, [this] {
+        if (!m_applying) {
+            m_shown.reset();
+        }
+    });
 }
 
 QString CommandTextBox::commandText() const
@@ -99,11 +103,10 @@ QString CommandTextBox::commandText() const
 void CommandTextBox::setCommandText(const QString& text)
 {
     setPlainText(withBoxLineBreaks(text));
+    // The box keeps the look of the text it held before for the new one: all of it goes black.
     QTextCursor cursor(document());
     cursor.select(QTextCursor::Document);
     cursor.setCharFormat(charFormatOf(CharFormat()));
-    cursor.setPosition(0);
-    setTextCursor(cursor);
     setTypingFormat();
 }
 
@@ -197,7 +200,7 @@ void CommandTextBox::applyFormats(const ColouredText& shown, const ColouredText&
             }
             cursor.setPosition(boxStart + offset);
             cursor.setPosition(boxStart + end, QTextCursor::KeepAnchor);
-            cursor.mergeCharFormat(charFormatOf(format));
+            cursor.setCharFormat(charFormatOf(format));
             offset = end;
         }
     }
@@ -240,10 +243,14 @@ void CommandTextBox::recolour(ColouredText::Occasion occasion)
     if (occasion == ColouredText::Occasion::KeyReleased) {
         expandSeparators();
     }
-    const ColouredText shown = colouredText();
+    ColouredText shown = m_shown.has_value() ? *m_shown : colouredText();
+    shown.setSelection(selectionStart(), selectionLength());
     ColouredText coloured = shown;
     coloured.recolour(occasion);
+    m_applying = true;
     applyFormats(shown, coloured);
+    m_applying = false;
+    m_shown = std::move(coloured);
     setTypingFormat();
     viewport()->setUpdatesEnabled(true);
 }
@@ -312,12 +319,12 @@ void CommandTextBox::keyPressEvent(QKeyEvent* event)
         setTextCursor(cursor);
         setTypingFormat();
     }
-    QTextEdit::keyPressEvent(event);
+    QPlainTextEdit::keyPressEvent(event);
 }
 
 void CommandTextBox::keyReleaseEvent(QKeyEvent* event)
 {
-    QTextEdit::keyReleaseEvent(event);
+    QPlainTextEdit::keyReleaseEvent(event);
     if (event->isAutoRepeat() || isModifierKey(event->key())) {
         return;
     }
@@ -330,13 +337,13 @@ void CommandTextBox::keyReleaseEvent(QKeyEvent* event)
 
 void CommandTextBox::mousePressEvent(QMouseEvent* event)
 {
-    QTextEdit::mousePressEvent(event);
+    QPlainTextEdit::mousePressEvent(event);
     recolour(ColouredText::Occasion::MousePressed);
 }
 
 void CommandTextBox::mouseReleaseEvent(QMouseEvent* event)
 {
-    QTextEdit::mouseReleaseEvent(event);
+    QPlainTextEdit::mouseReleaseEvent(event);
     recolour(ColouredText::Occasion::MouseReleased);
 }
 

@@ -2,8 +2,9 @@
 
 #include "commands/colouredtext.h"
 
-#include <QTextEdit>
+#include <QPlainTextEdit>
 
+#include <optional>
 #include <vector>
 
 /// The command editor's text box (txtCommand): the command's lines in a fixed-pitch font, coloured
@@ -16,7 +17,7 @@
 /// Enter and Backspace follow CommandKeys: Enter is never let through (the box inserts the line
 /// break itself where one belongs), Backspace after a line break removes the empty line between two
 /// commands. A refused key is noted and its release brings the bold type up to date.
-class CommandTextBox final : public QTextEdit
+class CommandTextBox final : public QPlainTextEdit
 {
     Q_OBJECT
 
@@ -69,4 +70,9 @@ private:
     void insertLineBreakAtCaret();
 
     bool m_keyRefused = false;
+    /// The text and looks as the last colouring run left them, so that a run after a click need not
+    /// read the whole box again; dropped whenever the text changes.
+    std::optional<ColouredText> m_shown;
+    /// True while a run writes its looks into the box.
+    bool m_applying = false;
 };

@@ -79,7 +79,6 @@ private Q_SLOTS:
     void isTheCommandBox()
     {
         QCOMPARE(box().objectName(), QStringLiteral("txtCommand"));
-        QVERIFY(!box().acceptRichText());
         QVERIFY(QFontInfo(box().font()).fixedPitch());
     }
 
@@ -293,8 +292,14 @@ private Q_SLOTS:
                                             .arg(start)
                                             .arg(length)
                                             .arg(int(occasion));
-                QVERIFY2(shown.selectionStart() == model.selectionStart() && shown.selectionLength() == model.selectionLength(),
-                         qPrintable(context + QStringLiteral(" box %1,%2 model %3,%4").arg(shown.selectionStart()).arg(shown.selectionLength()).arg(model.selectionStart()).arg(model.selectionLength())));
+                QVERIFY2(shown.selectionStart() == model.selectionStart()
+                             && shown.selectionLength() == model.selectionLength(),
+                         qPrintable(context
+                                    + QStringLiteral(" box %1,%2 model %3,%4")
+                                          .arg(shown.selectionStart())
+                                          .arg(shown.selectionLength())
+                                          .arg(model.selectionStart())
+                                          .arg(model.selectionLength())));
                 QCOMPARE(shown.text(), model.text());
                 QCOMPARE(looks(shown), looks(model));
                 QCOMPARE(shown.selectionStart(), model.selectionStart());
