@@ -9,6 +9,7 @@
 #include "menugenerator.h"
 
 #include "app/editorwindow.h"
+#include "app/findbar.h"
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
 #include "core/editingsession.h"
@@ -25,6 +26,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -447,6 +449,37 @@ void benchReplace(QTextStream& out, int runs)
     }
 }
 
+void benchFind(QTextStream& out, int runs)
+{
+    printHeader(
+        out,
+        { QStringLiteral("shape"), QStringLiteral("caption"), QStringLiteral("commands"), QStringLiteral("no match") });
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options generatorOptions;
+        generatorOptions.shape = shape;
+        BenchWindow bench(generatorOptions);
+        bench.editor()->openFindBar();
+        auto* text = bench.editor()->findBar()->findChild<QLineEdit*>(QStringLiteral("txtFindItem"));
+        auto* inCommands = bench.editor()->findBar()->findChild<QCheckBox*>(QStringLiteral("chkFindInCommands"));
+        // One keystroke: the text grows by a character, the bar searches and shows the first match.
+        const auto keystroke = [text](const QString& typed) {
+            return [text, typed] {
+                text->setText(typed);
+                paint();
+            };
+        };
+        const auto clear = [text] { text->clear(); };
+        const double caption = medianMilliseconds(runs, clear, keystroke(QStringLiteral("Item 12")));
+        inCommands->setChecked(true);
+        const double commands = medianMilliseconds(runs, clear, keystroke(QStringLiteral("$fs-00")));
+        const double none = medianMilliseconds(runs, clear, keystroke(QStringLiteral("no such text")));
+        inCommands->setChecked(false);
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(caption) << cell(commands) << cell(none)
+            << "\n";
+        out.flush();
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -475,6 +508,9 @@ int main(int argc, char* argv[])
                "10,000-item branch in the document alone; command: Replace All with its message answered\n"
                "and the tree rebuilt.\n";
         benchReplace(out, runs);
+        out << "\n32,767 items. One keystroke in the find bar: the search, the first match shown as a click\n"
+               "shows it, and the paint; commands: also in the commands; no match: in the commands, none.\n";
+        benchFind(out, runs);
     } catch (const RunTimeError& error) {
         std::fprintf(stderr, "%s\n", qPrintable(error.report()));
         return 1;

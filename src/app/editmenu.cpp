@@ -1,5 +1,6 @@
 #include "editmenu.h"
 
+#include "app/editorwindow.h"
 #include "app/mainwindow.h"
 #include "commands/commandediting.h"
 #include "core/editingsession.h"
@@ -83,6 +84,14 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     mnuReplace->setShortcuts(replaceKeys);
     connect(mnuReplace, &QAction::triggered, &m_main, &MainWindow::showReplaceDialog);
     m_documentEntries.append(mnuReplace);
+    QAction* mnuFind = addEntry(QStringLiteral("mnuFind"), QStringLiteral("&Find..."));
+    mnuFind->setShortcut(QKeySequence::Find);
+    connect(mnuFind, &QAction::triggered, this, [this] {
+        if (EditorWindow* editor = m_main.activeEditor()) {
+            editor->openFindBar();
+        }
+    });
+    m_documentEntries.append(mnuFind);
     addSeparator(QStringLiteral("Tire05"));
 
     m_mnuSelectCopy = addOperation(QStringLiteral("mnuSelectCopy"), QStringLiteral("Select an item to copy"),

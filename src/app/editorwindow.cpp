@@ -1,6 +1,7 @@
 #include "editorwindow.h"
 
 #include "app/commandmenu.h"
+#include "app/findbar.h"
 
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
@@ -235,10 +236,22 @@ void EditorWindow::buildLayout()
     sideLayout->addWidget(linkBox);
     sideLayout->addLayout(moveLayout);
 
+    // The find bar sits above the tree, hidden until Find asks for it.
+    auto* treeSide = new QWidget(this);
+    treeSide->setObjectName(QStringLiteral("pnlTree"));
+    m_findBar = new FindBar([this]() -> const MenuDocument& { return document(); }, treeSide);
+    connect(m_findBar, &FindBar::matchChosen, this, &EditorWindow::showFoundItem);
+    connect(m_findBar, &FindBar::closed, this, [this] { m_lstMenu->setFocus(Qt::OtherFocusReason); });
+    auto* treeLayout = new QVBoxLayout(treeSide);
+    treeLayout->setContentsMargins(0, 0, 0, 0);
+    treeLayout->setSpacing(0);
+    treeLayout->addWidget(m_findBar);
+    treeLayout->addWidget(m_lstMenu, 1);
+
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     splitter->setObjectName(QStringLiteral("splEditor"));
     splitter->setChildrenCollapsible(false);
-    splitter->addWidget(m_lstMenu);
+    splitter->addWidget(treeSide);
     splitter->addWidget(side);
     splitter->setStretchFactor(0, 2);
     splitter->setStretchFactor(1, 3);
@@ -595,6 +608,29 @@ void EditorWindow::applyUpdate(const TreeUpdate& update)
         throw;
     }
     endBusy();
+    // The find bar's matches follow the menu as it changes.
+    if (m_findBar->isVisible() && !update.steps().isEmpty()) {
+        m_findBar->search();
+    }
+}
+
+void EditorWindow::openFindBar()
+{
+    m_findBar->open();
+}
+
+void EditorWindow::showFoundItem(const QString& key)
+{
+    if (isChoosingLinkTarget()) {
+        return; // a click would choose the link's target
+    }
+    QTreeWidgetItem* node = m_lstMenu->nodeByKey(key);
+    if (node == nullptr) {
+        m_findBar->search();
+        return;
+    }
+    m_lstMenu->scrollToItem(node);
+    clickFromUser(node);
 }
 
 void EditorWindow::moveSelectedNode(const TreeStep& step)

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <QtGlobal>
 
+class FindBar;
 class ItemTree;
 class MainWindow;
 class QCheckBox;
@@ -46,6 +47,13 @@ public:
     const MenuDocument& document() const;
 
     ItemTree* tree() const { return m_lstMenu; }
+    FindBar* findBar() const { return m_findBar; }
+
+    /// Shows the find bar above the tree, ready for typing.
+    void openFindBar();
+    /// Shows the node of item `key` as a click on it shows it (nothing while a link target is
+    /// chosen, where a click would choose it).
+    void showFoundItem(const QString& key);
 
     /// Shows the busy notice (frm01) with `text` and paints it at once, before long work starts on
     /// the user-interface thread.
@@ -128,6 +136,7 @@ private:
     QTreeWidgetItem* m_shownByMove = nullptr;
 
     ItemTree* m_lstMenu = nullptr;
+    FindBar* m_findBar = nullptr;
     QListWidget* m_lstCommand = nullptr;
     QCheckBox* m_chkCopyCommand = nullptr;
     QLineEdit* m_txtItemIndexCopy = nullptr;

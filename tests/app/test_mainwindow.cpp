@@ -228,6 +228,7 @@ private Q_SLOTS:
                                    QStringLiteral("mnuDuplicate|Duplicate"),
                                    QStringLiteral("mnuDelete|Delete"),
                                    QStringLiteral("mnuReplace|Replace"),
+                                   QStringLiteral("mnuFind|&Find..."),
                                    QStringLiteral("Tire05|-"),
                                    QStringLiteral("mnuSelectCopy|Select an item to copy"),
                                    QStringLiteral("mnuLFCopyCommand|Look for CopyCommand"),
@@ -276,11 +277,11 @@ private Q_SLOTS:
                                           QStringLiteral("mnuSpecialItems1"), QStringLiteral("mnuSpecialItems2"),
                                           QStringLiteral("mnuAddCommand"),    QStringLiteral("mnuEditCommand"),
                                           QStringLiteral("mnuRemoveCommand"), QStringLiteral("mnuClearCommands") };
-        const QStringList documentEntries = {
-            QStringLiteral("mnuReplace"), QStringLiteral("mnuLFCopyCommand"), QStringLiteral("mnuUncheckCopyCommand"),
-            QStringLiteral("mnuRefresh"), QStringLiteral("mnuHideCopies"),    QStringLiteral("mnuHideWCommand"),
-            QStringLiteral("mnuHideBoth")
-        };
+        const QStringList documentEntries
+            = { QStringLiteral("mnuReplace"),       QStringLiteral("mnuFind"),
+                QStringLiteral("mnuLFCopyCommand"), QStringLiteral("mnuUncheckCopyCommand"),
+                QStringLiteral("mnuRefresh"),       QStringLiteral("mnuHideCopies"),
+                QStringLiteral("mnuHideWCommand"),  QStringLiteral("mnuHideBoth") };
         const auto expectEnabled = [&sandbox](const QStringList& names, bool enabled, int stage = 0) {
             for (const QString& name : names) {
                 QAction* entry = sandbox.action(name);
