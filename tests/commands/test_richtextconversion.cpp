@@ -160,6 +160,9 @@ private Q_SLOTS:
     void anEscapedCharacterIsReadAsWindows1252()
     {
         QCOMPARE(show(rtfToHtml(rtf(" caf\\'e9 na\\'EFve"))).text, QStringLiteral("caf\u00e9 na\u00efve"));
+        // Bytes 0x80 to 0x9F are Windows-1252 characters, not control characters.
+        QCOMPARE(show(rtfToHtml(rtf(" \\'80 \\'93quoted\\'94 \\'85"))).text,
+                 QStringLiteral("\u20ac \u201cquoted\u201d \u2026"));
     }
 
     void escapedBracesAndBackslashesAreText()
