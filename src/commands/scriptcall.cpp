@@ -51,7 +51,11 @@ QString scriptPath(const QString& path, const QString& programFolder)
         folder += separator;
     }
     if (!programFolder.isEmpty() && script.startsWith(folder)) {
-        return QStringLiteral("$exepath$") + separator + script.mid(folder.size());
+        // The shell extension runs the call on Windows, where $exepath$ is a Windows folder: the
+        // rest of the path takes backslashes whatever system the menu was edited on.
+        QString rest = script.mid(folder.size());
+        rest.replace(QLatin1Char('/'), QLatin1Char('\\'));
+        return QStringLiteral("$exepath$\\") + rest;
     }
     return script;
 }
@@ -78,12 +82,12 @@ QStringList scriptLines(const QByteArray& bytes)
     return lines;
 }
 
-Result append(const QString& commandText, const QString& path, const QString& programFolder,
-              const QStringList& lines, const AskValue& ask)
+Result append(const QString& commandText, const QString& path, const QString& programFolder, const QStringList& lines,
+              const AskValue& ask)
 {
     Result result;
-    result.text = commandText.isEmpty() ? scriptRunnerPath()
-                                        : commandText + QStringLiteral("\r\n\r\n") + scriptRunnerPath();
+    result.text
+        = commandText.isEmpty() ? scriptRunnerPath() : commandText + QStringLiteral("\r\n\r\n") + scriptRunnerPath();
     result.text += QLatin1Char(' ') + scriptPath(path, programFolder);
 
     // Everything before the block is skipped; a file that ends first is incomplete.
@@ -110,8 +114,8 @@ Result append(const QString& commandText, const QString& path, const QString& pr
         }
         const QString value = ask(QStringLiteral("Enter ") + line + QStringLiteral(" value :"),
                                   line + QStringLiteral(" - ") + fileName);
-        result.text += QLatin1Char(' ') + QStringLiteral("%1").arg(number, 3, 10, QLatin1Char('0'))
-            + QLatin1Char('=') + value;
+        result.text
+            += QLatin1Char(' ') + QStringLiteral("%1").arg(number, 3, 10, QLatin1Char('0')) + QLatin1Char('=') + value;
         ++number;
     }
     result.complete = true;

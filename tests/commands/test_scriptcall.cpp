@@ -111,6 +111,22 @@ private Q_SLOTS:
 
     // The script's path.
 
+    void aScriptBesideTheProgramIsCalledThroughExepath()
+    {
+        const Folders folders;
+        QCOMPARE(ScriptCall::scriptPath(folders.path("kelv/myscript.tvp"), folders.program()),
+                 QStringLiteral("$exepath$\\MYSCRIPT.TVP"));
+        QCOMPARE(ScriptCall::scriptPath(folders.path("kelv/myscript.tvp"), folders.program() + QLatin1Char('/')),
+                 QStringLiteral("$exepath$\\MYSCRIPT.TVP"));
+    }
+
+    void aScriptBelowTheProgramKeepsItsFoldersAfterExepath()
+    {
+        const Folders folders;
+        QCOMPARE(ScriptCall::scriptPath(folders.path("kelv/scripts/copy.tvs"), folders.program()),
+                 QStringLiteral("$exepath$\\SCRIPTS\\COPY.TVS"));
+    }
+
     void aScriptInAnotherFolderKeepsItsFullPath()
     {
         const Folders folders;
@@ -128,6 +144,22 @@ private Q_SLOTS:
     }
 
     // Appending the call.
+
+    void theExampleCallOfTwoParameters()
+    {
+        const Folders folders;
+        Prompter prompter { { QStringLiteral("$fs-001$"), QStringLiteral("#pop#") }, {}, {} };
+        const ScriptCall::Result result = ScriptCall::append(
+            QString(), folders.path("kelv/myscript.tvp"), folders.program(),
+            linesOf({ "; copies a file", "[var]", "source", "target", "[/var]", "copy" }), prompter.asker());
+        QVERIFY(result.complete);
+        QCOMPARE(result.text,
+                 QStringLiteral("$exepath$\\Tolvexer\\Tolvexer.exe $exepath$\\MYSCRIPT.TVP 001=$fs-001$ 002=#pop#"));
+        QCOMPARE(prompter.prompts,
+                 QStringList({ QStringLiteral("Enter source value :"), QStringLiteral("Enter target value :") }));
+        QCOMPARE(prompter.descriptions,
+                 QStringList({ QStringLiteral("source - myscript.tvp"), QStringLiteral("target - myscript.tvp") }));
+    }
 
     void emptyLinesAndCommentsGetNoNumber()
     {
