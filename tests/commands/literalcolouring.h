@@ -8,9 +8,9 @@
 
 #include <vector>
 
-/// A step-by-step model of the command editor's rich text box and of its five colouring routines,
-/// written the way the routines are told: everything goes through the box's selection (start,
-/// length, colour, bold), one property at a time, and the text is searched character by character.
+/// A step-by-step model of the command editor's rich text box and of its five colouring routines:
+/// everything goes through the box's selection (start, length, colour, bold), one property at a
+/// time, as the routines do on the real box, and the text is searched character by character.
 /// Slow, but easy to check by eye; the tests hold ColouredText to exactly the formats, caret,
 /// selection and typing format this model leaves.
 namespace LiteralColouring {

@@ -6,8 +6,8 @@
 
 namespace {
 
-/// One row of the catalogue as the command editor's documentation lists it. The comments column
-/// holds "-" for none, "DEST" and "DEST-N" for the two destination comments.
+/// One row of the catalogue: the variable, its menu mode, description and comments. The comments
+/// hold "-" for none, "DEST" and "DEST-N" for the two destination comments.
 struct Row
 {
     const char* name;
