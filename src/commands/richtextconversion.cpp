@@ -1,5 +1,7 @@
 #include "richtextconversion.h"
 
+#include "menufile/windows1252codec.h"
+
 #include <QList>
 #include <QStringList>
 
@@ -95,9 +97,11 @@ public:
                 continue;
             }
             if (symbol == QLatin1Char('\'')) {
-                const uint code = m_rtf.mid(i + 1, 2).toUInt(nullptr, 16);
+                const char byte = char(m_rtf.mid(i + 1, 2).toUInt(nullptr, 16));
                 if (!group.skipped) {
-                    append(QString(QChar(char16_t(code))), group.style);
+                    // The byte is a character of the document's code page, not a Unicode number:
+                    // \'80 is the euro sign, \'93 and \'94 are curly quotes.
+                    append(Windows1252Codec::decode(QByteArrayView(&byte, 1)), group.style);
                 }
                 i += 3;
                 continue;

@@ -51,9 +51,11 @@ QString scriptPath(const QString& path, const QString& programFolder)
         folder += separator;
     }
     if (!programFolder.isEmpty() && script.startsWith(folder)) {
-        // "$exepath$" is the extension's folder on Windows, so what follows it is written the way
-        // Windows writes paths, wherever the menu is edited.
-        return QStringLiteral("$exepath$\\") + script.mid(folder.size()).replace(QLatin1Char('/'), QLatin1Char('\\'));
+        // The shell extension runs the call on Windows, where $exepath$ is a Windows folder: the
+        // rest of the path takes backslashes whatever system the menu was edited on.
+        QString rest = script.mid(folder.size());
+        rest.replace(QLatin1Char('/'), QLatin1Char('\\'));
+        return QStringLiteral("$exepath$\\") + rest;
     }
     return script;
 }

@@ -17,7 +17,8 @@ namespace ScriptCall {
 using AskValue = std::function<QString(const QString& prompt, const QString& description)>;
 
 /// The script's path as a call names it: its short form (where the system has one) in upper case,
-/// the program's folder written "$exepath$".
+/// the program's folder written "$exepath$" and what follows it with backslashes
+/// ("$exepath$\MYSCRIPT.TVP").
 QString scriptPath(const QString& path, const QString& programFolder);
 
 /// The lines of a script file: Windows-1252 text, lines ending in CR LF, LF or CR.
@@ -36,7 +37,7 @@ struct Result
 /// line when the text is not empty, the runner, the script's path, then for each parameter line of
 /// the block (empty lines and lines starting with "." are skipped) its number in three digits, "="
 /// and the value `ask` gives.
-Result append(const QString& commandText, const QString& path, const QString& programFolder,
-              const QStringList& lines, const AskValue& ask);
+Result append(const QString& commandText, const QString& path, const QString& programFolder, const QStringList& lines,
+              const AskValue& ask);
 
 } // namespace ScriptCall
