@@ -331,6 +331,7 @@ void EditorWindow::generateTree()
     FlagScope selecting(m_selectingNode);
     m_shownByMove = nullptr;
     m_lstMenu->generate(document());
+    refreshFindBar();
     // The first item is shown while the root still reads "KELV"; the root tells that items may be
     // hidden only once that is done, so the path shown right after a rebuild never carries it.
     try {
@@ -608,8 +609,16 @@ void EditorWindow::applyUpdate(const TreeUpdate& update)
         throw;
     }
     endBusy();
+    if (!update.steps().isEmpty()) {
+        refreshFindBar();
+    }
+}
+
+void EditorWindow::refreshFindBar()
+{
     // The find bar's matches follow the menu as it changes.
-    if (m_findBar->isVisible() && !update.steps().isEmpty()) {
+    m_findBar->menuChanged();
+    if (m_findBar->isVisible()) {
         m_findBar->search();
     }
 }

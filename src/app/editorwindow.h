@@ -112,6 +112,7 @@ private:
     void applyStep(const TreeStep& step);
     void moveSelectedNode(const TreeStep& step);
     void placeBusyNotice();
+    void refreshFindBar();
     void showNoItem();
     void updateLinkControls();
     void startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button);

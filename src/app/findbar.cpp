@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QSet>
 #include <QToolButton>
 
 FindBar::FindBar(std::function<const MenuDocument&()> document, QWidget* parent)
@@ -104,9 +105,35 @@ void FindBar::search()
     request.inCommands = m_chkInCommands->isChecked();
     request.matchCase = m_chkMatchCase->isChecked();
     const MenuDocument& document = m_document();
-    m_matches = findItems(document, document.hideMode, request);
+    if (!m_nodes.has_value()) {
+        m_nodes = planTree(document, document.hideMode);
+        m_lastRequest.reset();
+    }
+    // Whatever holds the longer text holds the shorter one it grew from.
+    const bool narrowing = m_lastRequest.has_value() && !m_lastRequest->text.isEmpty()
+        && m_lastRequest->inCommands == request.inCommands && m_lastRequest->matchCase == request.matchCase
+        && request.text.contains(m_lastRequest->text, request.matchCase ? Qt::CaseSensitive : Qt::CaseInsensitive);
+    const QList<PlannedNode>& candidates = narrowing ? m_matchedNodes : *m_nodes;
+    m_matches = findItems(document, candidates, request);
+    const QSet<QString> found(m_matches.cbegin(), m_matches.cend());
+    QList<PlannedNode> matched;
+    matched.reserve(m_matches.size());
+    for (const PlannedNode& node : candidates) {
+        if (found.contains(node.key)) {
+            matched.append(node);
+        }
+    }
+    m_matchedNodes = std::move(matched);
+    m_lastRequest = request;
     m_current = -1;
     showCount();
+}
+
+void FindBar::menuChanged()
+{
+    m_nodes.reset();
+    m_lastRequest.reset();
+    m_matchedNodes.clear();
 }
 
 void FindBar::findNext()

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "treeview/itemfinder.h"
+#include "treeview/treeplan.h"
 
 #include <QStringList>
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 class QCheckBox;
 class QLabel;
@@ -27,8 +29,10 @@ public:
 
     /// Shows the bar with its text selected, ready for typing.
     void open();
-    /// Searches again, e.g. after the menu changed.
+    /// Searches again.
     void search();
+    /// The menu or what the tree shows of it changed: the next search starts afresh.
+    void menuChanged();
     /// Shows the next match (wrapping at the end), or the previous one.
     void findNext();
     void findPrevious();
@@ -61,4 +65,9 @@ private:
     QToolButton* m_cmdClose = nullptr;
     QStringList m_matches;
     int m_current = -1;
+    /// The tree's nodes and the last search with the nodes it found, kept while the menu does not
+    /// change: a text that grows from the last one is looked for among the last matches only.
+    std::optional<QList<PlannedNode>> m_nodes;
+    std::optional<FindRequest> m_lastRequest;
+    QList<PlannedNode> m_matchedNodes;
 };

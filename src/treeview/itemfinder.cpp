@@ -5,14 +5,17 @@
 #include "model/menudocument.h"
 
 #include <QHash>
+#include <QStringMatcher>
+
+#include <vector>
 
 namespace {
 
-bool commandsHold(const MenuItem& item, const QString& text, Qt::CaseSensitivity sensitivity)
+bool commandsHold(const MenuItem& item, const QStringMatcher& matcher)
 {
     for (qsizetype slot = 1; slot < item.commands.size(); ++slot) {
         const Command& command = item.commands.at(slot);
-        if (command.extension.contains(text, sensitivity) || command.command.contains(text, sensitivity)) {
+        if (matcher.indexIn(command.extension) >= 0 || matcher.indexIn(command.command) >= 0) {
             return true;
         }
     }
@@ -23,32 +26,48 @@ bool commandsHold(const MenuItem& item, const QString& text, Qt::CaseSensitivity
 
 QStringList findItems(const MenuDocument& document, int hideMode, const FindRequest& request)
 {
+    if (request.text.isEmpty()) {
+        return QStringList();
+    }
+    return findItems(document, planTree(document, hideMode), request);
+}
+
+QStringList findItems(const MenuDocument& document, const QList<PlannedNode>& nodes, const FindRequest& request)
+{
     QStringList keys;
     if (request.text.isEmpty()) {
         return keys;
     }
-    const Qt::CaseSensitivity sensitivity = request.matchCase ? Qt::CaseSensitive : Qt::CaseInsensitive;
-    // A link shows its target's commands; the targets are looked up once for the whole search.
+    const QStringMatcher matcher(request.text, request.matchCase ? Qt::CaseSensitive : Qt::CaseInsensitive);
+    // A link shows its target's commands: the targets are looked up once for the whole search, and
+    // an item's commands are searched once however many links show them.
     QHash<QString, qsizetype> indexOfKey;
+    enum : char { Unknown, Holds, Lacks };
+    std::vector<char> commandsFound;
     if (request.inCommands) {
         indexOfKey.reserve(document.items.size());
         for (qsizetype index = 0; index < document.items.size(); ++index) {
             indexOfKey.insert(document.items.at(index).key, index);
         }
+        commandsFound.assign(std::size_t(document.items.size()), Unknown);
     }
-    const QList<PlannedNode> nodes = planTree(document, hideMode);
+    const auto shownCommandsHold = [&](qsizetype index) {
+        const MenuItem& item = document.items.at(index);
+        if (item.copiesCommands) {
+            index = indexOfKey.value(item.copyKey, -1);
+            if (index < 0) {
+                return false; // a link to no item shows no commands
+            }
+        }
+        char& found = commandsFound[std::size_t(index)];
+        if (found == Unknown) {
+            found = commandsHold(document.items.at(index), matcher) ? Holds : Lacks;
+        }
+        return found == Holds;
+    };
     for (const PlannedNode& node : nodes) {
         const MenuItem& item = document.items.at(node.itemIndex);
-        bool found = item.caption.contains(request.text, sensitivity);
-        if (!found && request.inCommands) {
-            const MenuItem* shown = &item;
-            if (item.copiesCommands) {
-                const qsizetype target = indexOfKey.value(item.copyKey, -1);
-                shown = target >= 0 ? &document.items.at(target) : nullptr;
-            }
-            found = shown != nullptr && commandsHold(*shown, request.text, sensitivity);
-        }
-        if (found) {
+        if (matcher.indexIn(item.caption) >= 0 || (request.inCommands && shownCommandsHold(node.itemIndex))) {
             keys.append(node.key);
         }
     }

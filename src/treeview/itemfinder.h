@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 struct MenuDocument;
+struct PlannedNode;
 
 /// What the find bar of an editor window looks for.
 struct FindRequest
@@ -18,3 +20,7 @@ struct FindRequest
 /// the order of the tree's nodes (each parent before its children). An empty text matches nothing.
 /// Finding reads the document only.
 QStringList findItems(const MenuDocument& document, int hideMode, const FindRequest& request);
+
+/// The same among `nodes`, the tree's nodes as planTree gives them for the document (a find bar
+/// keeps them between keystrokes while the menu does not change).
+QStringList findItems(const MenuDocument& document, const QList<PlannedNode>& nodes, const FindRequest& request);

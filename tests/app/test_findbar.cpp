@@ -141,6 +141,21 @@ private Q_SLOTS:
         clickNode(tree(index), QStringLiteral("E2"));
         sandbox().trigger(QStringLiteral("mnuDelete"));
         QCOMPARE(bar(index).matches(), texts({ "E1" }));
+        // Undo rebuilds the tree: the item is found again.
+        sandbox().trigger(QStringLiteral("mnuUndo"));
+        QCOMPARE(bar(index).matches(), texts({ "E1", "E2" }));
+        // Typing on narrows down from the matches of the menu as it is now.
+        QTest::keyClicks(findText(index), QStringLiteral("e"));
+        QCOMPARE(bar(index).matches(), QStringList());
+        QTest::keyClick(findText(index), Qt::Key_Backspace);
+        QCOMPARE(bar(index).matches(), texts({ "E1", "E2" }));
+        // Hiding items hides their matches too.
+        findText(index)->setText(QStringLiteral("notes"));
+        QCOMPARE(bar(index).matches(), texts({ "E4" }));
+        sandbox().trigger(QStringLiteral("mnuHideWCommand"));
+        QCOMPARE(bar(index).matches(), texts({ "E4" }));
+        findText(index)->setText(QStringLiteral("delete"));
+        QCOMPARE(bar(index).matches(), QStringList());
     }
 
     void eachWindowHasItsOwnBar()
