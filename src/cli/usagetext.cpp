@@ -34,6 +34,10 @@ QString general()
                "  edit [OPTIONS] FILE OPS               apply editing operations to FILE, as the editor does\n"
                "\n"
                "Run \"kelvmenu COMMAND --help\" for the details of one command.\n"
+               "\n"
+               "Options:\n"
+               "  -h, --help  show this help\n"
+               "  --version   show the version of kelvmenu\n"
                "\n")
         + exitCodes();
 }
