@@ -1,3 +1,4 @@
+#include "app/applicationicon.h"
 #include "app/mainwindow.h"
 #include "app/widgetprompts.h"
 #include "core/aboutinfo.h"
@@ -40,6 +41,9 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("KELVEditor"));
     QApplication::setApplicationVersion(programVersion());
+    // Lets the desktop match the windows to the installed desktop entry and its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.kelv_editor.KELVEditor"));
+    QApplication::setWindowIcon(applicationIcon());
 
     WidgetPrompts prompts;
     OptionsStore optionsStore;
