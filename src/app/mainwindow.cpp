@@ -22,6 +22,7 @@
 #include "treeview/hidemode.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -202,6 +203,10 @@ void MainWindow::buildMenus()
     connect(mnuHelp, &QAction::triggered, this, &MainWindow::showHelp);
     QAction* mnuAbout = addEntry(m_mnuH, QStringLiteral("mnuAbout"), QStringLiteral("&About"));
     connect(mnuAbout, &QAction::triggered, this, &MainWindow::showAbout);
+    // The toolkit's licence asks for its own About box to be reachable.
+    QAction* mnuAboutQt = addEntry(m_mnuH, QStringLiteral("mnuAboutQt"), QStringLiteral("About &Qt"));
+    mnuAboutQt->setMenuRole(QAction::AboutQtRole);
+    connect(mnuAboutQt, &QAction::triggered, qApp, &QApplication::aboutQt);
 
     // Pop-up menus of the editor windows: the command list's menu and the menu shown when a tree
     // node is dropped on another. Both come with the commands they belong to.
