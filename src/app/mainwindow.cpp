@@ -1,8 +1,8 @@
 #include "mainwindow.h"
 
+#include "app/desktophelpsystem.h"
 #include "app/editmenu.h"
 #include "app/editorwindow.h"
-#include "app/helplauncher.h"
 #include "app/itemtree.h"
 #include "app/optionsdialog.h"
 #include "app/replacedialog.h"
@@ -10,6 +10,7 @@
 #include "core/commandlinemenu.h"
 #include "core/documentfile.h"
 #include "core/editmenustate.h"
+#include "core/helplauncher.h"
 #include "core/languageconfig.h"
 #include "core/newmenudocument.h"
 #include "core/optionsstore.h"
@@ -912,8 +913,10 @@ void MainWindow::showOptions()
 
 void MainWindow::showHelp()
 {
-    HelpLauncher launcher(m_prompts);
-    launcher.showHelp(LanguageConfig(m_programFolder).helpFilePath());
+    DesktopHelpSystem system;
+    HelpLauncher launcher(system, m_prompts);
+    const LanguageConfig language(m_programFolder);
+    launcher.showHelp(language.helpFilePath(), language.htmlGuidePath());
 }
 
 void MainWindow::showAbout()

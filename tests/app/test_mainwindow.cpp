@@ -1,10 +1,10 @@
 #include "guisandbox.h"
 
 #include "app/editorwindow.h"
-#include "app/helplauncher.h"
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
 #include "core/aboutinfo.h"
+#include "core/helplauncher.h"
 #include "core/languageconfig.h"
 #include "core/optionsstore.h"
 #include "menufile/menufilereader.h"
