@@ -9,8 +9,8 @@
 #if !defined(KELV_AUTHOR) || !defined(KELV_CONTACT_EMAIL) || !defined(KELV_FORUM_URL) || !defined(KELV_WEB_URL)
 #error "The maker's details must be given by the build (KELV_AUTHOR, KELV_CONTACT_EMAIL, KELV_FORUM_URL, KELV_WEB_URL)."
 #endif
-#if !defined(KELV_LICENSE_NAME)
-#error "The licence must be given by the build (KELV_LICENSE_NAME)."
+#if !defined(KELV_LICENSE_NAME) || !defined(KELV_COPYRIGHT_YEAR)
+#error "The licence must be given by the build (KELV_LICENSE_NAME, KELV_COPYRIGHT_YEAR)."
 #endif
 
 namespace {
@@ -48,6 +48,8 @@ QString licenceName()
 QString versionText(const QString& programName)
 {
     return programName + QStringLiteral(" (KELV Menu Editor) ") + programVersion() + QLatin1Char('\n')
-        + QStringLiteral("Written by ") + QString::fromUtf8(KELV_AUTHOR) + QLatin1Char('\n')
-        + QStringLiteral("Distributed under the ") + licenceName() + QStringLiteral("; see the LICENSE file.\n");
+        + QStringLiteral("Copyright (C) %1 ").arg(KELV_COPYRIGHT_YEAR) + QString::fromUtf8(KELV_AUTHOR)
+        + QStringLiteral(".\n") + QStringLiteral("Distributed under the ") + licenceName()
+        + QStringLiteral("; see the LICENSE file.\n") + QLatin1Char('\n') + QStringLiteral("Written by ")
+        + QString::fromUtf8(KELV_AUTHOR) + QStringLiteral(".\n");
 }

@@ -18,6 +18,6 @@ QString programVersion();
 QString licenceName();
 
 /// What `--version` prints for one of the two programs (KELVEditor, kelvmenu): the program, the
-/// product and the version on the first line, as GNU tools do, then the author and the licence.
-/// Lines end in "\n": this goes to a terminal.
+/// product and the version on the first line, as GNU tools do, then the copyright and the licence
+/// and, after an empty line, the author. Lines end in "\n": this goes to a terminal.
 QString versionText(const QString& programName);

@@ -34,11 +34,15 @@ private Q_SLOTS:
     void versionTextStartsWithProgramProductAndVersion()
     {
         const QStringList lines = versionText(QStringLiteral("kelvmenu")).split(QLatin1Char('\n'));
-        QCOMPARE(lines.size(), 4);
+        QCOMPARE(lines.size(), 6);
         QCOMPARE(lines.at(0), QStringLiteral("kelvmenu (KELV Menu Editor) ") + QStringLiteral(KELV_EXPECTED_VERSION));
-        QCOMPARE(lines.at(1), QStringLiteral("Written by ") + QString::fromUtf8(KELV_EXPECTED_AUTHOR));
+        QVERIFY(lines.at(1).startsWith(QStringLiteral("Copyright (C) 2")));
+        QVERIFY(lines.at(1).endsWith(QString::fromUtf8(KELV_EXPECTED_AUTHOR) + QLatin1Char('.')));
         QVERIFY(lines.at(2).contains(QStringLiteral(KELV_EXPECTED_LICENSE_NAME)));
-        QVERIFY(lines.at(3).isEmpty()); // the text ends in a line break
+        QVERIFY(lines.at(3).isEmpty());
+        QCOMPARE(lines.at(4),
+                 QStringLiteral("Written by ") + QString::fromUtf8(KELV_EXPECTED_AUTHOR) + QLatin1Char('.'));
+        QVERIFY(lines.at(5).isEmpty()); // the text ends in a line break
         QVERIFY(!versionText(QStringLiteral("KELVEditor")).contains(QLatin1Char('\r')));
     }
 };
