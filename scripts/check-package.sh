@@ -93,6 +93,13 @@ deb=$(ls "$build_dir"/package/kelveditor_*.deb)
 dpkg-deb -I "$deb"
 dpkg-deb -f "$deb" Depends | grep -q 'libqt6widgets6' || fail "the package does not depend on the Qt libraries"
 dpkg-deb -c "$deb"
+unpacked=$(mktemp -d)
+dpkg-deb -x "$deb" "$unpacked"
+for program in KELVEditor kelvmenu; do
+    file -b "$unpacked/usr/lib/kelveditor/$program" | grep -q 'ELF.*, stripped' ||
+        fail "usr/lib/kelveditor/$program in the package is not a stripped program"
+done
+rm -rf "$unpacked"
 if ! diff -u "$root/packaging/installed-files.txt" \
     <(dpkg-deb -c "$deb" | awk '$1 !~ /^d/ { sub(/^\.\//, "", $6); print $6 }' | LC_ALL=C sort); then
     fail "the package holds other files than packaging/installed-files.txt"
