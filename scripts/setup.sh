@@ -3,7 +3,9 @@
 # the editor. Packages already present are left alone, so a second run costs nothing.
 set -euo pipefail
 
-packages=(cmake g++ make qt6-base-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils)
+packages=(cmake g++ make qt6-base-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils
+    # the manual pages, and the checks of the installed files and of the package (scripts/check-package.sh)
+    help2man gzip desktop-file-utils appstream shared-mime-info xdg-utils libglib2.0-bin dpkg-dev file)
 missing=()
 for package in "${packages[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

@@ -1,9 +1,9 @@
 #include "mainwindow.h"
 
 #include "app/commandmenu.h"
+#include "app/desktophelpsystem.h"
 #include "app/editmenu.h"
 #include "app/editorwindow.h"
-#include "app/helplauncher.h"
 #include "app/itemtree.h"
 #include "app/optionsdialog.h"
 #include "app/replacedialog.h"
@@ -11,6 +11,7 @@
 #include "core/commandlinemenu.h"
 #include "core/documentfile.h"
 #include "core/editmenustate.h"
+#include "core/helplauncher.h"
 #include "core/languageconfig.h"
 #include "core/newmenudocument.h"
 #include "core/optionsstore.h"
@@ -23,6 +24,7 @@
 #include "treeview/hidemode.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -201,6 +203,10 @@ void MainWindow::buildMenus()
     connect(mnuHelp, &QAction::triggered, this, &MainWindow::showHelp);
     QAction* mnuAbout = addEntry(m_mnuH, QStringLiteral("mnuAbout"), QStringLiteral("&About"));
     connect(mnuAbout, &QAction::triggered, this, &MainWindow::showAbout);
+    // The toolkit's licence asks for its own About box to be reachable.
+    QAction* mnuAboutQt = addEntry(m_mnuH, QStringLiteral("mnuAboutQt"), QStringLiteral("About &Qt"));
+    mnuAboutQt->setMenuRole(QAction::AboutQtRole);
+    connect(mnuAboutQt, &QAction::triggered, qApp, &QApplication::aboutQt);
 
     // Pop-up menus of the editor windows: the command list's menu and the menu shown when a tree
     // node is dropped on another. Both come with the commands they belong to.
@@ -907,8 +913,10 @@ void MainWindow::showOptions()
 
 void MainWindow::showHelp()
 {
-    HelpLauncher launcher(m_prompts);
-    launcher.showHelp(LanguageConfig(m_programFolder).helpFilePath());
+    DesktopHelpSystem system;
+    HelpLauncher launcher(system, m_prompts);
+    const LanguageConfig language(m_programFolder);
+    launcher.showHelp(language.helpFilePath(), language.htmlGuidePath());
 }
 
 void MainWindow::showAbout()

@@ -1,5 +1,7 @@
 #include "kelvmenutool.h"
 
+#include "core/aboutinfo.h"
+#include "counttext.h"
 #include "editing/menuopening.h"
 #include "editscriptparser.h"
 #include "exitcode.h"
@@ -65,6 +67,13 @@ int KelvMenuTool::run(const QStringList& arguments)
             return usageError(QString(), QStringLiteral("--help takes no arguments"));
         }
         print(UsageText::general());
+        return ExitCode::Success;
+    }
+    if (command == QLatin1String("--version")) {
+        if (!rest.isEmpty()) {
+            return usageError(QString(), QStringLiteral("--version takes no arguments"));
+        }
+        print(versionText(QStringLiteral("kelvmenu")));
         return ExitCode::Success;
     }
     if (command == QLatin1String("dump")) {
@@ -170,8 +179,9 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
             commandCount += item.commandUpperBound();
         }
         // One multi-argument arg(), so that a "%" in a file name is never taken for a placeholder.
-        print(QStringLiteral("%1: ok (%2 items, %3 commands)\n")
-                  .arg(path, QString::number(document.items.size()), QString::number(commandCount)));
+        print(QStringLiteral("%1: ok (%2, %3)\n")
+                  .arg(path, countText(document.items.size(), QStringLiteral("item"), QStringLiteral("items")),
+                       countText(commandCount, QStringLiteral("command"), QStringLiteral("commands"))));
     }
     return anyInvalid ? ExitCode::InvalidFile : ExitCode::Success;
 }

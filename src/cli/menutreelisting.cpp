@@ -1,5 +1,6 @@
 #include "menutreelisting.h"
 
+#include "counttext.h"
 #include "menufile/saveorder.h"
 #include "model/menudocument.h"
 
@@ -30,11 +31,6 @@ int effectiveCommandCount(const MenuDocument& document, const QHash<QString, int
     return item.commandUpperBound();
 }
 
-QString commandCountText(int count)
-{
-    return count == 1 ? QStringLiteral("1 command") : QStringLiteral("%1 commands").arg(count);
-}
-
 } // namespace
 
 QString menuTreeListing(const MenuDocument& document)
@@ -45,7 +41,8 @@ QString menuTreeListing(const MenuDocument& document)
         const MenuItem& item = document.items.at(entry.index);
         listing += QString(entry.depth * 2, QLatin1Char(' '));
         listing += item.caption + QStringLiteral("  [") + item.key + QStringLiteral("]  ")
-            + commandCountText(effectiveCommandCount(document, indexOfKey, item));
+            + countText(effectiveCommandCount(document, indexOfKey, item), QStringLiteral("command"),
+                        QStringLiteral("commands"));
         if (item.copiesCommands) {
             listing += QStringLiteral(" -> ") + item.copyKey;
         }

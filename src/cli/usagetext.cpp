@@ -27,13 +27,17 @@ QString general()
                "KELV Menu Editor does.\n"
                "\n"
                "Commands:\n"
-               "  dump [--detect-links] FILE            print the items as one JSON object (UTF-8)\n"
-               "  format [--detect-links] FILE [-o OUT] rewrite FILE in the editor's layout, in place or to OUT\n"
-               "  check FILE...                         tell for each file whether the editor can open it\n"
-               "  tree FILE                             print the item tree with keys, command counts and links\n"
-               "  edit [OPTIONS] FILE OPS               apply editing operations to FILE, as the editor does\n"
+               "  dump [--detect-links] FILE             print the items as one JSON object (UTF-8)\n"
+               "  format [--detect-links] FILE [-o OUT]  rewrite FILE in the editor's layout, in place or to OUT\n"
+               "  check FILE...                          tell for each file whether the editor can open it\n"
+               "  tree FILE                              print the item tree with keys, command counts and links\n"
+               "  edit [OPTIONS] FILE OPS                apply editing operations to FILE, as the editor does\n"
                "\n"
                "Run \"kelvmenu COMMAND --help\" for the details of one command.\n"
+               "\n"
+               "Options:\n"
+               "  -h, --help  show this help\n"
+               "  --version   show the version of kelvmenu\n"
                "\n")
         + exitCodes();
 }

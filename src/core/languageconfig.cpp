@@ -123,3 +123,14 @@ QString LanguageConfig::helpFilePath() const
     }
     return help.filePath(code + QStringLiteral(".chm"));
 }
+
+QString LanguageConfig::htmlGuidePath() const
+{
+    const QDir help(QDir(m_folder).filePath(QStringLiteral("Help")));
+    const QString page = QStringLiteral("/index.html");
+    QString code = currentLanguageCode();
+    if (code.isEmpty() || !QFileInfo(help.filePath(code + page)).isFile()) {
+        code = QStringLiteral("en");
+    }
+    return help.filePath(code + page);
+}

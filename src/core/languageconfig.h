@@ -35,6 +35,9 @@ public:
     QString currentLanguageCode() const;
     /// <folder>/Help/<code>.chm, or <folder>/Help/en.chm when that file does not exist.
     QString helpFilePath() const;
+    /// The first page of the same guide as HTML pages, for a system without a .chm viewer:
+    /// <folder>/Help/<code>/index.html, or <folder>/Help/en/index.html when that file does not exist.
+    QString htmlGuidePath() const;
 
 private:
     QString m_folder;

@@ -1,10 +1,10 @@
 #include "guisandbox.h"
 
 #include "app/editorwindow.h"
-#include "app/helplauncher.h"
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
 #include "core/aboutinfo.h"
+#include "core/helplauncher.h"
 #include "core/languageconfig.h"
 #include "core/optionsstore.h"
 #include "menufile/menufilereader.h"
@@ -249,7 +249,8 @@ private Q_SLOTS:
         QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuWindow"))), windowMenu);
 
         QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuH"))),
-                 QStringList({ QStringLiteral("mnuHelp|&Help"), QStringLiteral("mnuAbout|&About") }));
+                 QStringList({ QStringLiteral("mnuHelp|&Help"), QStringLiteral("mnuAbout|&About"),
+                               QStringLiteral("mnuAboutQt|About &Qt") }));
 
         QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuCommand"))),
                  QStringList({ QStringLiteral("mnuAddCommand|Add"), QStringLiteral("mnuEditCommand|Edit"),
@@ -319,7 +320,7 @@ private Q_SLOTS:
             = { QStringLiteral("mnuNew"),     QStringLiteral("mnuOpen"),       QStringLiteral("mnuSaveAs"),
                 QStringLiteral("mnuOptions"), QStringLiteral("mnuQuit"),       QStringLiteral("mnuCopyComDup"),
                 QStringLiteral("mnuCascade"), QStringLiteral("mnuHorizontal"), QStringLiteral("mnuVertical"),
-                QStringLiteral("mnuHelp"),    QStringLiteral("mnuAbout") };
+                QStringLiteral("mnuHelp"),    QStringLiteral("mnuAbout"),      QStringLiteral("mnuAboutQt") };
         expectEnabled(enabled, true);
     }
 
@@ -1271,6 +1272,23 @@ private Q_SLOTS:
         QCOMPARE(sandbox.prompts().messages.constFirst().text, aboutText());
         QVERIFY(sandbox.prompts().messages.constFirst().text.startsWith(QLatin1String("KELV Menu Editor v")));
         QVERIFY(sandbox.prompts().messages.constFirst().title.isEmpty());
+        QVERIFY(sandbox.prompts().messages.constFirst().text.endsWith(licenceName()));
+    }
+
+    void aboutQtShowsTheToolkitsBox()
+    {
+        GuiSandbox sandbox;
+        QString shownTitle;
+        QTimer::singleShot(0, qApp, [&shownTitle]() {
+            QWidget* box = QApplication::activeModalWidget();
+            if (box) {
+                shownTitle = box->windowTitle();
+                box->close();
+            }
+        });
+        sandbox.action(QStringLiteral("mnuAboutQt"))->trigger();
+        QCOMPARE(shownTitle, QStringLiteral("About Qt"));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
     }
 
     void helpWithoutAHelpFileSaysSo()

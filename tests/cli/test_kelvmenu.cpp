@@ -1,3 +1,5 @@
+#include "core/aboutinfo.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileDevice>
@@ -381,6 +383,26 @@ private Q_SLOTS:
                             "messy.ini: ok (6 items, 5 commands)\n"));
     }
 
+    void checkCountsOneItemAndOneCommandInTheSingular()
+    {
+        QFile one(path(QStringLiteral("one.ini")));
+        QVERIFY(one.open(QIODevice::WriteOnly));
+        one.write("KELV - Menu\r\n\r\n[Menu]\r\n\r\nDelete\r\n\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n"
+                  "0001:=del $fs-001$\r\n\r\n[/Commands]\r\n");
+        one.close();
+        QFile bare(path(QStringLiteral("bare.ini")));
+        QVERIFY(bare.open(QIODevice::WriteOnly));
+        bare.write("KELV - Menu\r\n\r\n[Menu]\r\n\r\nOpen\r\n\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n[/Commands]\r\n");
+        bare.close();
+        const RunResult result
+            = run({ QStringLiteral("check"), QStringLiteral("one.ini"), QStringLiteral("bare.ini") });
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.err.isEmpty(), result.err);
+        QCOMPARE(result.out,
+                 QByteArray("one.ini: ok (1 item, 1 command)\n"
+                            "bare.ini: ok (1 item, 0 commands)\n"));
+    }
+
     void checkReportsWhereAndWhyAFileIsInvalid_data()
     {
         QTest::addColumn<QString>("file");
@@ -599,6 +621,30 @@ private Q_SLOTS:
         QVERIFY(result.err.isEmpty());
         QVERIFY2(result.out.startsWith(usage), result.out);
         QCOMPARE(fileBytes(path(QStringLiteral("messy.ini"))), fixtureBytes(QStringLiteral("messy.ini")));
+    }
+
+    void versionPrintsProgramProductAndVersion()
+    {
+        const RunResult result = run({ QStringLiteral("--version") });
+        QVERIFY(result.finished);
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.err.isEmpty());
+        QVERIFY2(result.out.startsWith("kelvmenu (KELV Menu Editor) " KELV_EXPECTED_VERSION "\n"), result.out);
+        QCOMPARE(result.out, versionText(QStringLiteral("kelvmenu")).toUtf8());
+    }
+
+    void versionTakesNoArguments()
+    {
+        const RunResult result = run({ QStringLiteral("--version"), QStringLiteral("archive.ini") });
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY(result.out.isEmpty());
+        QVERIFY(result.err.contains("--version takes no arguments"));
+    }
+
+    void generalHelpNamesTheVersionOption()
+    {
+        const RunResult result = run({ QStringLiteral("--help") });
+        QVERIFY(result.out.contains("  --version "));
     }
 
     void treeHelpTellsThatLinksAreDetected()

@@ -99,6 +99,28 @@ private Q_SLOTS:
         QCOMPARE(config.helpFilePath(), QDir(m_folder->path()).filePath(QStringLiteral("Help/en.chm")));
     }
 
+    void htmlGuideFollowsTheLanguageLikeTheHelpFile()
+    {
+        QVERIFY(writeFile(QStringLiteral("languages/01English.lng"), "@extension=en\r\n"));
+        QVERIFY(writeFile(QStringLiteral("languages/02Francais.lng"), "@extension=fr\r\n"));
+        QVERIFY(writeFile(QStringLiteral("Config.ini"), "LANGU=02\r\n"));
+        const LanguageConfig config(m_folder->path());
+        // Without the French pages the English ones are shown.
+        QCOMPARE(config.htmlGuidePath(), QDir(m_folder->path()).filePath(QStringLiteral("Help/en/index.html")));
+        QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("Help/fr")));
+        QVERIFY(writeFile(QStringLiteral("Help/fr/index.html"), "<html></html>"));
+        QCOMPARE(config.htmlGuidePath(), QDir(m_folder->path()).filePath(QStringLiteral("Help/fr/index.html")));
+        // The pages do not depend on the compiled file, nor the compiled file on the pages.
+        QCOMPARE(config.helpFilePath(), QDir(m_folder->path()).filePath(QStringLiteral("Help/en.chm")));
+    }
+
+    void htmlGuideOfAnUnknownLanguageIsEnglish()
+    {
+        QVERIFY(writeFile(QStringLiteral("Config.ini"), "LANGU=07\r\n"));
+        QCOMPARE(LanguageConfig(m_folder->path()).htmlGuidePath(),
+                 QDir(m_folder->path()).filePath(QStringLiteral("Help/en/index.html")));
+    }
+
     void tableHoldsEveryExtensionLineInOrder()
     {
         QVERIFY(writeFile(QStringLiteral("languages/02Multi.lng"),
