@@ -23,6 +23,17 @@ constexpr QLatin1String middle("\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n");
 constexpr QLatin1String footer("\r\n[/Commands]\r\n");
 constexpr qsizetype markersPerLevel = 3;
 
+/// The markers before a caption. A top-level item with an empty caption gets one marker: an empty
+/// line would be skipped by the reader, while a line of one or two markers reads back as a
+/// top-level item with an empty caption.
+qsizetype markerCount(const SaveOrderEntry& entry, const MenuItem& item)
+{
+    if (entry.depth == 0 && item.caption.isEmpty()) {
+        return 1;
+    }
+    return entry.depth * markersPerLevel;
+}
+
 int digitCount(qint32 number)
 {
     int digits = 1;
@@ -105,7 +116,7 @@ QByteArray menuFileBytes(const MenuDocument& document)
             }
         }
         commandSources[k] = &items.at(source).commands;
-        size += order.at(k).depth * markersPerLevel + item.caption.size() + 2;
+        size += markerCount(order.at(k), item) + item.caption.size() + 2;
         const qsizetype numberLength = std::max(4, digitCount(number));
         for (qsizetype slot = 1; slot < commandSources.at(k)->size(); ++slot) {
             const Command& command = commandSources.at(k)->at(slot);
@@ -117,8 +128,9 @@ QByteArray menuFileBytes(const MenuDocument& document)
     BufferFiller filler(out.data());
     filler.text(header);
     for (const SaveOrderEntry& entry : order) {
-        filler.repeated(char(0xB7), entry.depth * markersPerLevel);
-        filler.text(QStringView(items.at(entry.index).caption));
+        const MenuItem& item = items.at(entry.index);
+        filler.repeated(char(0xB7), markerCount(entry, item));
+        filler.text(QStringView(item.caption));
         filler.lineEnd();
     }
     filler.text(middle);

@@ -230,6 +230,37 @@ private Q_SLOTS:
                             "[/Commands]\r\n"));
     }
 
+    void emptyTopLevelCaptionIsWrittenAsOneMarkerAndReadsBack()
+    {
+        // An empty line would be skipped by the reader: the item would vanish and the commands of
+        // every later item would move to its neighbour.
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("first"), 0, -1, 1), makeItem(QString(), 1, -1, 2, 1),
+                           makeItem(QString(), 2, 1, 1), makeItem(QStringLiteral("last"), 3, -1, 3) };
+        addCommand(document.items[0], QStringLiteral("a"), QStringLiteral("one"));
+        addCommand(document.items[1], QStringLiteral("b"), QStringLiteral("two"));
+        addCommand(document.items[2], QStringLiteral("c"), QStringLiteral("three"));
+        addCommand(document.items[3], QStringLiteral("d"), QStringLiteral("four"));
+        document.lastIndex = 3;
+
+        const QByteArray bytes = menuFileBytes(document);
+        QVERIFY2(bytes.contains("[Menu]\r\n\r\nfirst\r\n\xB7\r\n\xB7\xB7\xB7\r\nlast\r\n\r\n[/Menu]"),
+                 bytes.constData());
+        MenuDocument reread;
+        const MenuReadResult result = readMenuBytes(bytes, reread);
+        QVERIFY2(result.ok(), qPrintable(result.reason));
+        QCOMPARE(reread.items.size(), document.items.size());
+        for (qsizetype i = 0; i < document.items.size(); ++i) {
+            QCOMPARE(reread.items.at(i).caption, document.items.at(i).caption);
+            QCOMPARE(reread.items.at(i).parent, document.items.at(i).parent);
+            QCOMPARE(reread.items.at(i).siblingOrder, document.items.at(i).siblingOrder);
+            QCOMPARE(reread.items.at(i).childCount, document.items.at(i).childCount);
+            QCOMPARE(reread.items.at(i).commands, document.items.at(i).commands);
+        }
+        // Written again, the file is the same to the byte.
+        QCOMPARE(menuFileBytes(reread), bytes);
+    }
+
     void tenThousandItemsAndMoreWriteFiveDigitNumbersThatReadBack()
     {
         MenuDocument document;
