@@ -492,14 +492,29 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
 
 bool MainWindow::writeDocument(qint16 index, const QString& path)
 {
+    QList<SaveProblem> problems;
     try {
-        saveMenuDocument(m_state.document(index), path);
+        problems = saveMenuDocument(m_state.document(index), path);
     } catch (const RunTimeError& error) {
         // The writer leaves the old file as it was; the document stays unsaved, so nothing is lost.
         showRunTimeError(error);
         return false;
     }
+    if (!problems.isEmpty()) {
+        showRefusal(saveRefusalMessage(problems));
+        return false;
+    }
     updateSaveEntry();
+    return true;
+}
+
+bool MainWindow::refuseUnsavable(qint16 index)
+{
+    const QList<SaveProblem> problems = documentSaveProblems(m_state.document(index));
+    if (problems.isEmpty()) {
+        return false;
+    }
+    showRefusal(saveRefusalMessage(problems));
     return true;
 }
 
@@ -532,6 +547,10 @@ void MainWindow::mnuSaveAs_Click()
     if (!m_state.editor(index)) {
         return;
     }
+    // A menu that cannot be saved is refused before the user picks a name for it.
+    if (refuseUnsavable(index)) {
+        return;
+    }
     const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
     if (path.isEmpty()) {
         return;
@@ -545,6 +564,9 @@ bool MainWindow::saveForClosing(qint16 index)
 {
     QString path = m_state.document(index).filePath;
     if (path.isEmpty()) {
+        if (refuseUnsavable(index)) {
+            return false;
+        }
         path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
         if (path.isEmpty()) {
             return true; // no name given: nothing is written
@@ -597,6 +619,18 @@ bool MainWindow::confirmQuit()
             return false;
         }
         if (answer == UserPrompts::Answer::Yes) {
+            // All or none: a menu that cannot be saved stops quitting before anything is written.
+            QList<UnsavableDocument> unsavable;
+            for (const qint16 index : unsaved) {
+                const QList<SaveProblem> problems = documentSaveProblems(m_state.document(index));
+                if (!problems.isEmpty()) {
+                    unsavable.append(UnsavableDocument { editor(index)->windowTitle(), problems });
+                }
+            }
+            if (!unsavable.isEmpty()) {
+                showRefusal(saveRefusalMessage(unsavable));
+                return false;
+            }
             for (const qint16 index : unsaved) {
                 // A document that cannot be written stops quitting rather than being lost.
                 if (!saveForClosing(index)) {

@@ -92,6 +92,24 @@ MessageRequest critical(const QString& text)
     return request;
 }
 
+MessageRequest exclamation(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    request.icon = MessageRequest::Icon::Exclamation;
+    return request;
+}
+
+/// The refusal of a menu whose first item's caption holds a line break ("a" LF "b").
+QString lineBreakRefusal(const QString& caption = QString())
+{
+    const QString problem = QStringLiteral("\"a\\nb\": caption holds a line break");
+    return QStringLiteral("This menu cannot be saved: a menu file cannot hold the values below, so nothing was "
+                          "written.\r\nChange them and save again.\r\n\r\n")
+        + (caption.isEmpty() ? QStringLiteral("    ") + problem
+                             : QStringLiteral("    ") + caption + QStringLiteral(":\r\n        ") + problem);
+}
+
 MessageRequest saveQuestion(const QString& text)
 {
     MessageRequest request;
@@ -901,6 +919,96 @@ private Q_SLOTS:
         QVERIFY(window.state().document(1).filePath.isEmpty());
         QVERIFY(!window.state().document(1).saved);
         QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1") }));
+    }
+
+    void saveRefusesAMenuItsFileCannotHold()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, index, QStringLiteral("a\nb"));
+        Q_EMIT window.findChild<QMenu*>(QStringLiteral("mnuFile"))->aboutToShow();
+
+        sandbox.action(QStringLiteral("mnuSave"))->trigger();
+
+        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ exclamation(lineBreakRefusal()) }));
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+        QVERIFY(!window.state().document(index).saved);
+        QVERIFY(sandbox.action(QStringLiteral("mnuSave"))->isEnabled());
+    }
+
+    void saveAsRefusesBeforeAskingForAName()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        editDocument(window, 1, QStringLiteral("a\nb"));
+        sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("never.ini")) };
+
+        sandbox.action(QStringLiteral("mnuSaveAs"))->trigger();
+
+        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ exclamation(lineBreakRefusal()) }));
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+        QVERIFY(QDir(sandbox.menuFolder()).entryList(QDir::Files).isEmpty());
+        QVERIFY(window.state().document(1).filePath.isEmpty());
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1") }));
+    }
+
+    void yesAtTheCloseQuestionOfAnUnsavableMenuKeepsTheWindow()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        const qint16 opened = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, opened, QStringLiteral("a\nb"));
+        sandbox.prompts().answers = { Answer::Yes };
+        QVERIFY(!window.editor(opened)->closeWindow());
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ saveQuestion(QStringLiteral("Do you want to save changes ?")),
+                                         exclamation(lineBreakRefusal()) }));
+        QVERIFY(window.editor(opened));
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+
+        // A new menu is refused before the save dialog would ask for a name.
+        sandbox.prompts().clearLog();
+        window.mnuNew_Click();
+        editDocument(window, 2, QStringLiteral("a\nb"));
+        sandbox.prompts().answers = { Answer::Yes };
+        sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("never.ini")) };
+        QVERIFY(!window.editor(2)->closeWindow());
+        QVERIFY(window.editor(2));
+        QCOMPARE(sandbox.prompts().messages.size(), 2);
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+        QVERIFY(!QFileInfo::exists(sandbox.menuPath(QStringLiteral("never.ini"))));
+    }
+
+    void yesAtTheQuitQuestionWithAnUnsavableMenuWritesNothingAndStops()
+    {
+        GuiSandbox sandbox;
+        const QString good = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("good.ini"));
+        const QString bad = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("bad.ini"));
+        const QByteArray before = GuiSandbox::readFile(good);
+        MainWindow& window = sandbox.window();
+        window.show();
+        const qint16 first = window.openMenu(good, QStringLiteral("good.ini"));
+        editDocument(window, first, QStringLiteral("Changed"));
+        const qint16 second = window.openMenu(bad, QStringLiteral("bad.ini"));
+        editDocument(window, second, QStringLiteral("a\nb"));
+        sandbox.prompts().answers = { Answer::Yes };
+
+        window.close();
+
+        QCOMPARE(sandbox.prompts().messages.size(), 2);
+        QCOMPARE(sandbox.prompts().messages.at(1), exclamation(lineBreakRefusal(QStringLiteral("bad.ini"))));
+        // All or none: the menu that could be saved was not written either.
+        QCOMPARE(GuiSandbox::readFile(good), before);
+        QCOMPARE(GuiSandbox::readFile(bad), before);
+        QVERIFY(window.isVisible());
+        QVERIFY(!window.state().isQuitting());
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("good.ini"), QStringLiteral("bad.ini") }));
     }
 
     void droppedMenuFilesOpenInOrder()
