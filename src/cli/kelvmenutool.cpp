@@ -5,6 +5,7 @@
 #include "exitcode.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
+#include "menufile/saveproblemcheck.h"
 #include "menujson.h"
 #include "menutreelisting.h"
 #include "model/errortable.h"
@@ -134,13 +135,7 @@ int KelvMenuTool::runFormat(const QStringList& arguments)
     if (readCode != ExitCode::Success) {
         return readCode;
     }
-    try {
-        writeMenuFile(document, outputPath);
-    } catch (const RunTimeError& error) {
-        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
-        return ExitCode::WriteError;
-    }
-    return ExitCode::Success;
+    return writeOrReport(document, outputPath);
 }
 
 int KelvMenuTool::runCheck(const QStringList& arguments)
@@ -266,13 +261,7 @@ int KelvMenuTool::runEdit(const QStringList& arguments)
         m_out.write(menuDocumentJson(editor.document()));
         return ExitCode::Success;
     }
-    try {
-        writeMenuFile(editor.document(), outputPath);
-    } catch (const RunTimeError& error) {
-        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
-        return ExitCode::WriteError;
-    }
-    return ExitCode::Success;
+    return writeOrReport(editor.document(), outputPath);
 }
 
 std::optional<int> KelvMenuTool::parseArguments(QCommandLineParser& parser, const QString& command,
@@ -296,6 +285,25 @@ std::optional<int> KelvMenuTool::requireOneFile(const QString& command, const QS
     }
     return usageError(command,
                       files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
+}
+
+int KelvMenuTool::writeOrReport(const MenuDocument& document, const QString& outputPath)
+{
+    const QList<SaveProblem> problems = findSaveProblems(document);
+    if (!problems.isEmpty()) {
+        for (const SaveProblem& problem : problems) {
+            printError(QStringLiteral("%1: %2: %3\n").arg(outputPath, problem.itemPath, problem.description));
+        }
+        printError(QStringLiteral("%1: nothing written: a menu file cannot hold the values above\n").arg(outputPath));
+        return ExitCode::WriteError;
+    }
+    try {
+        writeMenuFile(document, outputPath);
+    } catch (const RunTimeError& error) {
+        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
+        return ExitCode::WriteError;
+    }
+    return ExitCode::Success;
 }
 
 int KelvMenuTool::readOrReport(const QString& path, bool detectLinks, MenuDocument& document)

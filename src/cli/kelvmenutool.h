@@ -31,6 +31,9 @@ private:
     /// Reads `path` as the editor opens it; on failure reports it on `err` and returns the exit code
     /// for it, on success returns ExitCode::Success.
     int readOrReport(const QString& path, bool detectLinks, MenuDocument& document);
+    /// Writes `document` to `outputPath`, unless the file could not hold it. Problems and write
+    /// failures are reported on `err`; returns the exit code.
+    int writeOrReport(const MenuDocument& document, const QString& outputPath);
     /// `FILE:LINE: reason` or `FILE: reason` for a file the reader refused.
     static QString failureText(const QString& path, const MenuReadResult& result);
 

@@ -307,6 +307,28 @@ private Q_SLOTS:
         QCOMPARE(fileBytes(path(QStringLiteral("out.ini"))), fixtureBytes(file));
     }
 
+    void formatKeepsATopLevelItemWithAnEmptyCaption()
+    {
+        // A stray marker on a line: a top-level item with an empty caption, which holds a command.
+        QFile file(path(QStringLiteral("stray.ini")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("KELV - Menu\r\n\r\n[Menu]\r\n\r\nFirst\r\n\xB7\r\nLast\r\n\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n"
+                   "0002:=two\r\n0003:=three\r\n\r\n[/Commands]\r\n");
+        file.close();
+        const RunResult result = run(
+            { QStringLiteral("format"), QStringLiteral("stray.ini"), QStringLiteral("-o"), QStringLiteral("out.ini") });
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(fileBytes(path(QStringLiteral("out.ini"))).contains("\r\nFirst\r\n\xB7\r\nLast\r\n"),
+                 fileBytes(path(QStringLiteral("out.ini"))));
+        QCOMPARE(dumpedDocument({ QStringLiteral("dump"), QStringLiteral("out.ini") }),
+                 dumpedDocument({ QStringLiteral("dump"), QStringLiteral("stray.ini") }));
+        QCOMPARE(dumpedDocument({ QStringLiteral("dump"), QStringLiteral("out.ini") })
+                     .value(QStringLiteral("items"))
+                     .toArray()
+                     .size(),
+                 3);
+    }
+
     void formatToUnwritablePathFailsWithFive_data()
     {
         QTest::addColumn<QString>("output");
