@@ -13,6 +13,7 @@
 #include "model/runtimeerror.h"
 #include "scriptededitor.h"
 #include "scriptoperation.h"
+#include "textoutput.h"
 #include "usagetext.h"
 
 #include <QCommandLineOption>
@@ -48,12 +49,23 @@ QStringList parserArguments(const QString& command, const QStringList& arguments
 
 KelvMenuTool::KelvMenuTool(QIODevice& in, QIODevice& out, QIODevice& err)
     : m_in(in)
-    , m_out(out)
+    , m_output(out)
     , m_err(err)
 {
 }
 
 int KelvMenuTool::run(const QStringList& arguments)
+{
+    const int exitCode = runCommand(arguments);
+    // A result that did not reach its reader in full is no success, whatever the command found.
+    if (!m_output.finish()) {
+        printError(QStringLiteral("kelvmenu: cannot write to standard output: %1\n").arg(m_output.errorString()));
+        return ExitCode::WriteError;
+    }
+    return exitCode;
+}
+
+int KelvMenuTool::runCommand(const QStringList& arguments)
 {
     if (arguments.isEmpty()) {
         printError(UsageText::general());
@@ -107,7 +119,7 @@ int KelvMenuTool::runDump(const QStringList& arguments)
     if (readCode != ExitCode::Success) {
         return readCode;
     }
-    m_out.write(menuDocumentJson(document));
+    writeMenuDocumentJson(document, m_output);
     return ExitCode::Success;
 }
 
@@ -189,7 +201,7 @@ int KelvMenuTool::runTree(const QStringList& arguments)
     if (readCode != ExitCode::Success) {
         return readCode;
     }
-    print(menuTreeListing(document));
+    writeMenuTreeListing(document, m_output);
     return ExitCode::Success;
 }
 
@@ -258,7 +270,7 @@ int KelvMenuTool::runEdit(const QStringList& arguments)
     }
 
     if (dump) {
-        m_out.write(menuDocumentJson(editor.document()));
+        writeMenuDocumentJson(editor.document(), m_output);
         return ExitCode::Success;
     }
     return writeOrReport(editor.document(), outputPath);
@@ -338,7 +350,7 @@ int KelvMenuTool::usageError(const QString& command, const QString& message)
 
 void KelvMenuTool::print(const QString& text)
 {
-    m_out.write(text.toUtf8());
+    m_output.write(text);
 }
 
 void KelvMenuTool::printError(const QString& text)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "textoutput.h"
+
 #include <optional>
 
 #include <QString>
@@ -18,10 +20,13 @@ class KelvMenuTool final
 public:
     KelvMenuTool(QIODevice& in, QIODevice& out, QIODevice& err);
 
-    /// `arguments` is the command line without the program name. Returns an ExitCode.
+    /// `arguments` is the command line without the program name. Returns an ExitCode. Everything
+    /// printed has reached the system when it returns; when it could not, the exit code is
+    /// ExitCode::WriteError, with a message on `err`.
     int run(const QStringList& arguments);
 
 private:
+    int runCommand(const QStringList& arguments);
     int runDump(const QStringList& arguments);
     int runFormat(const QStringList& arguments);
     int runCheck(const QStringList& arguments);
@@ -49,6 +54,6 @@ private:
     void printError(const QString& text);
 
     QIODevice& m_in;
-    QIODevice& m_out;
+    TextOutput m_output;
     QIODevice& m_err;
 };

@@ -110,6 +110,20 @@ private:
         return result;
     }
 
+    /// Runs kelvmenu with its standard output going to `outputFile`.
+    RunResult runInto(const QString& outputFile, const QStringList& arguments) const
+    {
+        RunResult result;
+        QProcess process;
+        process.setWorkingDirectory(m_dir->path());
+        process.setStandardOutputFile(outputFile);
+        process.start(QStringLiteral(KELVMENU_PATH), arguments);
+        result.finished = process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit;
+        result.exitCode = process.exitCode();
+        result.err = process.readAllStandardError();
+        return result;
+    }
+
     QJsonObject dumpedDocument(const QStringList& arguments)
     {
         const RunResult result = run(arguments);
@@ -508,6 +522,59 @@ private Q_SLOTS:
                  QByteArray("Caf\xC3\xA9  [E0]  1 command\n"
                             "  Prix 5 \xE2\x82\xAC  [E1]  1 command\n"
                             "  \xE2\x80\x9CQuoted\xE2\x80\x9D \\ path  [E2]  0 commands\n"));
+    }
+
+    // output that cannot be written
+
+    void aFullStandardOutputIsAWriteError_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("dump") << QStringList { QStringLiteral("dump"), QStringLiteral("archive.ini") };
+        QTest::newRow("tree") << QStringList { QStringLiteral("tree"), QStringLiteral("archive.ini") };
+        QTest::newRow("check") << QStringList { QStringLiteral("check"), QStringLiteral("archive.ini") };
+        QTest::newRow("check of an invalid file")
+            << QStringList { QStringLiteral("check"), QStringLiteral("archive.ini"), QStringLiteral("no-colon.ini") };
+        QTest::newRow("edit --dump") << QStringList { QStringLiteral("edit"), QStringLiteral("--dump"),
+                                                      QStringLiteral("archive.ini"), QStringLiteral("empty-ops.json") };
+        QTest::newRow("help") << QStringList { QStringLiteral("--help") };
+    }
+
+    void aFullStandardOutputIsAWriteError()
+    {
+        QFETCH(QStringList, arguments);
+        if (!QFileInfo::exists(QStringLiteral("/dev/full"))) {
+            QSKIP("this system has no /dev/full");
+        }
+        QFile ops(path(QStringLiteral("empty-ops.json")));
+        QVERIFY(ops.open(QIODevice::WriteOnly));
+        ops.write("[]");
+        ops.close();
+        const RunResult result = runInto(QStringLiteral("/dev/full"), arguments);
+        QVERIFY(result.finished);
+        QCOMPARE(result.exitCode, 5);
+        QVERIFY2(result.err.endsWith("kelvmenu: cannot write to standard output: No space left on device\n"),
+                 result.err);
+    }
+
+    void aLargeListingToAFullOutputIsReportedOnce()
+    {
+        if (!QFileInfo::exists(QStringLiteral("/dev/full"))) {
+            QSKIP("this system has no /dev/full");
+        }
+        // Far more than any buffer holds: the failure shows while writing, not only at the end.
+        QFile file(path(QStringLiteral("big.ini")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("KELV - Menu\r\n\r\n[Menu]\r\n\r\n");
+        for (int i = 0; i < 20000; ++i) {
+            file.write("Item with a caption of some length " + QByteArray::number(i) + "\r\n");
+        }
+        file.write("\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n\r\n[/Commands]\r\n");
+        file.close();
+        for (const QString& command : { QStringLiteral("dump"), QStringLiteral("tree") }) {
+            const RunResult result = runInto(QStringLiteral("/dev/full"), { command, QStringLiteral("big.ini") });
+            QCOMPARE(result.exitCode, 5);
+            QCOMPARE(result.err, QByteArray("kelvmenu: cannot write to standard output: No space left on device\n"));
+        }
     }
 
     // exit codes and usage
