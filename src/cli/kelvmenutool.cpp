@@ -168,7 +168,7 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
         MenuDocument document;
         const MenuReadResult result = readMenuFile(path, document);
         if (!result.ok()) {
-            printError(failureText(path, result) + QLatin1Char('\n'));
+            printError(readFailureText(path, result) + QLatin1Char('\n'));
             anyInvalid = true;
             continue;
         }
@@ -324,20 +324,8 @@ int KelvMenuTool::readOrReport(const QString& path, bool detectLinks, MenuDocume
     if (result.ok()) {
         return ExitCode::Success;
     }
-    printError(failureText(path, result) + QLatin1Char('\n'));
+    printError(readFailureText(path, result) + QLatin1Char('\n'));
     return result.code == MenuReadResult::NotAMenuFile ? ExitCode::NotAMenuFile : ExitCode::ReadError;
-}
-
-QString KelvMenuTool::failureText(const QString& path, const MenuReadResult& result)
-{
-    if (result.code == MenuReadResult::NotAMenuFile) {
-        return QStringLiteral("%1:1: %2").arg(path, notMenuFileMessage());
-    }
-    const QString reason = result.reason.isEmpty() ? errorDescription(result.errorNumber) : result.reason;
-    if (result.line > 0) {
-        return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
-    }
-    return QStringLiteral("%1: %2").arg(path, reason);
 }
 
 int KelvMenuTool::usageError(const QString& command, const QString& message)

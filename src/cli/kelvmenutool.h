@@ -10,7 +10,6 @@
 class QCommandLineParser;
 class QIODevice;
 struct MenuDocument;
-struct MenuReadResult;
 
 /// The kelvmenu program without its process: runs one command line against menu files and says
 /// what to exit with. Results go to `out`, messages and usage errors to `err`, both as UTF-8; `in`
@@ -39,8 +38,6 @@ private:
     /// Writes `document` to `outputPath`, unless the file could not hold it. Problems and write
     /// failures are reported on `err`; returns the exit code.
     int writeOrReport(const MenuDocument& document, const QString& outputPath);
-    /// `FILE:LINE: reason` or `FILE: reason` for a file the reader refused.
-    static QString failureText(const QString& path, const MenuReadResult& result);
 
     /// Adds --help to `parser` and parses `arguments` of `command`. Returns the exit code when that
     /// already ends the command (a usage error, or the usage printed for --help).

@@ -10,6 +10,10 @@
 
 #include <memory>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 namespace {
 
 struct RunResult
@@ -468,8 +472,51 @@ private Q_SLOTS:
     {
         const RunResult result = run({ QStringLiteral("check"), QStringLiteral("missing.ini") });
         QCOMPARE(result.exitCode, 1);
-        QVERIFY2(result.err.startsWith("missing.ini: cannot be opened"), result.err);
-        QCOMPARE(result.err.count('\n'), 1);
+        QCOMPARE(result.err, QByteArray("missing.ini: does not exist\n"));
+    }
+
+    void checkRefusesWhatIsNoRegularFileOrTooLarge()
+    {
+        QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("folder.ini")));
+        QFile huge(path(QStringLiteral("huge.ini")));
+        QVERIFY(huge.open(QIODevice::WriteOnly));
+        QVERIFY(huge.resize(qint64(256) * 1024 * 1024 + 1)); // sparse: no room on the disk
+        huge.close();
+        QStringList files { QStringLiteral("folder.ini"), QStringLiteral("huge.ini") };
+        QByteArray expected("folder.ini: is a folder, not a file\n"
+                            "huge.ini: is larger than any menu file can be (268435457 bytes, at most 268435456)\n");
+        if (QFileInfo::exists(QStringLiteral("/dev/zero"))) {
+            files.append(QStringLiteral("/dev/zero"));
+            expected += "/dev/zero: is not a regular file (a device, a pipe or a socket)\n";
+        }
+#ifdef Q_OS_UNIX
+        QVERIFY(::mkfifo(QFile::encodeName(path(QStringLiteral("pipe.ini"))).constData(), 0600) == 0);
+        files.append(QStringLiteral("pipe.ini"));
+        expected += "pipe.ini: is not a regular file (a device, a pipe or a socket)\n";
+#endif
+        const RunResult result = run(QStringList { QStringLiteral("check") } + files);
+        QVERIFY2(result.finished, "kelvmenu check did not end");
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err, expected);
+
+        const RunResult dump = run({ QStringLiteral("dump"), QStringLiteral("huge.ini") });
+        QCOMPARE(dump.exitCode, 4);
+        QVERIFY(dump.out.isEmpty());
+    }
+
+    void aByteOrderMarkIsNamed()
+    {
+        QFile file(path(QStringLiteral("bom.ini")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("\xEF\xBB\xBF" + fixtureBytes(QStringLiteral("archive.ini")));
+        file.close();
+        const RunResult result = run({ QStringLiteral("check"), QStringLiteral("bom.ini") });
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err,
+                 QByteArray("bom.ini:1: This is not a valid KELV Menu file ! It starts with a UTF-8 "
+                            "byte-order mark, but menu files are Windows-1252 text: save it as "
+                            "Windows-1252 (ANSI), without the mark.\n"));
+        QCOMPARE(run({ QStringLiteral("dump"), QStringLiteral("bom.ini") }).exitCode, 3);
     }
 
     void checkGoesThroughAllFiles()
@@ -596,7 +643,7 @@ private Q_SLOTS:
             QTest::newRow(name + " early end") << command << QStringLiteral("no-end-commands.ini") << 4
                                                << QByteArray("no-end-commands.ini: ends before [/Commands]\n");
             QTest::newRow(name + " missing file")
-                << command << QStringLiteral("missing.ini") << 4 << QByteArray("missing.ini: cannot be opened");
+                << command << QStringLiteral("missing.ini") << 4 << QByteArray("missing.ini: does not exist\n");
         }
     }
 
