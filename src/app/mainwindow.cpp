@@ -272,17 +272,24 @@ QString MainWindow::activeDocumentTag() const
     return index == 0 ? QString() : QString::number(index);
 }
 
-void MainWindow::showCritical(const QString& text)
+void MainWindow::showCritical(const QString& text, const QString& details)
 {
     MessageRequest request;
     request.text = text;
     request.icon = MessageRequest::Icon::Critical;
+    request.details = details;
     m_prompts.showMessage(request);
 }
 
 void MainWindow::showRunTimeError(const RunTimeError& error)
 {
     showCritical(error.report());
+}
+
+QString MainWindow::missingFileMessage(const QString& path)
+{
+    return QStringLiteral("An error occured while opening the file !") + lineEnd() + lineEnd()
+        + QStringLiteral("This file does not exist :") + lineEnd() + QStringLiteral("    ") + path;
 }
 
 QString MainWindow::openErrorMessage()
@@ -470,7 +477,14 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
         result.errorNumber = error.number();
     }
     if (!result.ok()) {
-        showCritical(result.code == MenuReadResult::NotAMenuFile ? notMenuFileMessage() : openErrorMessage());
+        // The message keeps its fixed text; the precise reason is there for whoever asks for it.
+        QString text = openErrorMessage();
+        if (result.code == MenuReadResult::NotAMenuFile) {
+            text = notMenuFileMessage();
+        } else if (result.fileMissing()) {
+            text = missingFileMessage(path);
+        }
+        showCritical(text, readFailureText(path, result));
         discardNewestEditor(index, previousWindow, previousIndex);
         return 0;
     }

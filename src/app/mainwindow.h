@@ -161,6 +161,8 @@ public:
     /// The message shown when a menu file cannot be read for another reason than not being a menu
     /// file.
     static QString openErrorMessage();
+    /// The message shown when there is no file at `path` to open.
+    static QString missingFileMessage(const QString& path);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -191,7 +193,8 @@ private:
     /// The quit question and the saving it asks for. False when quitting stops.
     bool confirmQuit();
 
-    void showCritical(const QString& text);
+    /// A critical message; `details` (the precise reason) is offered by the box on request.
+    void showCritical(const QString& text, const QString& details = QString());
     /// Starts looking out for the result of an autosave file being written.
     void watchAutosave();
     void syncRecentEntries();

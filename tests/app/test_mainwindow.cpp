@@ -84,11 +84,12 @@ QMdiSubWindow* frameOf(EditorWindow* editor)
     return qobject_cast<QMdiSubWindow*>(editor->parentWidget());
 }
 
-MessageRequest critical(const QString& text)
+MessageRequest critical(const QString& text, const QString& details = QString())
 {
     MessageRequest request;
     request.text = text;
     request.icon = MessageRequest::Icon::Critical;
+    request.details = details;
     return request;
 }
 
@@ -460,7 +461,9 @@ private Q_SLOTS:
 
         QCOMPARE(window.openMenu(notMenu, QStringLiteral("notes.ini")), qint16(0));
 
-        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ critical(notMenuFileMessage()) }));
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ critical(
+                     notMenuFileMessage(), notMenu + QStringLiteral(":1: This is not a valid KELV Menu file !")) }));
         QCOMPARE(sandbox.prompts().messages.constFirst().text, QStringLiteral("This is not a valid KELV Menu file !"));
         QCOMPARE(window.state().lastSlot(), qint16(2));
         QCOMPARE(mdiArea(window)->subWindowList(), framesBefore);
@@ -490,23 +493,48 @@ private Q_SLOTS:
                                                 "This is not a valid KELV Menu file\r\n\r\n"
                                                 "Contact the developer for further information :\r\n")
             + contactLines();
-        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ critical(expected) }));
+        QCOMPARE(
+            sandbox.prompts().messages,
+            QList<MessageRequest>({ critical(expected, broken + QStringLiteral(":11: command line has no \"=\"")) }));
         QCOMPARE(window.state().lastSlot(), qint16(1));
         QCOMPARE(mdiArea(window)->subWindowList().size(), 1);
         QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("New menu 1") }));
         QCOMPARE(window.activeDocumentIndex(), qint16(1));
     }
 
-    void openingAMissingFileFailsLikeABrokenOne()
+    void openingAMissingFileSaysItIsMissing()
     {
         GuiSandbox sandbox;
         MainWindow& window = sandbox.window();
-        QCOMPARE(window.openMenu(sandbox.menuPath(QStringLiteral("absent.ini")), QStringLiteral("absent.ini")),
-                 qint16(0));
-        QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MainWindow::openErrorMessage() }));
+        const QString absent = sandbox.menuPath(QStringLiteral("absent.ini"));
+        QCOMPARE(window.openMenu(absent, QStringLiteral("absent.ini")), qint16(0));
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ critical(QStringLiteral("An error occured while opening the file !\r\n\r\n"
+                                                                 "This file does not exist :\r\n    ")
+                                                      + absent,
+                                                  absent + QStringLiteral(": does not exist")) }));
         QCOMPARE(window.state().lastSlot(), qint16(0));
         QCOMPARE(window.activeDocumentIndex(), qint16(0));
         QVERIFY(mdiArea(window)->subWindowList().isEmpty());
+    }
+
+    void openingWhatIsNoMenuFileAtAllShowsTheOpenErrorWithTheReason()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.openMenu(sandbox.menuFolder(), QStringLiteral("menus")), qint16(0));
+        QStringList expectedDetails { sandbox.menuFolder() + QStringLiteral(": is a folder, not a file") };
+        if (QFileInfo::exists(QStringLiteral("/dev/zero"))) {
+            QCOMPARE(window.openMenu(QStringLiteral("/dev/zero"), QStringLiteral("zero")), qint16(0));
+            expectedDetails.append(QStringLiteral("/dev/zero: is not a regular file (a device, a pipe or a socket)"));
+        }
+        QStringList details;
+        for (const MessageRequest& message : sandbox.prompts().messages) {
+            QCOMPARE(message.text, MainWindow::openErrorMessage());
+            details.append(message.details);
+        }
+        QCOMPARE(details, expectedDetails);
+        QCOMPARE(window.state().lastSlot(), qint16(0));
     }
 
     void openDialogAsksForAMenuFile()
