@@ -15,6 +15,7 @@
 #include "scriptoperation.h"
 #include "textoutput.h"
 #include "usagetext.h"
+#include "utf8textcheck.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -166,7 +167,11 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
     for (const QString& path : files) {
         // Without link detection, so that the command count is what the file itself stores.
         MenuDocument document;
-        const MenuReadResult result = readMenuFile(path, document);
+        QByteArray bytes;
+        MenuReadResult result = readMenuFileBytes(path, bytes);
+        if (result.ok()) {
+            result = readMenuBytes(bytes, document);
+        }
         if (!result.ok()) {
             printError(readFailureText(path, result) + QLatin1Char('\n'));
             anyInvalid = true;
@@ -179,6 +184,11 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
         // One multi-argument arg(), so that a "%" in a file name is never taken for a placeholder.
         print(QStringLiteral("%1: ok (%2 items, %3 commands)\n")
                   .arg(path, QString::number(document.items.size()), QString::number(commandCount)));
+        // Valid, yet likely not what its author wrote: the editor would show its text garbled.
+        const QString warning = utf8TextWarning(bytes);
+        if (!warning.isEmpty()) {
+            printError(QStringLiteral("%1: warning: %2\n").arg(path, warning));
+        }
     }
     return anyInvalid ? ExitCode::InvalidFile : ExitCode::Success;
 }

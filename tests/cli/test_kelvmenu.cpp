@@ -519,6 +519,27 @@ private Q_SLOTS:
         QCOMPARE(run({ QStringLiteral("dump"), QStringLiteral("bom.ini") }).exitCode, 3);
     }
 
+    void checkWarnsAboutUtf8Text()
+    {
+        // The bytes of "Café" and "€" in UTF-8: valid, but read as Windows-1252 they are garbled.
+        QFile file(path(QStringLiteral("utf8.ini")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("KELV - Menu\r\n\r\n[Menu]\r\n\r\nCaf\xC3\xA9\r\n\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n"
+                   "0001:=echo \xE2\x82\xAC\r\n\r\n[/Commands]\r\n");
+        file.close();
+        const RunResult result = run({ QStringLiteral("check"), QStringLiteral("utf8.ini"),
+                                       QStringLiteral("accents.ini"), QStringLiteral("archive.ini") });
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out,
+                 QByteArray("utf8.ini: ok (1 items, 1 commands)\n"
+                            "accents.ini: ok (3 items, 2 commands)\n"
+                            "archive.ini: ok (4 items, 5 commands)\n"));
+        // Windows-1252 accents (accents.ini) and plain ASCII (archive.ini) give no warning.
+        QCOMPARE(result.err,
+                 QByteArray("utf8.ini: warning: the file looks like UTF-8 text, but menu files are "
+                            "Windows-1252: \"\xC3\xA9\" reads as \"\xC3\x83\xC2\xA9\"\n"));
+    }
+
     void checkGoesThroughAllFiles()
     {
         const RunResult result
