@@ -369,6 +369,32 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(path(QStringLiteral("no-such-folder"))));
     }
 
+    void aWriteThatRunsOutOfRoomTellsTheSystemsReason()
+    {
+#ifdef Q_OS_UNIX
+        // A limit of a few KiB on the size of written files stands in for a full disk: the shell ignores
+        // the signal the limit sends, so the write fails with the system's reason instead.
+        QFile big(path(QStringLiteral("big.ini")));
+        QVERIFY(big.open(QIODevice::WriteOnly));
+        big.write("KELV - Menu\r\n\r\n[Menu]\r\n\r\n" + QByteArray(100000, 'a')
+                  + "\r\n\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n\r\n[/Commands]\r\n");
+        big.close();
+        QProcess process;
+        process.setWorkingDirectory(m_dir->path());
+        process.start(QStringLiteral("/bin/sh"),
+                      { QStringLiteral("-c"),
+                        QStringLiteral("trap '' XFSZ; ulimit -f 16; exec \"$0\" format big.ini -o out.ini"),
+                        QStringLiteral(KELVMENU_PATH) });
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitCode(), 5);
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("out.ini: cannot write the menu file: Path/File access error: File too large\n"));
+        QVERIFY(!QFileInfo::exists(path(QStringLiteral("out.ini"))));
+#else
+        QSKIP("file size limits are a Unix thing");
+#endif
+    }
+
     void formatOverWriteProtectedFileLeavesItUntouched()
     {
         const QString locked = path(QStringLiteral("locked.ini"));

@@ -323,9 +323,32 @@ private Q_SLOTS:
             QCOMPARE(error.report(), QStringLiteral("Error 76 : Path not found (writeMenuFile)"));
         }
         QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("sub")));
-        QVERIFY_THROWS_EXCEPTION(RunTimeError,
-                                 writeMenuFile(exampleDocument(), folder.filePath(QStringLiteral("sub"))));
+        try {
+            writeMenuFile(exampleDocument(), folder.filePath(QStringLiteral("sub")));
+            QFAIL("a folder was replaced");
+        } catch (const RunTimeError& error) {
+            // The fixed text, then the system's reason.
+            QCOMPARE(error.report(),
+                     QStringLiteral("Error 75 : Path/File access error: Is a directory (writeMenuFile)"));
+        }
         QVERIFY(QFileInfo(folder.filePath(QStringLiteral("sub"))).isDir());
+    }
+
+    void aFailedReplacementNamesTheSystemsReason()
+    {
+        // The longest name a file may have: the file can be made, but no temporary name beside it.
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QString(251, QLatin1Char('m')) + QStringLiteral(".ini"));
+        const QByteArray previous("previous\r\n");
+        writeFile(path, previous);
+        try {
+            writeMenuFile(exampleDocument(), path);
+            QFAIL("the file was replaced");
+        } catch (const RunTimeError& error) {
+            QCOMPARE(error.report(),
+                     QStringLiteral("Error 75 : Path/File access error: File name too long (writeMenuFile)"));
+        }
+        QCOMPARE(fileContents(path), previous);
     }
 
     void writeProtectedFileIsNotReplaced()
@@ -343,6 +366,7 @@ private Q_SLOTS:
             QFAIL("a write-protected file was replaced");
         } catch (const RunTimeError& error) {
             QCOMPARE(error.number(), 75);
+            QCOMPARE(error.description(), QStringLiteral("Path/File access error: Permission denied"));
         }
         QCOMPARE(fileContents(path), previous);
     }
