@@ -17,8 +17,9 @@ QString readFailureText(const QString& path, const MenuReadResult& result);
 
 /// The largest file the reader takes for a menu file: 256 MiB. The largest menu holds 32,767 items;
 /// this leaves every one of them 8 KiB, room for a long caption and a few commands of 2,000
-/// characters each, while the largest menus the editor is measured on are a few megabytes. A file
-/// beyond it is refused before it is read, so that a wrong file cannot fill the memory.
+/// characters each, while the largest menus the benchmarks build (32,767 items with several commands
+/// each) take 7 to 17 MB. A file beyond it is refused before it is read, so that a wrong file cannot
+/// fill the memory.
 constexpr qint64 maximumMenuFileSize = qint64(256) * 1024 * 1024;
 
 /// Reads the menu file at `path` into `document` (the caller's newest document slot). Lenient:
