@@ -108,11 +108,15 @@ QString failureReason(const QFileDevice& file, const QString& systemReason)
     return reason == QLatin1String("Unknown error") && !systemReason.isEmpty() ? systemReason : reason;
 }
 
-/// Why the existing file at `path` cannot be replaced, as the system says it: opening it for
-/// writing, without changing it, gives the reason ("Permission denied", "Is a directory").
-QString whyNotWritable(const QString& path)
+/// Why the existing `target` cannot be replaced, as the system says it: opening it for writing,
+/// without changing it, gives the reason ("Permission denied", "Is a directory"). A pipe or a device
+/// is never opened: a pipe would wait for a reader.
+QString whyNotWritable(const QFileInfo& target)
 {
-    QFile probe(path);
+    if (!target.isFile() && !target.isDir()) {
+        return QStringLiteral("not a regular file (a device, a pipe or a socket)");
+    }
+    QFile probe(target.filePath());
     if (probe.open(QIODevice::WriteOnly | QIODevice::Append)) {
         return QStringLiteral("the file is write-protected");
     }
@@ -198,7 +202,7 @@ void writeMenuFile(const MenuDocument& document, const QString& path)
     // Replacing a write-protected file through a new file would succeed on some systems; the user
     // protected it, so it is refused like any other access error.
     if (target.exists() && (!target.isFile() || !target.isWritable())) {
-        throw fileError(ErrorNumber::PathFileAccessError, whyNotWritable(path));
+        throw fileError(ErrorNumber::PathFileAccessError, whyNotWritable(target));
     }
 
     QSaveFile file(path);

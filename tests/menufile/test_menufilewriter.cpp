@@ -6,10 +6,19 @@
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
+
+#include <atomic>
+#include <thread>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 namespace {
 
@@ -349,6 +358,45 @@ private Q_SLOTS:
                      QStringLiteral("Error 75 : Path/File access error: File name too long (writeMenuFile)"));
         }
         QCOMPARE(fileContents(path), previous);
+    }
+
+    void aPipeOrADeviceIsNotReplacedNorOpened()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString pipe = folder.filePath(QStringLiteral("pipe.ini"));
+        QVERIFY(::mkfifo(QFile::encodeName(pipe).constData(), 0600) == 0);
+        // Opened for writing, a pipe waits for a reader: the writing runs beside the test, which opens
+        // the pipe itself when the writer hangs, so that the test ends either way.
+        QString report;
+        std::atomic<bool> finished { false };
+        std::thread writer([&pipe, &report, &finished] {
+            try {
+                writeMenuFile(exampleDocument(), pipe);
+            } catch (const RunTimeError& error) {
+                report = error.report();
+            }
+            finished = true;
+        });
+        QElapsedTimer timer;
+        timer.start();
+        while (!finished && timer.elapsed() < 10000) {
+            QThread::msleep(10);
+        }
+        const bool waited = !finished;
+        if (waited) {
+            QFile reader(pipe);
+            (void)reader.open(QIODevice::ReadOnly);
+        }
+        writer.join();
+        QVERIFY2(!waited, "the writer waited for a reader");
+        QCOMPARE(report,
+                 QStringLiteral("Error 75 : Path/File access error: not a regular file (a device, a pipe or a "
+                                "socket) (writeMenuFile)"));
+        QVERIFY(!QFileInfo(pipe).isFile());
+#else
+        QSKIP("named pipes are a Unix thing");
+#endif
     }
 
     void writeProtectedFileIsNotReplaced()
