@@ -272,17 +272,24 @@ QString MainWindow::activeDocumentTag() const
     return index == 0 ? QString() : QString::number(index);
 }
 
-void MainWindow::showCritical(const QString& text)
+void MainWindow::showCritical(const QString& text, const QString& details)
 {
     MessageRequest request;
     request.text = text;
     request.icon = MessageRequest::Icon::Critical;
+    request.details = details;
     m_prompts.showMessage(request);
 }
 
 void MainWindow::showRunTimeError(const RunTimeError& error)
 {
     showCritical(error.report());
+}
+
+QString MainWindow::missingFileMessage(const QString& path)
+{
+    return QStringLiteral("An error occured while opening the file !") + lineEnd() + lineEnd()
+        + QStringLiteral("This file does not exist :") + lineEnd() + QStringLiteral("    ") + path;
 }
 
 QString MainWindow::openErrorMessage()
@@ -470,7 +477,14 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
         result.errorNumber = error.number();
     }
     if (!result.ok()) {
-        showCritical(result.code == MenuReadResult::NotAMenuFile ? notMenuFileMessage() : openErrorMessage());
+        // The message keeps its fixed text; the precise reason is there for whoever asks for it.
+        QString text = openErrorMessage();
+        if (result.code == MenuReadResult::NotAMenuFile) {
+            text = notMenuFileMessage();
+        } else if (result.fileMissing()) {
+            text = missingFileMessage(path);
+        }
+        showCritical(text, readFailureText(path, result));
         discardNewestEditor(index, previousWindow, previousIndex);
         return 0;
     }
@@ -492,14 +506,29 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
 
 bool MainWindow::writeDocument(qint16 index, const QString& path)
 {
+    QList<SaveProblem> problems;
     try {
-        saveMenuDocument(m_state.document(index), path);
+        problems = saveMenuDocument(m_state.document(index), path);
     } catch (const RunTimeError& error) {
         // The writer leaves the old file as it was; the document stays unsaved, so nothing is lost.
         showRunTimeError(error);
         return false;
     }
+    if (!problems.isEmpty()) {
+        showRefusal(saveRefusalMessage(problems));
+        return false;
+    }
     updateSaveEntry();
+    return true;
+}
+
+bool MainWindow::refuseUnsavable(qint16 index)
+{
+    const QList<SaveProblem> problems = documentSaveProblems(m_state.document(index));
+    if (problems.isEmpty()) {
+        return false;
+    }
+    showRefusal(saveRefusalMessage(problems));
     return true;
 }
 
@@ -532,6 +561,10 @@ void MainWindow::mnuSaveAs_Click()
     if (!m_state.editor(index)) {
         return;
     }
+    // A menu that cannot be saved is refused before the user picks a name for it.
+    if (refuseUnsavable(index)) {
+        return;
+    }
     const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
     if (path.isEmpty()) {
         return;
@@ -545,6 +578,9 @@ bool MainWindow::saveForClosing(qint16 index)
 {
     QString path = m_state.document(index).filePath;
     if (path.isEmpty()) {
+        if (refuseUnsavable(index)) {
+            return false;
+        }
         path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
         if (path.isEmpty()) {
             return true; // no name given: nothing is written
@@ -597,6 +633,18 @@ bool MainWindow::confirmQuit()
             return false;
         }
         if (answer == UserPrompts::Answer::Yes) {
+            // All or none: a menu that cannot be saved stops quitting before anything is written.
+            QList<UnsavableDocument> unsavable;
+            for (const qint16 index : unsaved) {
+                const QList<SaveProblem> problems = documentSaveProblems(m_state.document(index));
+                if (!problems.isEmpty()) {
+                    unsavable.append(UnsavableDocument { editor(index)->windowTitle(), problems });
+                }
+            }
+            if (!unsavable.isEmpty()) {
+                showRefusal(saveRefusalMessage(unsavable));
+                return false;
+            }
             for (const qint16 index : unsaved) {
                 // A document that cannot be written stops quitting rather than being lost.
                 if (!saveForClosing(index)) {

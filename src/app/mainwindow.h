@@ -166,6 +166,8 @@ public:
     /// The message shown when a menu file cannot be read for another reason than not being a menu
     /// file.
     static QString openErrorMessage();
+    /// The message shown when there is no file at `path` to open.
+    static QString missingFileMessage(const QString& path);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -185,15 +187,19 @@ private:
     QMdiSubWindow* frameOf(const EditorWindow* editor) const;
     void tileWindows(Qt::Orientation orientation);
 
-    /// Writes document `index` to `path`; a failure is shown and leaves the document unsaved.
+    /// Writes document `index` to `path`; a failure, or values the file cannot hold, are shown and
+    /// leave the document unsaved and the file as it was.
     bool writeDocument(qint16 index, const QString& path);
+    /// When document `index` holds values its file cannot hold, shows them and returns true.
+    bool refuseUnsavable(qint16 index);
     /// Saves document `index` for closing: to its file, else to a name asked for. False when the
-    /// write failed, true also when the user gave no name.
+    /// write failed or was refused, true also when the user gave no name.
     bool saveForClosing(qint16 index);
     /// The quit question and the saving it asks for. False when quitting stops.
     bool confirmQuit();
 
-    void showCritical(const QString& text);
+    /// A critical message; `details` (the precise reason) is offered by the box on request.
+    void showCritical(const QString& text, const QString& details = QString());
     /// Starts looking out for the result of an autosave file being written.
     void watchAutosave();
     void syncRecentEntries();

@@ -44,6 +44,9 @@ UserPrompts::Answer WidgetPrompts::showMessage(const MessageRequest& request)
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     box.setText(text);
     box.setTextFormat(Qt::PlainText);
+    if (!request.details.isEmpty()) {
+        box.setDetailedText(request.details);
+    }
     if (request.buttons == MessageRequest::Buttons::YesNoCancel) {
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         box.setDefaultButton(QMessageBox::Yes);

@@ -11,7 +11,8 @@ constexpr int UsageError = 2;
 constexpr int NotAMenuFile = 3;
 /// Any other failure to read: the file cannot be opened or its sections are broken.
 constexpr int ReadError = 4;
-/// The formatted menu file could not be written; the old file is left as it was.
+/// The menu file could not be written, or the menu holds values a menu file cannot hold; nothing
+/// was written and the old file is left as it was.
 constexpr int WriteError = 5;
 /// `edit` stopped at an operation the editor refuses, a key that names no item, or a failure of an
 /// operation; nothing was written.

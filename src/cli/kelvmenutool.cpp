@@ -7,6 +7,7 @@
 #include "exitcode.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
+#include "menufile/saveproblemcheck.h"
 #include "menujson.h"
 #include "menutreelisting.h"
 #include "model/errortable.h"
@@ -14,7 +15,9 @@
 #include "model/runtimeerror.h"
 #include "scriptededitor.h"
 #include "scriptoperation.h"
+#include "textoutput.h"
 #include "usagetext.h"
+#include "utf8textcheck.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -49,12 +52,23 @@ QStringList parserArguments(const QString& command, const QStringList& arguments
 
 KelvMenuTool::KelvMenuTool(QIODevice& in, QIODevice& out, QIODevice& err)
     : m_in(in)
-    , m_out(out)
+    , m_output(out)
     , m_err(err)
 {
 }
 
 int KelvMenuTool::run(const QStringList& arguments)
+{
+    const int exitCode = runCommand(arguments);
+    // A result that did not reach its reader in full is no success, whatever the command found.
+    if (!m_output.finish()) {
+        printError(QStringLiteral("kelvmenu: cannot write to standard output: %1\n").arg(m_output.errorString()));
+        return ExitCode::WriteError;
+    }
+    return exitCode;
+}
+
+int KelvMenuTool::runCommand(const QStringList& arguments)
 {
     if (arguments.isEmpty()) {
         printError(UsageText::general());
@@ -115,7 +129,7 @@ int KelvMenuTool::runDump(const QStringList& arguments)
     if (readCode != ExitCode::Success) {
         return readCode;
     }
-    m_out.write(menuDocumentJson(document));
+    writeMenuDocumentJson(document, m_output);
     return ExitCode::Success;
 }
 
@@ -143,13 +157,7 @@ int KelvMenuTool::runFormat(const QStringList& arguments)
     if (readCode != ExitCode::Success) {
         return readCode;
     }
-    try {
-        writeMenuFile(document, outputPath);
-    } catch (const RunTimeError& error) {
-        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
-        return ExitCode::WriteError;
-    }
-    return ExitCode::Success;
+    return writeOrReport(document, outputPath);
 }
 
 int KelvMenuTool::runCheck(const QStringList& arguments)
@@ -168,9 +176,13 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
     for (const QString& path : files) {
         // Without link detection, so that the command count is what the file itself stores.
         MenuDocument document;
-        const MenuReadResult result = readMenuFile(path, document);
+        QByteArray bytes;
+        MenuReadResult result = readMenuFileBytes(path, bytes);
+        if (result.ok()) {
+            result = readMenuBytes(bytes, document);
+        }
         if (!result.ok()) {
-            printError(failureText(path, result) + QLatin1Char('\n'));
+            printError(readFailureText(path, result) + QLatin1Char('\n'));
             anyInvalid = true;
             continue;
         }
@@ -182,6 +194,11 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
         print(QStringLiteral("%1: ok (%2, %3)\n")
                   .arg(path, countText(document.items.size(), QStringLiteral("item"), QStringLiteral("items")),
                        countText(commandCount, QStringLiteral("command"), QStringLiteral("commands"))));
+        // Valid, yet likely not what its author wrote: the editor would show its text garbled.
+        const QString warning = utf8TextWarning(bytes);
+        if (!warning.isEmpty()) {
+            printError(QStringLiteral("%1: warning: %2\n").arg(path, warning));
+        }
     }
     return anyInvalid ? ExitCode::InvalidFile : ExitCode::Success;
 }
@@ -204,7 +221,7 @@ int KelvMenuTool::runTree(const QStringList& arguments)
     if (readCode != ExitCode::Success) {
         return readCode;
     }
-    print(menuTreeListing(document));
+    writeMenuTreeListing(document, m_output);
     return ExitCode::Success;
 }
 
@@ -273,16 +290,10 @@ int KelvMenuTool::runEdit(const QStringList& arguments)
     }
 
     if (dump) {
-        m_out.write(menuDocumentJson(editor.document()));
+        writeMenuDocumentJson(editor.document(), m_output);
         return ExitCode::Success;
     }
-    try {
-        writeMenuFile(editor.document(), outputPath);
-    } catch (const RunTimeError& error) {
-        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
-        return ExitCode::WriteError;
-    }
-    return ExitCode::Success;
+    return writeOrReport(editor.document(), outputPath);
 }
 
 std::optional<int> KelvMenuTool::parseArguments(QCommandLineParser& parser, const QString& command,
@@ -308,26 +319,33 @@ std::optional<int> KelvMenuTool::requireOneFile(const QString& command, const QS
                       files.isEmpty() ? QStringLiteral("missing FILE") : QStringLiteral("too many file names"));
 }
 
+int KelvMenuTool::writeOrReport(const MenuDocument& document, const QString& outputPath)
+{
+    const QList<SaveProblem> problems = findSaveProblems(document);
+    if (!problems.isEmpty()) {
+        for (const SaveProblem& problem : problems) {
+            printError(QStringLiteral("%1: %2: %3\n").arg(outputPath, problem.itemPath, problem.description));
+        }
+        printError(QStringLiteral("%1: nothing written: a menu file cannot hold the values above\n").arg(outputPath));
+        return ExitCode::WriteError;
+    }
+    try {
+        writeMenuFile(document, outputPath);
+    } catch (const RunTimeError& error) {
+        printError(QStringLiteral("%1: cannot write the menu file: %2\n").arg(outputPath, error.description()));
+        return ExitCode::WriteError;
+    }
+    return ExitCode::Success;
+}
+
 int KelvMenuTool::readOrReport(const QString& path, bool detectLinks, MenuDocument& document)
 {
     const MenuReadResult result = openMenuFile(path, detectLinks, document);
     if (result.ok()) {
         return ExitCode::Success;
     }
-    printError(failureText(path, result) + QLatin1Char('\n'));
+    printError(readFailureText(path, result) + QLatin1Char('\n'));
     return result.code == MenuReadResult::NotAMenuFile ? ExitCode::NotAMenuFile : ExitCode::ReadError;
-}
-
-QString KelvMenuTool::failureText(const QString& path, const MenuReadResult& result)
-{
-    if (result.code == MenuReadResult::NotAMenuFile) {
-        return QStringLiteral("%1:1: %2").arg(path, notMenuFileMessage());
-    }
-    const QString reason = result.reason.isEmpty() ? errorDescription(result.errorNumber) : result.reason;
-    if (result.line > 0) {
-        return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
-    }
-    return QStringLiteral("%1: %2").arg(path, reason);
 }
 
 int KelvMenuTool::usageError(const QString& command, const QString& message)
@@ -340,7 +358,7 @@ int KelvMenuTool::usageError(const QString& command, const QString& message)
 
 void KelvMenuTool::print(const QString& text)
 {
-    m_out.write(text.toUtf8());
+    m_output.write(text);
 }
 
 void KelvMenuTool::printError(const QString& text)

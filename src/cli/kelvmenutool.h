@@ -1,5 +1,7 @@
 #pragma once
 
+#include "textoutput.h"
+
 #include <optional>
 
 #include <QString>
@@ -8,7 +10,6 @@
 class QCommandLineParser;
 class QIODevice;
 struct MenuDocument;
-struct MenuReadResult;
 
 /// The kelvmenu program without its process: runs one command line against menu files and says
 /// what to exit with. Results go to `out`, messages and usage errors to `err`, both as UTF-8; `in`
@@ -18,10 +19,13 @@ class KelvMenuTool final
 public:
     KelvMenuTool(QIODevice& in, QIODevice& out, QIODevice& err);
 
-    /// `arguments` is the command line without the program name. Returns an ExitCode.
+    /// `arguments` is the command line without the program name. Returns an ExitCode. Everything
+    /// printed has reached the system when it returns; when it could not, the exit code is
+    /// ExitCode::WriteError, with a message on `err`.
     int run(const QStringList& arguments);
 
 private:
+    int runCommand(const QStringList& arguments);
     int runDump(const QStringList& arguments);
     int runFormat(const QStringList& arguments);
     int runCheck(const QStringList& arguments);
@@ -31,8 +35,9 @@ private:
     /// Reads `path` as the editor opens it; on failure reports it on `err` and returns the exit code
     /// for it, on success returns ExitCode::Success.
     int readOrReport(const QString& path, bool detectLinks, MenuDocument& document);
-    /// `FILE:LINE: reason` or `FILE: reason` for a file the reader refused.
-    static QString failureText(const QString& path, const MenuReadResult& result);
+    /// Writes `document` to `outputPath`, unless the file could not hold it. Problems and write
+    /// failures are reported on `err`; returns the exit code.
+    int writeOrReport(const MenuDocument& document, const QString& outputPath);
 
     /// Adds --help to `parser` and parses `arguments` of `command`. Returns the exit code when that
     /// already ends the command (a usage error, or the usage printed for --help).
@@ -46,6 +51,6 @@ private:
     void printError(const QString& text);
 
     QIODevice& m_in;
-    QIODevice& m_out;
+    TextOutput m_output;
     QIODevice& m_err;
 };

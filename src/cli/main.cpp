@@ -23,7 +23,5 @@ int main(int argc, char* argv[])
         return ExitCode::WriteError;
     }
     KelvMenuTool tool(in, out, err);
-    const int exitCode = tool.run(arguments);
-    out.flush();
-    return exitCode;
+    return tool.run(arguments);
 }

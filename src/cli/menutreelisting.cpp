@@ -3,7 +3,9 @@
 #include "counttext.h"
 #include "menufile/saveorder.h"
 #include "model/menudocument.h"
+#include "textoutput.h"
 
+#include <QBuffer>
 #include <QHash>
 
 namespace {
@@ -33,20 +35,33 @@ int effectiveCommandCount(const MenuDocument& document, const QHash<QString, int
 
 } // namespace
 
-QString menuTreeListing(const MenuDocument& document)
+void writeMenuTreeListing(const MenuDocument& document, TextOutput& output)
 {
-    QString listing;
     const QHash<QString, int> indexOfKey = indexOfKeys(document);
-    for (const SaveOrderEntry& entry : saveOrder(document)) {
+    const QList<SaveOrderEntry> order = saveOrder(document);
+    for (qsizetype k = 0; k < order.size() && !output.failed(); ++k) {
+        const SaveOrderEntry& entry = order.at(k);
         const MenuItem& item = document.items.at(entry.index);
-        listing += QString(entry.depth * 2, QLatin1Char(' '));
-        listing += item.caption + QStringLiteral("  [") + item.key + QStringLiteral("]  ")
+        output.write(QString(entry.depth * 2, QLatin1Char(' ')));
+        // The caption on its own: it may be megabytes long and is written in pieces.
+        output.write(item.caption);
+        QString rest = QStringLiteral("  [") + item.key + QStringLiteral("]  ")
             + countText(effectiveCommandCount(document, indexOfKey, item), QStringLiteral("command"),
                         QStringLiteral("commands"));
         if (item.copiesCommands) {
-            listing += QStringLiteral(" -> ") + item.copyKey;
+            rest += QStringLiteral(" -> ") + item.copyKey;
         }
-        listing += QLatin1Char('\n');
+        rest += QLatin1Char('\n');
+        output.write(rest);
     }
-    return listing;
+}
+
+QString menuTreeListing(const MenuDocument& document)
+{
+    QByteArray listing;
+    QBuffer buffer(&listing);
+    buffer.open(QIODevice::WriteOnly);
+    TextOutput output(buffer);
+    writeMenuTreeListing(document, output);
+    return QString::fromUtf8(listing);
 }

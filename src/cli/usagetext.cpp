@@ -10,7 +10,8 @@ QString exitCodes()
                           "  2  usage error: unknown command or option, missing or surplus file name\n"
                           "  3  the file is not a menu file (its first line is not \"KELV - Menu\")\n"
                           "  4  any other read error, including a file that cannot be opened\n"
-                          "  5  the menu file could not be written (an existing file is left untouched)\n"
+                          "  5  nothing written: the menu file or standard output could not be written, or the\n"
+                          "     menu holds values a menu file cannot hold (an existing file is left untouched)\n"
                           "  6  edit stopped at an operation the editor refuses or that fails; nothing written\n");
 }
 
@@ -105,6 +106,10 @@ QString check()
                           "  FILE: reason          e.g. menu.ini: ends before [/Commands]\n"
                           "A file that is not a menu file is reported as\n"
                           "  FILE:1: This is not a valid KELV Menu file !\n"
+                          "A valid file whose text looks like UTF-8 (menu files are Windows-1252, so the editor\n"
+                          "would show it garbled) also gives a warning on standard error, which changes no exit\n"
+                          "code:\n"
+                          "  FILE: warning: the file looks like UTF-8 text, but menu files are Windows-1252: ...\n"
                           "\n"
                           "Options:\n"
                           "  -h, --help  show this help\n"
@@ -199,6 +204,11 @@ QString edit()
                "and nothing is written or printed (exit code 6). A malformed OPS (not JSON, an unknown\n"
                "operation, a missing, unknown or mistyped field) is a usage error: nothing runs (exit code 2).\n"
                "Messages the editor shows on success go to standard error as \"FILE: operation N: TEXT\".\n"
+               "\n"
+               "A result that a menu file cannot hold (a line break in a caption, extension or command, an\n"
+               "\"=\" in an extension, a caption that begins with a middle dot, a top-level caption\n"
+               "\"[/Menu]\", characters outside Windows-1252) is not written: standard error lists every\n"
+               "such value as \"FILE: ITEM PATH: PROBLEM\" (exit code 5).\n"
                "\n"
                "Options:\n"
                "  --detect-links      read FILE with the editor's \"check copy commands\" option on\n"

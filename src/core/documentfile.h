@@ -1,7 +1,9 @@
 #pragma once
 
 #include "menufile/menureadresult.h"
+#include "menufile/saveproblem.h"
 
+#include <QList>
 #include <QString>
 #include <QtGlobal>
 
@@ -14,6 +16,23 @@ struct Options;
 /// must be discarded.
 MenuReadResult openMenuDocument(const QString& path, const Options& options, qint16 index, MenuDocument& document);
 
-/// Writes `document` to `path`; it then belongs to that file and counts as saved. Throws RunTimeError
-/// when the file cannot be written, leaving the document and any earlier file as they were.
-void saveMenuDocument(MenuDocument& document, const QString& path);
+/// The values of `document` that its menu file could not hold; saving is refused while there are any.
+QList<SaveProblem> documentSaveProblems(const MenuDocument& document);
+
+/// Writes `document` to `path`; it then belongs to that file and counts as saved. When the file could
+/// not hold the document as it stands, nothing is written, the document stays as it was and the
+/// problems are returned; empty when the document was written. Throws RunTimeError when the file
+/// cannot be written, leaving the document and any earlier file as they were.
+QList<SaveProblem> saveMenuDocument(MenuDocument& document, const QString& path);
+
+/// The problems that keep one document from being saved, under the caption of its editor window.
+struct UnsavableDocument
+{
+    QString caption;
+    QList<SaveProblem> problems;
+};
+
+/// The exclamation message that refuses to save a document: what is wrong, one problem a line.
+QString saveRefusalMessage(const QList<SaveProblem>& problems);
+/// The same for several documents at once (quitting saves them all or none), each under its caption.
+QString saveRefusalMessage(const QList<UnsavableDocument>& documents);

@@ -14,11 +14,14 @@ struct MessageRequest
     QString title;
     Icon icon = Icon::None;
     Buttons buttons = Buttons::Ok;
+    /// The precise reason behind the message (file, line, what), offered by the box on request;
+    /// empty for a box without one.
+    QString details;
 
     friend bool operator==(const MessageRequest& left, const MessageRequest& right)
     {
         return left.text == right.text && left.title == right.title && left.icon == right.icon
-            && left.buttons == right.buttons;
+            && left.buttons == right.buttons && left.details == right.details;
     }
 };
 

@@ -97,6 +97,29 @@ bool isTag(QByteArrayView line, QLatin1String tag)
     return true;
 }
 
+/// An item number as a reason shows it: whole up to twenty characters, a longer one cut with its
+/// length, so that a line of thousands of digits does not come back in the message whole.
+QString shownItemNumber(QByteArrayView text)
+{
+    constexpr qsizetype shownLength = 20;
+    if (text.size() <= shownLength) {
+        return Windows1252Codec::decode(text);
+    }
+    return Windows1252Codec::decode(text.first(shownLength)) + QStringLiteral("...");
+}
+
+/// " (N characters)" after a shortened item number; nothing after one shown whole.
+QString lengthNote(QByteArrayView text)
+{
+    return shownItemNumber(text).size() == text.size() ? QString()
+                                                       : QStringLiteral(" (%1 characters)").arg(text.size());
+}
+
+QString notANumber(QByteArrayView text)
+{
+    return QStringLiteral("item number \"%1\"%2 is not a number").arg(shownItemNumber(text), lengthNote(text));
+}
+
 /// The text before the ":" of a command line as a number: optional blanks, an optional sign and
 /// decimal digits. Anything else is not a number (13), a value beyond 16 bits overflows (6).
 qint16 parseItemNumber(QByteArrayView text, int lineNumber)
@@ -109,17 +132,13 @@ qint16 parseItemNumber(QByteArrayView text, int lineNumber)
         ++position;
     }
     if (position == trimmed.size()) {
-        throw ReadFailure { lineNumber, ErrorNumber::TypeMismatch,
-                            QStringLiteral("item number \"%1\" is not a number").arg(Windows1252Codec::decode(text)) };
+        throw ReadFailure { lineNumber, ErrorNumber::TypeMismatch, notANumber(text) };
     }
     qint64 value = 0;
     for (; position < trimmed.size(); ++position) {
         const char digit = trimmed[position];
         if (digit < '0' || digit > '9') {
-            throw ReadFailure {
-                lineNumber, ErrorNumber::TypeMismatch,
-                QStringLiteral("item number \"%1\" is not a number").arg(Windows1252Codec::decode(text))
-            };
+            throw ReadFailure { lineNumber, ErrorNumber::TypeMismatch, notANumber(text) };
         }
         if (value <= 32768) {
             value = value * 10 + (digit - '0');
@@ -129,10 +148,9 @@ qint16 parseItemNumber(QByteArrayView text, int lineNumber)
         value = -value;
     }
     if (value < -32768 || value > 32767) {
-        throw ReadFailure {
-            lineNumber, ErrorNumber::Overflow,
-            QStringLiteral("item number %1 is too large").arg(Windows1252Codec::decode(text.trimmed()))
-        };
+        throw ReadFailure { lineNumber, ErrorNumber::Overflow,
+                            QStringLiteral("item number %1%2 is too large")
+                                .arg(shownItemNumber(text.trimmed()), lengthNote(text.trimmed())) };
     }
     return static_cast<qint16>(value);
 }
@@ -238,10 +256,9 @@ public:
         const QByteArrayView numberText = line.first(colon);
         const qint32 index = qint32(parseItemNumber(numberText, lineNumber)) - 1;
         if (index < 0 || index >= m_document.items.size()) {
-            throw ReadFailure {
-                lineNumber, ErrorNumber::SubscriptOutOfRange,
-                QStringLiteral("item number %1 names no item").arg(Windows1252Codec::decode(numberText))
-            };
+            throw ReadFailure { lineNumber, ErrorNumber::SubscriptOutOfRange,
+                                QStringLiteral("item number %1%2 names no item")
+                                    .arg(shownItemNumber(numberText), lengthNote(numberText)) };
         }
         Command command;
         command.extension = sharedExtension(line.sliced(colon + 1, equals - colon - 1));
@@ -337,11 +354,37 @@ MenuReadResult failure(const ReadFailure& reason)
     return result;
 }
 
+/// Why a file that starts with a byte-order mark is no menu file: an editor saved it as Unicode
+/// text. Empty for any other file.
+QString byteOrderMarkHint(QByteArrayView bytes)
+{
+    QString encoding;
+    if (bytes.startsWith("\xEF\xBB\xBF")) {
+        encoding = QStringLiteral("UTF-8");
+    } else if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) {
+        encoding = QStringLiteral("UTF-16");
+    } else {
+        return QString();
+    }
+    return QStringLiteral(" It starts with a %1 byte-order mark, but menu files are Windows-1252 text: save it as "
+                          "Windows-1252 (ANSI), without the mark.")
+        .arg(encoding);
+}
+
 } // namespace
 
 QString notMenuFileMessage()
 {
     return QStringLiteral("This is not a valid KELV Menu file !");
+}
+
+QString readFailureText(const QString& path, const MenuReadResult& result)
+{
+    const QString reason = result.reason.isEmpty() ? errorDescription(result.errorNumber) : result.reason;
+    if (result.line > 0) {
+        return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
+    }
+    return QStringLiteral("%1: %2").arg(path, reason);
 }
 
 MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
@@ -356,7 +399,7 @@ MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
         MenuReadResult result;
         result.code = MenuReadResult::NotAMenuFile;
         result.line = 1;
-        result.reason = notMenuFileMessage();
+        result.reason = notMenuFileMessage() + byteOrderMarkHint(bytes);
         return result;
     }
 
@@ -379,27 +422,63 @@ MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
     return result;
 }
 
+MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes)
+{
+    bytes.clear();
+    // Looked at before opening: opening a pipe for reading waits until something writes to it.
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        return failure(ReadFailure { 0, ErrorNumber::FileNotFound, QStringLiteral("does not exist") });
+    }
+    if (info.isDir()) {
+        return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError, QStringLiteral("is a folder, not a file") });
+    }
+    if (!info.isFile()) {
+        return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
+                                     QStringLiteral("is not a regular file (a device, a pipe or a socket)") });
+    }
+    const auto tooLarge = [](qint64 size) {
+        return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
+                                     QStringLiteral("is larger than any menu file can be (%1 bytes, at most %2)")
+                                         .arg(QString::number(size), QString::number(maximumMenuFileSize)) });
+    };
+    if (info.size() > maximumMenuFileSize) {
+        return tooLarge(info.size());
+    }
+
+    // The whole file is read at once and closed at the end of this scope, so no handle stays open
+    // whatever happens next.
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
+                                     QStringLiteral("cannot be opened: %1").arg(file.errorString()) });
+    }
+    try {
+        // One byte more than the bound shows a file that has grown beyond it since it was looked at.
+        bytes = file.read(std::min(file.size(), maximumMenuFileSize) + 1);
+    } catch (const std::bad_alloc&) {
+        return failure(ReadFailure { 0, ErrorNumber::OutOfMemory, QStringLiteral("is too large to read") });
+    }
+    if (file.error() != QFileDevice::NoError) {
+        return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
+                                     QStringLiteral("cannot be read: %1").arg(file.errorString()) });
+    }
+    if (bytes.size() > maximumMenuFileSize) {
+        const qint64 size = file.size();
+        bytes.clear();
+        return tooLarge(size);
+    }
+    MenuReadResult loaded;
+    loaded.code = MenuReadResult::Read;
+    return loaded;
+}
+
 MenuReadResult readMenuFile(const QString& path, MenuDocument& document)
 {
     QByteArray bytes;
-    {
-        // The whole file is read at once and closed at the end of this scope, so no handle stays
-        // open whatever happens next.
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly)) {
-            const bool exists = QFileInfo::exists(path);
-            return failure(ReadFailure { 0, exists ? ErrorNumber::PathFileAccessError : ErrorNumber::FileNotFound,
-                                         QStringLiteral("cannot be opened: %1").arg(file.errorString()) });
-        }
-        try {
-            bytes = file.readAll();
-        } catch (const std::bad_alloc&) {
-            return failure(ReadFailure { 0, ErrorNumber::OutOfMemory, QStringLiteral("is too large to read") });
-        }
-        if (file.error() != QFileDevice::NoError) {
-            return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
-                                         QStringLiteral("cannot be read: %1").arg(file.errorString()) });
-        }
+    const MenuReadResult loaded = readMenuFileBytes(path, bytes);
+    if (!loaded.ok()) {
+        return loaded;
     }
     return readMenuBytes(bytes, document);
 }

@@ -4,11 +4,23 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QtGlobal>
 
 struct MenuDocument;
 
 /// The text the editor shows (critical icon, OK) when a file is not a menu file.
 QString notMenuFileMessage(); // "This is not a valid KELV Menu file !"
+
+/// Where and why reading the file at `path` failed, as `FILE:LINE: reason` or `FILE: reason`
+/// ("menu.ini:14: command line has no \"=\"", "menu.ini: does not exist").
+QString readFailureText(const QString& path, const MenuReadResult& result);
+
+/// The largest file the reader takes for a menu file: 256 MiB. The largest menu holds 32,767 items;
+/// this leaves every one of them 8 KiB, room for a long caption and a few commands of 2,000
+/// characters each, while the largest menus the benchmarks build (32,767 items with several commands
+/// each) take 7 to 17 MB. A file beyond it is refused before it is read, so that a wrong file cannot
+/// fill the memory.
+constexpr qint64 maximumMenuFileSize = qint64(256) * 1024 * 1024;
 
 /// Reads the menu file at `path` into `document` (the caller's newest document slot). Lenient:
 /// section tags in any letter case, blank lines ignored, CR LF, LF or CR line ends. On success
@@ -20,3 +32,9 @@ MenuReadResult readMenuFile(const QString& path, MenuDocument& document);
 
 /// The same as readMenuFile, on the bytes of a file already in memory.
 MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document);
+
+/// The first step of readMenuFile: the whole file at `path` into `bytes`. Refuses a path with no
+/// file, a folder, anything that is not a regular file (a pipe would wait for a writer for ever, a
+/// device such as /dev/zero never ends) and a file larger than maximumMenuFileSize, without reading
+/// from it; the result then says why (the reader's result codes). No file stays open.
+MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes);

@@ -8,6 +8,7 @@
 #include "model/runtimeerror.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QSaveFile>
@@ -22,6 +23,17 @@ constexpr QLatin1String header("KELV - Menu\r\n\r\n[Menu]\r\n\r\n");
 constexpr QLatin1String middle("\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n");
 constexpr QLatin1String footer("\r\n[/Commands]\r\n");
 constexpr qsizetype markersPerLevel = 3;
+
+/// The markers before a caption. A top-level item with an empty caption gets one marker: an empty
+/// line would be skipped by the reader, while a line of one or two markers reads back as a
+/// top-level item with an empty caption.
+qsizetype markerCount(const SaveOrderEntry& entry, const MenuItem& item)
+{
+    if (entry.depth == 0 && item.caption.isEmpty()) {
+        return 1;
+    }
+    return entry.depth * markersPerLevel;
+}
 
 int digitCount(qint32 number)
 {
@@ -77,6 +89,40 @@ private:
     char* m_cursor;
 };
 
+/// A failure of the file itself: the fixed text of the error, then the system's reason ("Path/File
+/// access error: No space left on device"), so that the user learns what to do about it.
+RunTimeError fileError(int number, const QString& reason)
+{
+    QString description = errorDescription(number);
+    if (!reason.isEmpty() && reason.compare(description, Qt::CaseInsensitive) != 0) {
+        description += QStringLiteral(": ") + reason;
+    }
+    return RunTimeError(number, QStringLiteral("writeMenuFile"), description);
+}
+
+/// Why an operation on `file` failed, as the system tells it. For a failed rename Qt keeps no reason
+/// of its own; the system's, taken right after the failing call, then stands in.
+QString failureReason(const QFileDevice& file, const QString& systemReason)
+{
+    const QString reason = file.errorString();
+    return reason == QLatin1String("Unknown error") && !systemReason.isEmpty() ? systemReason : reason;
+}
+
+/// Why the existing `target` cannot be replaced, as the system says it: opening it for writing,
+/// without changing it, gives the reason ("Permission denied", "Is a directory"). A pipe or a device
+/// is never opened: a pipe would wait for a reader.
+QString whyNotWritable(const QFileInfo& target)
+{
+    if (!target.isFile() && !target.isDir()) {
+        return QStringLiteral("not a regular file (a device, a pipe or a socket)");
+    }
+    QFile probe(target.filePath());
+    if (probe.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        return QStringLiteral("the file is write-protected");
+    }
+    return probe.errorString();
+}
+
 } // namespace
 
 QByteArray menuFileBytes(const MenuDocument& document)
@@ -105,7 +151,7 @@ QByteArray menuFileBytes(const MenuDocument& document)
             }
         }
         commandSources[k] = &items.at(source).commands;
-        size += order.at(k).depth * markersPerLevel + item.caption.size() + 2;
+        size += markerCount(order.at(k), item) + item.caption.size() + 2;
         const qsizetype numberLength = std::max(4, digitCount(number));
         for (qsizetype slot = 1; slot < commandSources.at(k)->size(); ++slot) {
             const Command& command = commandSources.at(k)->at(slot);
@@ -117,8 +163,9 @@ QByteArray menuFileBytes(const MenuDocument& document)
     BufferFiller filler(out.data());
     filler.text(header);
     for (const SaveOrderEntry& entry : order) {
-        filler.repeated(char(0xB7), entry.depth * markersPerLevel);
-        filler.text(QStringView(items.at(entry.index).caption));
+        const MenuItem& item = items.at(entry.index);
+        filler.repeated(char(0xB7), markerCount(entry, item));
+        filler.text(QStringView(item.caption));
         filler.lineEnd();
     }
     filler.text(middle);
@@ -155,21 +202,35 @@ void writeMenuFile(const MenuDocument& document, const QString& path)
     // Replacing a write-protected file through a new file would succeed on some systems; the user
     // protected it, so it is refused like any other access error.
     if (target.exists() && (!target.isFile() || !target.isWritable())) {
-        throw RunTimeError(ErrorNumber::PathFileAccessError, source);
+        throw fileError(ErrorNumber::PathFileAccessError, whyNotWritable(target));
     }
 
     QSaveFile file(path);
     file.setDirectWriteFallback(false);
     if (!file.open(QIODevice::WriteOnly)) {
-        throw RunTimeError(file.error() == QFileDevice::PermissionsError ? ErrorNumber::PermissionDenied
-                                                                         : ErrorNumber::PathFileAccessError,
-                           source);
+        const QString systemReason = qt_error_string();
+        throw fileError(file.error() == QFileDevice::PermissionsError ? ErrorNumber::PermissionDenied
+                                                                      : ErrorNumber::PathFileAccessError,
+                        failureReason(file, systemReason));
     }
-    if (file.write(bytes) != bytes.size()) {
-        file.cancelWriting();
-        throw RunTimeError(ErrorNumber::DiskFull, source);
+    // A full disk or a size limit first shows as a short write, which is no error yet; writing on
+    // brings the system's reason.
+    qint64 written = 0;
+    while (written < bytes.size()) {
+        const qint64 count = file.write(bytes.constData() + written, bytes.size() - written);
+        if (count <= 0) {
+            const QString systemReason = qt_error_string();
+            const QString reason = file.error() != QFileDevice::NoError
+                ? failureReason(file, systemReason)
+                : QStringLiteral("only %1 of %2 bytes were written").arg(written).arg(bytes.size());
+            file.cancelWriting();
+            throw fileError(ErrorNumber::PathFileAccessError, reason);
+        }
+        written += count;
     }
+    // The bytes may reach the disk only here: a full disk shows up now.
     if (!file.commit()) {
-        throw RunTimeError(ErrorNumber::PathFileAccessError, source);
+        const QString systemReason = qt_error_string();
+        throw fileError(ErrorNumber::PathFileAccessError, failureReason(file, systemReason));
     }
 }

@@ -6,7 +6,8 @@
 struct MenuDocument;
 
 /// The document in the one fixed layout of a menu file: Windows-1252, CR LF, three middle-dot
-/// markers per level, items in tree pre-order, item numbers of at least four digits, and each
+/// markers per level (a top-level item with an empty caption gets a single marker, so that its line
+/// is not empty), items in tree pre-order, item numbers of at least four digits, and each
 /// copy-command link written as its target's commands.
 QByteArray menuFileBytes(const MenuDocument& document);
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/errortable.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -23,4 +25,6 @@ struct MenuReadResult
     int errorNumber = 0;
 
     bool ok() const { return code == Read; }
+    /// The file was not read because there is no file at the path.
+    bool fileMissing() const { return code == Failed && errorNumber == ErrorNumber::FileNotFound; }
 };

@@ -26,6 +26,12 @@ char encodeCharacter(char16_t character)
 
 } // namespace
 
+bool Windows1252Codec::canEncode(QChar character)
+{
+    const char16_t code = character.unicode();
+    return code == u'?' || encodeCharacter(code) != '?';
+}
+
 QString Windows1252Codec::decode(QByteArrayView bytes)
 {
     QString text(bytes.size(), Qt::Uninitialized);

@@ -15,6 +15,9 @@ public:
     /// they too survive a round trip.
     static QString decode(QByteArrayView bytes);
 
+    /// Whether Windows-1252 holds `character`, so that it comes back unchanged from a file.
+    static bool canEncode(QChar character);
+
     /// Characters that Windows-1252 cannot hold become "?".
     static QByteArray encode(QStringView text);
     /// Appends the encoding of `text` to `out`.

@@ -84,12 +84,31 @@ QMdiSubWindow* frameOf(EditorWindow* editor)
     return qobject_cast<QMdiSubWindow*>(editor->parentWidget());
 }
 
-MessageRequest critical(const QString& text)
+MessageRequest critical(const QString& text, const QString& details = QString())
 {
     MessageRequest request;
     request.text = text;
     request.icon = MessageRequest::Icon::Critical;
+    request.details = details;
     return request;
+}
+
+MessageRequest exclamation(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    request.icon = MessageRequest::Icon::Exclamation;
+    return request;
+}
+
+/// The refusal of a menu whose first item's caption holds a line break ("a" LF "b").
+QString lineBreakRefusal(const QString& caption = QString())
+{
+    const QString problem = QStringLiteral("\"a\\nb\": caption holds a line break");
+    return QStringLiteral("This menu cannot be saved: a menu file cannot hold the values below, so nothing was "
+                          "written.\r\nChange them and save again.\r\n\r\n")
+        + (caption.isEmpty() ? QStringLiteral("    ") + problem
+                             : QStringLiteral("    ") + caption + QStringLiteral(":\r\n        ") + problem);
 }
 
 MessageRequest saveQuestion(const QString& text)
@@ -440,7 +459,9 @@ private Q_SLOTS:
 
         QCOMPARE(window.openMenu(notMenu, QStringLiteral("notes.ini")), qint16(0));
 
-        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ critical(notMenuFileMessage()) }));
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ critical(
+                     notMenuFileMessage(), notMenu + QStringLiteral(":1: This is not a valid KELV Menu file !")) }));
         QCOMPARE(sandbox.prompts().messages.constFirst().text, QStringLiteral("This is not a valid KELV Menu file !"));
         QCOMPARE(window.state().lastSlot(), qint16(2));
         QCOMPARE(mdiArea(window)->subWindowList(), framesBefore);
@@ -470,23 +491,48 @@ private Q_SLOTS:
                                                 "This is not a valid KELV Menu file\r\n\r\n"
                                                 "Contact the developer for further information :\r\n")
             + contactLines();
-        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ critical(expected) }));
+        QCOMPARE(
+            sandbox.prompts().messages,
+            QList<MessageRequest>({ critical(expected, broken + QStringLiteral(":11: command line has no \"=\"")) }));
         QCOMPARE(window.state().lastSlot(), qint16(1));
         QCOMPARE(mdiArea(window)->subWindowList().size(), 1);
         QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("New menu 1") }));
         QCOMPARE(window.activeDocumentIndex(), qint16(1));
     }
 
-    void openingAMissingFileFailsLikeABrokenOne()
+    void openingAMissingFileSaysItIsMissing()
     {
         GuiSandbox sandbox;
         MainWindow& window = sandbox.window();
-        QCOMPARE(window.openMenu(sandbox.menuPath(QStringLiteral("absent.ini")), QStringLiteral("absent.ini")),
-                 qint16(0));
-        QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MainWindow::openErrorMessage() }));
+        const QString absent = sandbox.menuPath(QStringLiteral("absent.ini"));
+        QCOMPARE(window.openMenu(absent, QStringLiteral("absent.ini")), qint16(0));
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ critical(QStringLiteral("An error occured while opening the file !\r\n\r\n"
+                                                                 "This file does not exist :\r\n    ")
+                                                      + absent,
+                                                  absent + QStringLiteral(": does not exist")) }));
         QCOMPARE(window.state().lastSlot(), qint16(0));
         QCOMPARE(window.activeDocumentIndex(), qint16(0));
         QVERIFY(mdiArea(window)->subWindowList().isEmpty());
+    }
+
+    void openingWhatIsNoMenuFileAtAllShowsTheOpenErrorWithTheReason()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.openMenu(sandbox.menuFolder(), QStringLiteral("menus")), qint16(0));
+        QStringList expectedDetails { sandbox.menuFolder() + QStringLiteral(": is a folder, not a file") };
+        if (QFileInfo::exists(QStringLiteral("/dev/zero"))) {
+            QCOMPARE(window.openMenu(QStringLiteral("/dev/zero"), QStringLiteral("zero")), qint16(0));
+            expectedDetails.append(QStringLiteral("/dev/zero: is not a regular file (a device, a pipe or a socket)"));
+        }
+        QStringList details;
+        for (const MessageRequest& message : sandbox.prompts().messages) {
+            QCOMPARE(message.text, MainWindow::openErrorMessage());
+            details.append(message.details);
+        }
+        QCOMPARE(details, expectedDetails);
+        QCOMPARE(window.state().lastSlot(), qint16(0));
     }
 
     void openDialogAsksForAMenuFile()
@@ -854,8 +900,7 @@ private Q_SLOTS:
         QCOMPARE(shown.icon, MessageRequest::Icon::Critical);
         QCOMPARE(shown.buttons, MessageRequest::Buttons::Ok);
         QVERIFY(shown.title.isEmpty());
-        QVERIFY(shown.text.startsWith(QLatin1String("Error ")));
-        QVERIFY(shown.text.endsWith(QLatin1String(" (writeMenuFile)")));
+        QCOMPARE(shown.text, QStringLiteral("Error 75 : Path/File access error: File name too long (writeMenuFile)"));
         QCOMPARE(GuiSandbox::readFile(menu), before);
         QVERIFY(!window.state().document(index).saved);
         QCOMPARE(window.state().document(index).items.constFirst().caption, QStringLiteral("Changed"));
@@ -899,6 +944,96 @@ private Q_SLOTS:
         QVERIFY(window.state().document(1).filePath.isEmpty());
         QVERIFY(!window.state().document(1).saved);
         QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1") }));
+    }
+
+    void saveRefusesAMenuItsFileCannotHold()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, index, QStringLiteral("a\nb"));
+        Q_EMIT window.findChild<QMenu*>(QStringLiteral("mnuFile"))->aboutToShow();
+
+        sandbox.action(QStringLiteral("mnuSave"))->trigger();
+
+        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ exclamation(lineBreakRefusal()) }));
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+        QVERIFY(!window.state().document(index).saved);
+        QVERIFY(sandbox.action(QStringLiteral("mnuSave"))->isEnabled());
+    }
+
+    void saveAsRefusesBeforeAskingForAName()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.mnuNew_Click();
+        editDocument(window, 1, QStringLiteral("a\nb"));
+        sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("never.ini")) };
+
+        sandbox.action(QStringLiteral("mnuSaveAs"))->trigger();
+
+        QCOMPARE(sandbox.prompts().messages, QList<MessageRequest>({ exclamation(lineBreakRefusal()) }));
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+        QVERIFY(QDir(sandbox.menuFolder()).entryList(QDir::Files).isEmpty());
+        QVERIFY(window.state().document(1).filePath.isEmpty());
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1") }));
+    }
+
+    void yesAtTheCloseQuestionOfAnUnsavableMenuKeepsTheWindow()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const QByteArray before = GuiSandbox::readFile(menu);
+        MainWindow& window = sandbox.window();
+        const qint16 opened = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        editDocument(window, opened, QStringLiteral("a\nb"));
+        sandbox.prompts().answers = { Answer::Yes };
+        QVERIFY(!window.editor(opened)->closeWindow());
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ saveQuestion(QStringLiteral("Do you want to save changes ?")),
+                                         exclamation(lineBreakRefusal()) }));
+        QVERIFY(window.editor(opened));
+        QCOMPARE(GuiSandbox::readFile(menu), before);
+
+        // A new menu is refused before the save dialog would ask for a name.
+        sandbox.prompts().clearLog();
+        window.mnuNew_Click();
+        editDocument(window, 2, QStringLiteral("a\nb"));
+        sandbox.prompts().answers = { Answer::Yes };
+        sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("never.ini")) };
+        QVERIFY(!window.editor(2)->closeWindow());
+        QVERIFY(window.editor(2));
+        QCOMPARE(sandbox.prompts().messages.size(), 2);
+        QVERIFY(sandbox.prompts().fileRequests.isEmpty());
+        QVERIFY(!QFileInfo::exists(sandbox.menuPath(QStringLiteral("never.ini"))));
+    }
+
+    void yesAtTheQuitQuestionWithAnUnsavableMenuWritesNothingAndStops()
+    {
+        GuiSandbox sandbox;
+        const QString good = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("good.ini"));
+        const QString bad = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("bad.ini"));
+        const QByteArray before = GuiSandbox::readFile(good);
+        MainWindow& window = sandbox.window();
+        window.show();
+        const qint16 first = window.openMenu(good, QStringLiteral("good.ini"));
+        editDocument(window, first, QStringLiteral("Changed"));
+        const qint16 second = window.openMenu(bad, QStringLiteral("bad.ini"));
+        editDocument(window, second, QStringLiteral("a\nb"));
+        sandbox.prompts().answers = { Answer::Yes };
+
+        window.close();
+
+        QCOMPARE(sandbox.prompts().messages.size(), 2);
+        QCOMPARE(sandbox.prompts().messages.at(1), exclamation(lineBreakRefusal(QStringLiteral("bad.ini"))));
+        // All or none: the menu that could be saved was not written either.
+        QCOMPARE(GuiSandbox::readFile(good), before);
+        QCOMPARE(GuiSandbox::readFile(bad), before);
+        QVERIFY(window.isVisible());
+        QVERIFY(!window.state().isQuitting());
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("good.ini"), QStringLiteral("bad.ini") }));
     }
 
     void droppedMenuFilesOpenInOrder()

@@ -372,7 +372,8 @@ private Q_SLOTS:
         QVERIFY(
             edit(window, index, [](MenuDocument& document) { renameFirstItem(document, QStringLiteral("never")); }));
         const QList<MessageRequest> expected { critical(
-            QStringLiteral("Error 75 : Path/File access error (writeMenuFile)\r\nThis error will undo your action")) };
+            QStringLiteral("Error 75 : Path/File access error: Is a directory (writeMenuFile)\r\n"
+                           "This error will undo your action")) };
         QTRY_COMPARE(sandbox.prompts().messages, expected);
         QVERIFY(!window.undoManager().isAutosavePending());
         QCOMPARE(window.state().document(index), before);

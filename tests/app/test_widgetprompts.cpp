@@ -47,6 +47,30 @@ private Q_SLOTS:
         QCOMPARE(seenIcon, QMessageBox::Critical);
     }
 
+    void detailsAreOfferedAsTheDetailedText()
+    {
+        WidgetPrompts prompts;
+        QString seenDetails = QStringLiteral("not shown");
+        whenBoxShows(this, [&seenDetails](QMessageBox* box) {
+            seenDetails = box->detailedText();
+            box->button(QMessageBox::Ok)->click();
+        });
+        MessageRequest request;
+        request.text = QStringLiteral("This is not a valid KELV Menu file !");
+        request.icon = MessageRequest::Icon::Critical;
+        request.details = QStringLiteral("/menus/a.ini:14: command line has no \"=\"");
+        prompts.showMessage(request);
+        QCOMPARE(seenDetails, request.details);
+
+        whenBoxShows(this, [&seenDetails](QMessageBox* box) {
+            seenDetails = box->detailedText();
+            box->button(QMessageBox::Ok)->click();
+        });
+        request.details.clear();
+        prompts.showMessage(request);
+        QCOMPARE(seenDetails, QString());
+    }
+
     void saveQuestionsAnswerYesNoOrCancel_data()
     {
         QTest::addColumn<int>("button");

@@ -439,6 +439,34 @@ private Q_SLOTS:
         QVERIFY(dumped.out.isEmpty());
     }
 
+    void aResultTheFileCannotHoldIsListedAndNotWritten()
+    {
+        const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));
+        const QByteArray ops = R"([{"op": "rename", "key": "E1", "caption": "two\nlines"},
+                                  {"op": "rename", "key": "E3", "caption": "[/menu]"}])";
+        const RunResult inPlace = edit(ops);
+        QCOMPARE(inPlace.exitCode, 5);
+        QVERIFY(inPlace.out.isEmpty());
+        QCOMPARE(inPlace.err,
+                 QByteArray("archive.ini: \"Archive\" > \"two\\nlines\": caption holds a line break\n"
+                            "archive.ini: \"[/menu]\": top-level caption \"[/menu]\" would end the list of items "
+                            "in the file\n"
+                            "archive.ini: nothing written: a menu file cannot hold the values above\n"));
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), before);
+
+        const RunResult toOutput = run({ QStringLiteral("edit"), QStringLiteral("archive.ini"), QStringLiteral("-"),
+                                         QStringLiteral("-o"), QStringLiteral("out.ini") },
+                                       R"([{"op": "replace", "find": "$fs", "replacement": "\u2713"}])");
+        QCOMPARE(toOutput.exitCode, 5);
+        QVERIFY2(toOutput.err.contains("out.ini: \"Archive\" > \"Pack\": command 1 holds characters that Windows-1252 "
+                                       "cannot encode: \"\xE2\x9C\x93\" (U+2713)\n"),
+                 toOutput.err);
+        QVERIFY(!QFileInfo::exists(path(QStringLiteral("out.ini"))));
+
+        // Printed instead of written, the same result is no problem.
+        QCOMPARE(edit(ops, { QStringLiteral("--dump") }).exitCode, 0);
+    }
+
     void malformedScriptsAreUsageErrors_data()
     {
         QTest::addColumn<QByteArray>("ops");

@@ -98,6 +98,29 @@ private Q_SLOTS:
         QCOMPARE(second.value(QStringLiteral("commands")), QJsonValue(QJsonArray()));
         QVERIFY(json.contains("\"copiesCommands\": true, \"commands\": []}"));
     }
+
+    void longTextsAreWrittenWholeAcrossThePieces()
+    {
+        // Written piece by piece: characters beyond 16 bits and escapes on every boundary come out
+        // whole.
+        QString caption;
+        while (caption.size() < 70000) {
+            caption += QStringLiteral("abcd\U0001F600\"\n\u00E9");
+        }
+        MenuDocument document;
+        MenuItem item;
+        item.caption = caption;
+        item.key = QStringLiteral("E0");
+        item.commands.append(Command { QStringLiteral("txt"), caption.mid(1) });
+        document.items = { item };
+        QJsonParseError error;
+        const QJsonDocument parsed = QJsonDocument::fromJson(menuDocumentJson(document), &error);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+        const QJsonObject written = parsed.object().value(QStringLiteral("items")).toArray().at(0).toObject();
+        QCOMPARE(written.value(QStringLiteral("caption")).toString(), caption);
+        QCOMPARE(written.value(QStringLiteral("commands")).toArray().at(0).toObject().value(QStringLiteral("command")),
+                 QJsonValue(caption.mid(1)));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMenuJson)

@@ -63,6 +63,17 @@ private Q_SLOTS:
         document.items = { item, other };
         QCOMPARE(menuTreeListing(document), QStringLiteral("Old  [E0]  2 commands\nOther  [E1]  0 commands\n"));
     }
+
+    void aLongCaptionIsListedWhole()
+    {
+        QString caption;
+        while (caption.size() < 50000) {
+            caption += QStringLiteral("abc\U0001F600");
+        }
+        MenuDocument document;
+        document.items = { makeItem(caption, QStringLiteral("E0"), -1, 1) };
+        QCOMPARE(menuTreeListing(document), caption + QStringLiteral("  [E0]  0 commands\n"));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMenuTreeListing)

@@ -5,10 +5,20 @@
 #include "model/menudocument.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
+
+#include <atomic>
+#include <thread>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 namespace {
 
@@ -323,7 +333,6 @@ private Q_SLOTS:
         QTest::newRow("other text") << QByteArray("[Menu]\r\n");
         QTest::newRow("letter case") << QByteArray("KELV - menu\r\n[Menu]\r\n");
         QTest::newRow("trailing blank") << QByteArray("KELV - Menu \r\n[Menu]\r\n");
-        QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBFKELV - Menu\r\n[Menu]\r\n");
     }
 
     void notAMenuFileGivesMinusOneAndTheMessage()
@@ -334,6 +343,46 @@ private Q_SLOTS:
         QCOMPARE(result.code, MenuReadResult::NotAMenuFile);
         QCOMPARE(result.reason, QStringLiteral("This is not a valid KELV Menu file !"));
         QCOMPARE(notMenuFileMessage(), QStringLiteral("This is not a valid KELV Menu file !"));
+    }
+
+    void aByteOrderMarkIsNamedAsTheReason_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("encoding");
+        QTest::newRow("UTF-8") << QByteArray("\xEF\xBB\xBFKELV - Menu\r\n[Menu]\r\n") << QStringLiteral("UTF-8");
+        QTest::newRow("UTF-16 little-endian") << QByteArray("\xFF\xFEK\0E\0L\0V\0", 10) << QStringLiteral("UTF-16");
+        QTest::newRow("UTF-16 big-endian") << QByteArray("\xFE\xFF\0K\0E", 6) << QStringLiteral("UTF-16");
+    }
+
+    void aByteOrderMarkIsNamedAsTheReason()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, encoding);
+        MenuDocument document;
+        const MenuReadResult result = read(bytes, document);
+        QCOMPARE(result.code, MenuReadResult::NotAMenuFile);
+        QCOMPARE(result.line, 1);
+        QCOMPARE(result.reason,
+                 QStringLiteral("This is not a valid KELV Menu file ! It starts with a %1 byte-order mark, but menu "
+                                "files are Windows-1252 text: save it as Windows-1252 (ANSI), without the mark.")
+                     .arg(encoding));
+    }
+
+    void giantItemNumbersAreShortenedInTheReason()
+    {
+        const QStringList items { QStringLiteral("a"), QStringLiteral("b") };
+        MenuDocument document;
+        compareFailure(read(menuFile(items, { QString(5000, QLatin1Char('9')) + QStringLiteral(":zip=x") }), document),
+                       12, QStringLiteral("item number 99999999999999999999... (5000 characters) is too large"), 6);
+        compareFailure(read(menuFile(items, { QString(5000, QLatin1Char('a')) + QStringLiteral(":zip=x") }), document),
+                       12, QStringLiteral("item number \"aaaaaaaaaaaaaaaaaaaa...\" (5000 characters) is not a number"),
+                       13);
+        compareFailure(
+            read(menuFile(items, { QString(4998, QLatin1Char('0')) + QStringLiteral("12:zip=x") }), document), 12,
+            QStringLiteral("item number 00000000000000000000... (5000 characters) names no item"), 9);
+        // Twenty characters are shown whole.
+        compareFailure(read(menuFile(items, { QString(20, QLatin1Char('7')) + QStringLiteral(":zip=x") }), document),
+                       12, QStringLiteral("item number 77777777777777777777 is too large"), 6);
     }
 
     void failuresGiveZeroWithLineAndReason()
@@ -422,7 +471,90 @@ private Q_SLOTS:
         const MenuReadResult result = readMenuFile(folder.filePath(QStringLiteral("absent.ini")), document);
         QCOMPARE(result.code, MenuReadResult::Failed);
         QCOMPARE(result.errorNumber, 53);
-        QVERIFY(result.reason.startsWith(QStringLiteral("cannot be opened")));
+        QCOMPARE(result.reason, QStringLiteral("does not exist"));
+        QVERIFY(result.fileMissing());
+    }
+
+    void aFolderIsRefused()
+    {
+        QTemporaryDir folder;
+        MenuDocument document;
+        const MenuReadResult result = readMenuFile(folder.path(), document);
+        compareFailure(result, 0, QStringLiteral("is a folder, not a file"), 75);
+        QVERIFY(!result.fileMissing());
+    }
+
+    void aDeviceIsRefusedWithoutReadingIt()
+    {
+        if (!QFileInfo::exists(QStringLiteral("/dev/zero"))) {
+            QSKIP("this system has no /dev/zero");
+        }
+        // Read whole, it would grow until memory runs out.
+        MenuDocument document;
+        compareFailure(readMenuFile(QStringLiteral("/dev/zero"), document), 0,
+                       QStringLiteral("is not a regular file (a device, a pipe or a socket)"), 75);
+    }
+
+    void aPipeIsRefusedWithoutWaitingForAWriter()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("pipe.ini"));
+        QVERIFY(::mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
+        // Opened for reading, a pipe waits for a writer: the reading runs beside the test, which opens
+        // the pipe itself when the reader hangs, so that the test ends either way.
+        MenuReadResult result;
+        std::atomic<bool> finished { false };
+        std::thread reader([&path, &result, &finished] {
+            MenuDocument document;
+            result = readMenuFile(path, document);
+            finished = true;
+        });
+        QElapsedTimer timer;
+        timer.start();
+        while (!finished && timer.elapsed() < 10000) {
+            QThread::msleep(10);
+        }
+        const bool waited = !finished;
+        if (waited) {
+            QFile writer(path);
+            (void)writer.open(QIODevice::WriteOnly);
+        }
+        reader.join();
+        QVERIFY2(!waited, "the reader waited for a writer");
+        compareFailure(result, 0, QStringLiteral("is not a regular file (a device, a pipe or a socket)"), 75);
+#else
+        QSKIP("named pipes are a Unix thing");
+#endif
+    }
+
+    void aFileLargerThanAnyMenuIsRefusedWithoutReadingIt()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("huge.ini"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("KELV - Menu\r\n");
+        // A sparse file: it takes no room on the disk.
+        QVERIFY(file.resize(maximumMenuFileSize + 1));
+        file.close();
+        MenuDocument document;
+        QElapsedTimer timer;
+        timer.start();
+        compareFailure(readMenuFile(path, document), 0,
+                       QStringLiteral("is larger than any menu file can be (268435457 bytes, at most 268435456)"), 75);
+        QVERIFY(timer.elapsed() < 5000);
+    }
+
+    void aLinkToAMenuFileReads()
+    {
+        QTemporaryDir folder;
+        const QString link = folder.filePath(QStringLiteral("link.ini"));
+        if (!QFile::link(QStringLiteral(KELV_EXAMPLES_DIR "/archive-tools.ini"), link)) {
+            QSKIP("this system makes no links");
+        }
+        MenuDocument document;
+        QVERIFY(readMenuFile(link, document).ok());
     }
 
     void bundledExampleMenuReads()

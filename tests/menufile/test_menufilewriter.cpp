@@ -6,10 +6,19 @@
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
+
+#include <atomic>
+#include <thread>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 namespace {
 
@@ -230,6 +239,37 @@ private Q_SLOTS:
                             "[/Commands]\r\n"));
     }
 
+    void emptyTopLevelCaptionIsWrittenAsOneMarkerAndReadsBack()
+    {
+        // An empty line would be skipped by the reader: the item would vanish and the commands of
+        // every later item would move to its neighbour.
+        MenuDocument document;
+        document.items = { makeItem(QStringLiteral("first"), 0, -1, 1), makeItem(QString(), 1, -1, 2, 1),
+                           makeItem(QString(), 2, 1, 1), makeItem(QStringLiteral("last"), 3, -1, 3) };
+        addCommand(document.items[0], QStringLiteral("a"), QStringLiteral("one"));
+        addCommand(document.items[1], QStringLiteral("b"), QStringLiteral("two"));
+        addCommand(document.items[2], QStringLiteral("c"), QStringLiteral("three"));
+        addCommand(document.items[3], QStringLiteral("d"), QStringLiteral("four"));
+        document.lastIndex = 3;
+
+        const QByteArray bytes = menuFileBytes(document);
+        QVERIFY2(bytes.contains("[Menu]\r\n\r\nfirst\r\n\xB7\r\n\xB7\xB7\xB7\r\nlast\r\n\r\n[/Menu]"),
+                 bytes.constData());
+        MenuDocument reread;
+        const MenuReadResult result = readMenuBytes(bytes, reread);
+        QVERIFY2(result.ok(), qPrintable(result.reason));
+        QCOMPARE(reread.items.size(), document.items.size());
+        for (qsizetype i = 0; i < document.items.size(); ++i) {
+            QCOMPARE(reread.items.at(i).caption, document.items.at(i).caption);
+            QCOMPARE(reread.items.at(i).parent, document.items.at(i).parent);
+            QCOMPARE(reread.items.at(i).siblingOrder, document.items.at(i).siblingOrder);
+            QCOMPARE(reread.items.at(i).childCount, document.items.at(i).childCount);
+            QCOMPARE(reread.items.at(i).commands, document.items.at(i).commands);
+        }
+        // Written again, the file is the same to the byte.
+        QCOMPARE(menuFileBytes(reread), bytes);
+    }
+
     void tenThousandItemsAndMoreWriteFiveDigitNumbersThatReadBack()
     {
         MenuDocument document;
@@ -292,9 +332,71 @@ private Q_SLOTS:
             QCOMPARE(error.report(), QStringLiteral("Error 76 : Path not found (writeMenuFile)"));
         }
         QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("sub")));
-        QVERIFY_THROWS_EXCEPTION(RunTimeError,
-                                 writeMenuFile(exampleDocument(), folder.filePath(QStringLiteral("sub"))));
+        try {
+            writeMenuFile(exampleDocument(), folder.filePath(QStringLiteral("sub")));
+            QFAIL("a folder was replaced");
+        } catch (const RunTimeError& error) {
+            // The fixed text, then the system's reason.
+            QCOMPARE(error.report(),
+                     QStringLiteral("Error 75 : Path/File access error: Is a directory (writeMenuFile)"));
+        }
         QVERIFY(QFileInfo(folder.filePath(QStringLiteral("sub"))).isDir());
+    }
+
+    void aFailedReplacementNamesTheSystemsReason()
+    {
+        // The longest name a file may have: the file can be made, but no temporary name beside it.
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QString(251, QLatin1Char('m')) + QStringLiteral(".ini"));
+        const QByteArray previous("previous\r\n");
+        writeFile(path, previous);
+        try {
+            writeMenuFile(exampleDocument(), path);
+            QFAIL("the file was replaced");
+        } catch (const RunTimeError& error) {
+            QCOMPARE(error.report(),
+                     QStringLiteral("Error 75 : Path/File access error: File name too long (writeMenuFile)"));
+        }
+        QCOMPARE(fileContents(path), previous);
+    }
+
+    void aPipeOrADeviceIsNotReplacedNorOpened()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString pipe = folder.filePath(QStringLiteral("pipe.ini"));
+        QVERIFY(::mkfifo(QFile::encodeName(pipe).constData(), 0600) == 0);
+        // Opened for writing, a pipe waits for a reader: the writing runs beside the test, which opens
+        // the pipe itself when the writer hangs, so that the test ends either way.
+        QString report;
+        std::atomic<bool> finished { false };
+        std::thread writer([&pipe, &report, &finished] {
+            try {
+                writeMenuFile(exampleDocument(), pipe);
+            } catch (const RunTimeError& error) {
+                report = error.report();
+            }
+            finished = true;
+        });
+        QElapsedTimer timer;
+        timer.start();
+        while (!finished && timer.elapsed() < 10000) {
+            QThread::msleep(10);
+        }
+        const bool waited = !finished;
+        if (waited) {
+            QFile reader(pipe);
+            (void)reader.open(QIODevice::ReadOnly);
+        }
+        writer.join();
+        QVERIFY2(!waited, "the writer waited for a reader");
+        QCOMPARE(report,
+                 QStringLiteral("Error 75 : Path/File access error: not a regular file (a device, a pipe or a "
+                                "socket) (writeMenuFile)"));
+        QVERIFY(!QFileInfo(pipe).isFile());
+#else
+        QSKIP("named pipes are a Unix thing");
+#endif
     }
 
     void writeProtectedFileIsNotReplaced()
@@ -312,6 +414,7 @@ private Q_SLOTS:
             QFAIL("a write-protected file was replaced");
         } catch (const RunTimeError& error) {
             QCOMPARE(error.number(), 75);
+            QCOMPARE(error.description(), QStringLiteral("Path/File access error: Permission denied"));
         }
         QCOMPARE(fileContents(path), previous);
     }

@@ -32,6 +32,21 @@ private Q_SLOTS:
         QCOMPARE(Windows1252Codec::encode(QString::fromUtf16(u"\u20AC\u00E9")), QByteArray("\x80\xE9"));
     }
 
+    void canEncodeExactlyTheCharactersThatComeBack()
+    {
+        // Every one of the 65,536 UTF-16 units: held exactly when encoding and decoding give it back.
+        for (int code = 0; code <= 0xFFFF; ++code) {
+            const QChar character { char16_t(code) };
+            const bool comesBack
+                = Windows1252Codec::decode(Windows1252Codec::encode(QStringView(&character, 1))) == QString(character);
+            QVERIFY2(Windows1252Codec::canEncode(character) == comesBack, qPrintable(QString::number(code, 16)));
+        }
+        QVERIFY(Windows1252Codec::canEncode(QLatin1Char('?')));
+        QVERIFY(Windows1252Codec::canEncode(QChar(0x0081)));
+        QVERIFY(!Windows1252Codec::canEncode(QChar(0x0085)));
+        QVERIFY(!Windows1252Codec::canEncode(QChar(0xD83D)));
+    }
+
     void encodeAppendKeepsWhatIsThere()
     {
         QByteArray out("x");

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "saveproblem.h"
+
+#include <QList>
+
+struct MenuDocument;
+
+/// Every value that the menu file of `document` could not hold, in the order the file would list
+/// the items: a caption that begins with the marker character (its markers would be read as
+/// levels), a top-level caption "[/Menu]" in any letter case (it would end the list of items), a
+/// line break in a caption, an extension or a command text, an "=" in an extension (the file ends
+/// the extension at the first "="), and characters that Windows-1252 cannot encode (they would come
+/// back as "?"). Only what would be written counts: items the tree walk does not reach are left out,
+/// and a copy-command link is checked with its target's commands, which are written in its place.
+/// Empty when the file reads back exactly as the document stands.
+QList<SaveProblem> findSaveProblems(const MenuDocument& document);
