@@ -579,7 +579,7 @@ private Q_SLOTS:
                                        QStringLiteral("accents.ini"), QStringLiteral("archive.ini") });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out,
-                 QByteArray("utf8.ini: ok (1 items, 1 commands)\n"
+                 QByteArray("utf8.ini: ok (1 item, 1 command)\n"
                             "accents.ini: ok (3 items, 2 commands)\n"
                             "archive.ini: ok (4 items, 5 commands)\n"));
         // Windows-1252 accents (accents.ini) and plain ASCII (archive.ini) give no warning.
