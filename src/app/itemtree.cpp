@@ -139,6 +139,10 @@ ItemTree::ItemTree(QWidget* parent)
     setDragEnabled(false);
     setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
+    // The nesting of submenus must be visible at a glance: the style's own indentation and expand
+    // markers, on the root too. A narrower indentation leaves the markers as dots.
+    resetIndentation();
+    setRootIsDecorated(true);
     connect(this, &QTreeWidget::itemCollapsed, this, &ItemTree::onItemCollapsed);
 }
 
@@ -533,8 +537,6 @@ void ItemTree::generate(const MenuDocument& document)
             current->setExpanded(true);
         }
     }
-
-    setIndentation(2);
 }
 
 void ItemTree::showRootText(int hideMode)

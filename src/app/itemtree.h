@@ -21,6 +21,8 @@ struct MenuDocument;
 ///
 /// Nodes must be added and removed through addNode, removeNode, clearNodes and generate only;
 /// the collection does not follow items inserted or deleted through QTreeWidget directly.
+///
+/// The tree indents each level by the style's usual amount and shows expand markers, root included.
 class ItemTree : public QTreeWidget
 {
     Q_OBJECT
@@ -76,10 +78,10 @@ public:
     QString fullPath(const QTreeWidgetItem* node) const;
 
     /// Rebuilds the tree from `document` under its hide mode: the root "Root" / "KELV", one node per
-    /// shown item (see planTree), the whole tree expanded (down to expandedLevels) and styled,
-    /// indentation 2. Painting is suspended for the whole rebuild and resumed at its end. Selecting a
-    /// node afterwards and the root's final text (showRootText) are left to the editor window, which
-    /// shows the first item while the root still reads "KELV".
+    /// shown item (see planTree), the whole tree expanded (down to expandedLevels) and styled.
+    /// Painting is suspended for the whole rebuild and resumed at its end. Selecting a node
+    /// afterwards and the root's final text (showRootText) are left to the editor window, which shows
+    /// the first item while the root still reads "KELV".
     void generate(const MenuDocument& document);
     /// The last step of a rebuild: the root's text tells whether items may be hidden ("KELV" or
     /// "KELV (Some items may be hidded)").
