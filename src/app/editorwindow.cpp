@@ -2,8 +2,10 @@
 
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
+#include "app/plaintooltip.h"
 #include "core/applicationstate.h"
 #include "core/editingsession.h"
+#include "core/tooltiptexts.h"
 #include "editing/itemcreation.h"
 #include "editing/itemmoving.h"
 #include "editing/itempanel.h"
@@ -23,6 +25,7 @@
 #include <QFrame>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
@@ -33,6 +36,8 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSplitter>
+#include <QStyle>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 namespace {
@@ -156,6 +161,11 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
     addTreeKey(QKeySequence(Qt::CTRL | Qt::Key_Down), &EditorWindow::cmdDown_Click);
     m_txtItemIndexCopy->installEventFilter(this);
     m_lstMenu->viewport()->installEventFilter(this);
+    m_lstCommand->viewport()->installEventFilter(this);
+    m_lstMenu->setToolTipSource([this](const QString& key) {
+        const MenuDocument& menu = document();
+        return ToolTipTexts::forNode(menu, findItemByKey(menu, key));
+    });
     m_main.attachEditor(*this);
 }
 
@@ -773,8 +783,53 @@ void EditorWindow::onRootCollapsed()
     }
 }
 
+QString EditorWindow::linkTargetToolTip() const
+{
+    const SelectedNode selected = selectedNode();
+    if (!selected.isItem()) {
+        return QString();
+    }
+    const MenuDocument& menu = document();
+    return ToolTipTexts::forLinkTarget(menu, findItemByKey(menu, selected.key));
+}
+
+QString EditorWindow::commandToolTip(int row) const
+{
+    const QListWidgetItem* line = m_lstCommand->item(row);
+    if (line == nullptr) {
+        return QString();
+    }
+    // The list scrolls rather than cutting its lines short, so a line is too long when part of it
+    // lies outside the visible width; the text starts a small margin in from the row's edge.
+    const QRect rowRect = m_lstCommand->visualItemRect(line);
+    const int margin = m_lstCommand->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_lstCommand) + 1;
+    const int textRight
+        = rowRect.left() + margin + m_lstCommand->fontMetrics().horizontalAdvance(line->text()) + margin;
+    if (rowRect.left() >= 0 && textRight <= m_lstCommand->viewport()->width()) {
+        return QString();
+    }
+    return ToolTipTexts::forCommandLine(line->text());
+}
+
 bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::ToolTip && (watched == m_txtItemIndexCopy || watched == m_lstCommand->viewport())) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        QString text;
+        QRect area;
+        if (watched == m_txtItemIndexCopy) {
+            text = linkTargetToolTip();
+        } else if (const QListWidgetItem* line = m_lstCommand->itemAt(help->pos())) {
+            text = commandToolTip(m_lstCommand->row(line));
+            area = m_lstCommand->visualItemRect(line);
+        }
+        if (text.isEmpty()) {
+            QToolTip::hideText();
+        } else {
+            QToolTip::showText(help->globalPos(), plainToolTip(text), static_cast<QWidget*>(watched), area);
+        }
+        return true;
+    }
     if (watched == m_txtItemIndexCopy && event->type() == QEvent::MouseButtonDblClick) {
         // Following the link: the target becomes the selected item.
         m_main.session().run(m_documentIndex, EditOperations::followLink);

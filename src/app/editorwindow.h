@@ -82,6 +82,13 @@ public:
     /// Whether the window is choosing a link target (its button is pressed).
     bool isChoosingLinkTarget() const;
 
+    /// The tooltip of the link-target field: the caption of the shown item's link target; empty when
+    /// it has none.
+    QString linkTargetToolTip() const;
+    /// The tooltip of line `row` of the command list: the whole line when it is too long to show in
+    /// the list's width, otherwise empty.
+    QString commandToolTip(int row) const;
+
     /// Closes the window as the user would (asking to save when the document is not saved).
     bool closeWindow();
 

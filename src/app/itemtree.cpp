@@ -1,5 +1,6 @@
 #include "itemtree.h"
 
+#include "app/plaintooltip.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
 #include "treeview/nodestyle.h"
@@ -13,9 +14,11 @@
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QFont>
+#include <QHelpEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QSignalBlocker>
+#include <QToolTip>
 #include <QVariant>
 
 #include <algorithm>
@@ -385,6 +388,33 @@ void ItemTree::setDropHighlight(QTreeWidgetItem* node)
         colour.setAlpha(90);
         m_dropHighlight->setBackground(0, QBrush(colour));
     }
+}
+
+QString ItemTree::toolTipOf(const QTreeWidgetItem* node) const
+{
+    const QString key = keyOf(node);
+    if (key.isEmpty() || !m_toolTipSource) {
+        return QString();
+    }
+    return m_toolTipSource(key);
+}
+
+bool ItemTree::viewportEvent(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return QTreeWidget::viewportEvent(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    QTreeWidgetItem* node = itemAt(help->pos());
+    const QString text = toolTipOf(node);
+    if (text.isEmpty()) {
+        QToolTip::hideText();
+        event->ignore();
+    } else {
+        // The tip stays while the pointer is on the same node and goes when it leaves it.
+        QToolTip::showText(help->globalPos(), plainToolTip(text), viewport(), visualItemRect(node));
+    }
+    return true;
 }
 
 void ItemTree::mousePressEvent(QMouseEvent* event)

@@ -106,6 +106,12 @@ public:
     /// rebuilding the tree. A node whose key names no item any more is left black and not bold.
     void colorize(const MenuDocument& document);
 
+    /// Where the tooltip of a node comes from: asked with the node's key when the pointer rests on
+    /// it, so that it tells how the item stands at that moment. An empty text shows no tooltip.
+    void setToolTipSource(std::function<QString(const QString& key)> source) { m_toolTipSource = std::move(source); }
+    /// The tooltip of `node`; empty when it has none.
+    QString toolTipOf(const QTreeWidgetItem* node) const;
+
 Q_SIGNALS:
     /// A label edit has started on the node `key` (BeforeLabelEdit).
     void labelEditStarted(const QString& key);
@@ -125,6 +131,7 @@ Q_SIGNALS:
     void nodeDropped(QTreeWidgetItem* node, const QPoint& globalPos);
 
 protected:
+    bool viewportEvent(QEvent* event) override;
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -160,4 +167,5 @@ private:
     /// Whether the open label edit was confirmed, and with which text.
     bool m_labelCommitted = false;
     QString m_committedText;
+    std::function<QString(const QString& key)> m_toolTipSource;
 };
