@@ -5,6 +5,7 @@
 #include "app/plaintooltip.h"
 #include "core/applicationstate.h"
 #include "core/editingsession.h"
+#include "core/statuspanels.h"
 #include "core/tooltiptexts.h"
 #include "editing/itemcreation.h"
 #include "editing/itemmoving.h"
@@ -91,13 +92,6 @@ int itemIndexOf(const MenuDocument& document, const QString& key, const char* so
         throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QString::fromLatin1(source));
     }
     return index;
-}
-
-/// "(position ; children)" of the status bar's panel 6.
-QString positionText(const MenuItem& item)
-{
-    return QStringLiteral("(") + QString::number(item.siblingOrder) + QStringLiteral(" ; ")
-        + QString::number(item.childCount) + QStringLiteral(")");
 }
 
 /// Suspends painting of a widget for the length of a scope, as it was before.
@@ -361,8 +355,8 @@ void EditorWindow::lstMenu_NodeClick(QTreeWidgetItem* node)
     const MenuDocument& menu = document();
     const int itemIndex = itemIndexOf(menu, m_lstMenu->keyOf(node), "lstMenu_NodeClick");
     const MenuItem& item = menu.items.at(itemIndex);
-    m_main.setStatusPanelText(6, positionText(item));
-    m_main.setStatusPanelText(2, QString::number(itemIndex));
+    showStatusPanel(6, StatusPanels::positionOf(item));
+    showStatusPanel(2, QString::number(itemIndex));
     windowState().nodeClicked = true;
     {
         FlagScope selecting(m_selectingNode);
@@ -526,6 +520,15 @@ void EditorWindow::showChoosingColour(bool choosing)
         QStringLiteral("QPushButton { background-color: %1; }").arg(choosingColour().name()));
 }
 
+void EditorWindow::showStatusPanel(int panel, const QString& text)
+{
+    // The status bar tells of the active window only; a window changed while another is active (the
+    // target of a drop) shows its values when it is activated.
+    if (m_main.activeDocumentIndex() == m_documentIndex) {
+        m_main.setStatusPanelText(panel, text);
+    }
+}
+
 void EditorWindow::showNoItem()
 {
     m_lblPath->clear();
@@ -669,7 +672,7 @@ void EditorWindow::applyStep(const TreeStep& step)
     case TreeStep::Kind::ShowPosition: {
         const MenuDocument& menu = document();
         const MenuItem& item = menu.items.at(itemIndexOf(menu, step.key, "ShowPosition"));
-        m_main.setStatusPanelText(6, positionText(item));
+        showStatusPanel(6, StatusPanels::positionOf(item));
         break;
     }
     case TreeStep::Kind::ShowBusy:

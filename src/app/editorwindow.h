@@ -109,6 +109,7 @@ private:
     void moveSelectedNode(const TreeStep& step);
     void placeBusyNotice();
     void showNoItem();
+    void showStatusPanel(int panel, const QString& text);
     void updateLinkControls();
     void startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button);
     void onNodeDraggedOver(QTreeWidgetItem* node);

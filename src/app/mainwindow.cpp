@@ -14,6 +14,7 @@
 #include "core/newmenudocument.h"
 #include "core/optionsstore.h"
 #include "core/programfolder.h"
+#include "core/statuspanels.h"
 #include "core/userprompts.h"
 #include "history/editingoperation.h"
 #include "menufile/menufilereader.h"
@@ -240,7 +241,7 @@ void MainWindow::buildStatusBar()
     // Panels 2, 4 and 6 hold the selected item's index, the item count and the selected item's
     // place among its siblings with its number of children; 1, 3 and 5 caption them.
     const QStringList texts = { tr("Item index:"), QString(),       tr("Item count:"),
-                                QString(),         tr("Position:"), QStringLiteral("(Position ; Children)") };
+                                QString(),         tr("Position:"), StatusPanels::designPosition() };
     for (int panel = 0; panel < texts.size(); ++panel) {
         auto* label = new QLabel(texts.at(panel), this);
         label->setObjectName(QStringLiteral("pnl") + QString::number(panel + 1));
@@ -264,6 +265,17 @@ void MainWindow::setStatusPanelText(int panel, const QString& text)
 void MainWindow::showItemCount(int count)
 {
     setStatusPanelText(4, QString::number(count));
+}
+
+void MainWindow::showActiveStatus()
+{
+    StatusPanels panels;
+    if (const EditorWindow* active = activeEditor()) {
+        panels = StatusPanels::of(active->document(), active->selectedNode().key);
+    }
+    setStatusPanelText(2, panels.itemIndex);
+    setStatusPanelText(4, panels.itemCount);
+    setStatusPanelText(6, panels.position);
 }
 
 QString MainWindow::activeDocumentTag() const
@@ -375,11 +387,8 @@ void MainWindow::editorActivated(qint16 index)
 {
     m_state.setActiveDocumentIndex(index);
     updateMenus();
-    try {
-        showItemCount(int(m_state.document(index).items.size()));
-    } catch (const RunTimeError& error) {
-        showRunTimeError(error);
-    }
+    // The panels belong to the window now active: its selected item and its item count.
+    showActiveStatus();
 }
 
 void MainWindow::setEditorCaption(qint16 index, const QString& caption)
@@ -400,9 +409,11 @@ void MainWindow::editorClosed(qint16 index)
     }
     m_state.clearEditor(index);
     if (m_state.activeDocumentIndex() == index) {
-        // The area activates the next editor window, if any, once this one is gone.
+        // The area activates the next editor window, if any, once this one is gone; until then, and
+        // for good after the last one, nothing is shown of a window that is no longer there.
         m_state.setActiveDocumentIndex(0);
         updateMenus();
+        showActiveStatus();
     }
 }
 

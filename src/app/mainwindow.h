@@ -87,6 +87,9 @@ public:
     void regenerateTree(qint16 index) override;
     /// Shows `count` in the item-count panel (panel 4) of the status bar.
     void showItemCount(int count) override;
+    /// Shows the active editor window's selected item and item count in the status bar (panels 2, 4
+    /// and 6); with no active editor window they go blank.
+    void showActiveStatus();
 
     /// Undoes the active document's last recorded edit (also run by the error report of a failed
     /// edit). With no active editor window it goes to the error report.

@@ -953,6 +953,65 @@ private Q_SLOTS:
         QTRY_COMPARE(window.activeDocumentIndex(), qint16(1));
     }
 
+    void statusBarFollowsTheActiveWindow()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        // Three items, the second selected (index 1, first of two children of the first item).
+        const qint16 first
+            = sandbox.openMenu(QStringLiteral("first.ini"),
+                               { QStringLiteral("Tools"), QStringLiteral("···Pack"), QStringLiteral("···Unpack") });
+        window.editor(first)->lstMenu_NodeClick(window.editor(first)->tree()->nodeByKey(QStringLiteral("E1")));
+        // Five items, the fourth selected (index 3, a top-level item with one child).
+        const qint16 second = sandbox.openMenu(QStringLiteral("second.ini"),
+                                               { QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"),
+                                                 QStringLiteral("D"), QStringLiteral("···E") });
+        window.editor(second)->lstMenu_NodeClick(window.editor(second)->tree()->nodeByKey(QStringLiteral("E3")));
+        const auto panels = [&window] {
+            QStringList texts;
+            for (const int panel : { 2, 4, 6 }) {
+                texts.append(window.findChild<QLabel*>(QStringLiteral("pnl") + QString::number(panel))->text());
+            }
+            return texts;
+        };
+        const QStringList firstPanels = { QStringLiteral("1"), QStringLiteral("3"), QStringLiteral("(1 ; 0)") };
+        const QStringList secondPanels = { QStringLiteral("3"), QStringLiteral("5"), QStringLiteral("(4 ; 1)") };
+        QCOMPARE(panels(), secondPanels);
+
+        // The Window menu.
+        sandbox.trigger(QStringLiteral("mnuWindowName1"));
+        QCOMPARE(panels(), firstPanels);
+        // Ctrl+Tab steps to the next window.
+        mdiArea(window)->activateNextSubWindow();
+        QCOMPARE(window.activeDocumentIndex(), second);
+        QCOMPARE(panels(), secondPanels);
+        // A click on a window's title bar.
+        QMdiSubWindow* firstFrame = frameOf(window.editor(first));
+        QTest::mouseClick(firstFrame, Qt::LeftButton, {}, QPoint(firstFrame->width() / 2, 4));
+        QCOMPARE(window.activeDocumentIndex(), first);
+        QCOMPARE(panels(), firstPanels);
+
+        // A window that is not the active one leaves the panels to the active one.
+        window.editor(second)->lstMenu_NodeClick(window.editor(second)->tree()->nodeByKey(QStringLiteral("E0")));
+        QCOMPARE(panels(), firstPanels);
+        mdiArea(window)->setActiveSubWindow(frameOf(window.editor(second)));
+        QCOMPARE(panels(), QStringList({ QStringLiteral("0"), QStringLiteral("5"), QStringLiteral("(1 ; 0)") }));
+
+        // The root shows no item.
+        window.editor(second)->tree()->setCurrentItem(window.editor(second)->tree()->node(1));
+        sandbox.trigger(QStringLiteral("mnuWindowName1"));
+        sandbox.trigger(QStringLiteral("mnuWindowName2"));
+        QCOMPARE(panels(), QStringList({ QString(), QStringLiteral("5"), QStringLiteral("(Position ; Children)") }));
+
+        // Closing a window hands the panels to the one activated next, and the last one clears them.
+        QVERIFY(window.editor(second)->closeWindow());
+        QTRY_COMPARE(window.activeDocumentIndex(), first);
+        QCOMPARE(panels(), firstPanels);
+        QVERIFY(window.editor(first)->closeWindow());
+        QCOMPARE(panels(), QStringList({ QString(), QString(), QStringLiteral("(Position ; Children)") }));
+    }
+
     void activationSetsTheHideMarks()
     {
         GuiSandbox sandbox;
