@@ -35,6 +35,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPalette>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -54,6 +55,13 @@ QString fileDialogFilter()
 QString lineEnd()
 {
     return QStringLiteral("\r\n");
+}
+
+/// What the empty area says while no menu is open.
+QString noMenuHint()
+{
+    return QStringLiteral("No menu is open.\n\nOpen a menu with %1, or drop .ini files here.")
+        .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText));
 }
 
 /// The folder for the files the editor writes beside itself (Recent.ini, the autosave files): the
@@ -89,6 +97,17 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(m_mdiArea);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
+
+    // With no menu open the area says how to get one; the label lets clicks and drops through.
+    m_lblNoMenu = new QLabel(noMenuHint(), m_mdiArea->viewport());
+    m_lblNoMenu->setObjectName(QStringLiteral("lblNoMenu"));
+    m_lblNoMenu->setAlignment(Qt::AlignCenter);
+    m_lblNoMenu->setWordWrap(true);
+    m_lblNoMenu->setAttribute(Qt::WA_TransparentForMouseEvents);
+    QPalette hintPalette = m_lblNoMenu->palette();
+    hintPalette.setColor(QPalette::WindowText, hintPalette.color(QPalette::Light));
+    m_lblNoMenu->setPalette(hintPalette);
+    m_mdiArea->viewport()->installEventFilter(this);
 
     // The autosave file of an edit is written on a second thread; its result is collected soon after.
     m_autosaveCheck = new QTimer(this);
@@ -155,8 +174,8 @@ void MainWindow::buildMenus()
     m_mnuSave->setShortcut(QKeySequence::Save);
     m_mnuSave->setEnabled(false);
     connect(m_mnuSave, &QAction::triggered, this, &MainWindow::mnuSave_Click);
-    QAction* mnuSaveAs = addEntry(m_mnuFile, QStringLiteral("mnuSaveAs"), QStringLiteral("Save as ..."));
-    connect(mnuSaveAs, &QAction::triggered, this, &MainWindow::mnuSaveAs_Click);
+    m_mnuSaveAs = addEntry(m_mnuFile, QStringLiteral("mnuSaveAs"), QStringLiteral("Save as ..."));
+    connect(m_mnuSaveAs, &QAction::triggered, this, &MainWindow::mnuSaveAs_Click);
     addSeparator(m_mnuFile, QStringLiteral("Tire11"));
     QAction* mnuOptions = addEntry(m_mnuFile, QStringLiteral("mnuOptions"), QStringLiteral("Options"));
     connect(mnuOptions, &QAction::triggered, this, &MainWindow::showOptions);
@@ -185,11 +204,14 @@ void MainWindow::buildMenus()
     // Window
     m_mnuWindow = namedMenu(nullptr, QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
     QAction* mnuCascade = addEntry(m_mnuWindow, QStringLiteral("mnuCascade"), QStringLiteral("Cascade"));
+    m_arrangeEntries.append(mnuCascade);
     connect(mnuCascade, &QAction::triggered, m_mdiArea, &QMdiArea::cascadeSubWindows);
     QAction* mnuHorizontal = addEntry(m_mnuWindow, QStringLiteral("mnuHorizontal"), QStringLiteral("Tile Hozizontal"));
     connect(mnuHorizontal, &QAction::triggered, this, [this]() { tileWindows(Qt::Horizontal); });
+    m_arrangeEntries.append(mnuHorizontal);
     QAction* mnuVertical = addEntry(m_mnuWindow, QStringLiteral("mnuVertical"), QStringLiteral("Tile Vertical"));
     connect(mnuVertical, &QAction::triggered, this, [this]() { tileWindows(Qt::Vertical); });
+    m_arrangeEntries.append(mnuVertical);
     addSeparator(m_mnuWindow, QStringLiteral("Tire09"));
     QAction* designEntry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName0"), QStringLiteral("window1"));
     designEntry->setData(0);
@@ -412,9 +434,9 @@ void MainWindow::editorClosed(qint16 index)
         // The area activates the next editor window, if any, once this one is gone; until then, and
         // for good after the last one, nothing is shown of a window that is no longer there.
         m_state.setActiveDocumentIndex(0);
-        updateMenus();
         showActiveStatus();
     }
+    updateMenus();
 }
 
 void MainWindow::regenerateTree(qint16 index)
@@ -775,6 +797,7 @@ void MainWindow::updateMenus()
     const EditorView* view = m_state.editor(index);
     EditMenuState::Input input;
     input.editorActive = view != nullptr;
+    input.editorOpen = !m_state.openDocumentIndexes().isEmpty();
     input.itemSelected = view != nullptr && view->selectedNode().isItem();
     input.choosingLinkTarget = m_state.anyLinkTargetChoice();
     input.clipboardFilled = m_state.editing().clipboardItem.has_value();
@@ -790,12 +813,25 @@ void MainWindow::updateMenus()
             entry->setEnabled(state.menus);
         }
     }
+    m_mnuSaveAs->setEnabled(state.windowEntries);
+    for (QAction* entry : std::as_const(m_arrangeEntries)) {
+        entry->setEnabled(state.arrangeEntries);
+    }
     updateSaveEntry();
     if (state.menus) {
         m_undoManager.updateMenu(view != nullptr ? index : qint16(0));
     }
     m_editMenu->apply(state);
     updateHideMarks();
+    m_lblNoMenu->setVisible(!input.editorOpen);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_mdiArea->viewport() && event->type() == QEvent::Resize) {
+        m_lblNoMenu->setGeometry(m_mdiArea->viewport()->rect());
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::selectionChanged(qint16 index)

@@ -132,7 +132,8 @@ public:
     void updateHideMarks();
     /// Brings every menu entry up to date with the active editor window: which can be used (one rule,
     /// EditMenuState), Save, Undo and Redo, and the Hide marks. While a link target is chosen the
-    /// File, Edit, Window and Help menus are off.
+    /// File, Edit, Window and Help menus are off. With no editor window open, the empty area shows
+    /// how to open a menu.
     void updateMenus();
     /// The selected node of the editor window of document `index` has changed.
     void selectionChanged(qint16 index);
@@ -167,6 +168,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -228,6 +230,11 @@ private:
     EditMenu* m_editMenu = nullptr;
     ReplaceDialog* m_frmReplace = nullptr;
     QAction* m_mnuSave = nullptr;
+    QAction* m_mnuSaveAs = nullptr;
+    /// Cascade and the two Tile entries.
+    QList<QAction*> m_arrangeEntries;
+    /// The hint shown in the empty area while no menu is open.
+    QLabel* m_lblNoMenu = nullptr;
     QAction* m_tire03 = nullptr;
     QAction* m_tire09 = nullptr;
     QList<QAction*> m_mnuRecent;

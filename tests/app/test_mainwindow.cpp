@@ -51,6 +51,10 @@ QStringList menuLayout(const QMenu* menu, const QString& indent = QString())
     return layout;
 }
 
+/// The File and Window entries that need an editor window to act on.
+const QStringList windowEntries = { QStringLiteral("mnuSaveAs"), QStringLiteral("mnuCascade"),
+                                    QStringLiteral("mnuHorizontal"), QStringLiteral("mnuVertical") };
+
 /// The captions of the visible window-menu entries, in menu order.
 QStringList visibleWindowEntries(MainWindow& window)
 {
@@ -319,11 +323,51 @@ private Q_SLOTS:
         expectEnabled({ QStringLiteral("mnuPaste") }, true, 3);
 
         const QStringList enabled
-            = { QStringLiteral("mnuNew"),     QStringLiteral("mnuOpen"),       QStringLiteral("mnuSaveAs"),
-                QStringLiteral("mnuOptions"), QStringLiteral("mnuQuit"),       QStringLiteral("mnuCopyComDup"),
-                QStringLiteral("mnuCascade"), QStringLiteral("mnuHorizontal"), QStringLiteral("mnuVertical"),
-                QStringLiteral("mnuHelp"),    QStringLiteral("mnuAbout") };
+            = { QStringLiteral("mnuNew"),  QStringLiteral("mnuOpen"),       QStringLiteral("mnuOptions"),
+                QStringLiteral("mnuQuit"), QStringLiteral("mnuCopyComDup"), QStringLiteral("mnuHelp"),
+                QStringLiteral("mnuAbout") };
         expectEnabled(enabled, true);
+        expectEnabled(windowEntries, false, 3);
+    }
+
+    void noMenuOpenShowsAHintAndTurnsOffTheWindowEntries()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        auto* hint = window.findChild<QLabel*>(QStringLiteral("lblNoMenu"));
+        QVERIFY(hint);
+        QVERIFY(hint->isVisible());
+        QVERIFY(hint->text().contains(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)));
+        QVERIFY(hint->text().contains(QStringLiteral(".ini")));
+        // It covers the area and lets drops and clicks through to it.
+        QCOMPARE(hint->geometry(), mdiArea(window)->viewport()->rect());
+        QVERIFY(hint->testAttribute(Qt::WA_TransparentForMouseEvents));
+        for (const QString& name : windowEntries) {
+            QVERIFY2(!sandbox.action(name)->isEnabled(), qPrintable(name));
+        }
+
+        window.mnuNew_Click();
+        QVERIFY(!hint->isVisible());
+        for (const QString& name : windowEntries) {
+            QVERIFY2(sandbox.action(name)->isEnabled(), qPrintable(name));
+        }
+        window.mnuNew_Click();
+        sandbox.prompts().answers = { Answer::No, Answer::No };
+        QVERIFY(window.activeEditor()->closeWindow());
+        QTRY_VERIFY(window.activeEditor() != nullptr);
+        QVERIFY(!hint->isVisible());
+        QVERIFY(sandbox.action(QStringLiteral("mnuCascade"))->isEnabled());
+        QVERIFY(window.activeEditor()->closeWindow());
+        QVERIFY(hint->isVisible());
+        for (const QString& name : windowEntries) {
+            QVERIFY2(!sandbox.action(name)->isEnabled(), qPrintable(name));
+        }
+        // A failed open brings no window, and the hint stays.
+        sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("absent.ini")) };
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        QVERIFY(hint->isVisible());
+        QVERIFY(!sandbox.action(QStringLiteral("mnuSaveAs"))->isEnabled());
     }
 
     void standardShortcuts()
