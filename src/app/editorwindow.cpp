@@ -126,7 +126,7 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
     , m_documentIndex(documentIndex)
 {
     setObjectName(QStringLiteral("frmEditor"));
-    setWindowTitle(defaultCaption());
+    setCaption(defaultCaption());
     buildLayout();
 
     connect(m_lstMenu, &QTreeWidget::currentItemChanged, this,
@@ -259,6 +259,16 @@ void EditorWindow::buildLayout()
     m_frm01->hide();
 
     resize(640, 420);
+}
+
+void EditorWindow::setCaption(const QString& caption)
+{
+    m_caption = caption;
+    // "[*]" is where the title shows the unsaved mark; one in the caption itself is doubled so that
+    // it shows as written.
+    QString title = caption;
+    title.replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+    setWindowTitle(title + QStringLiteral("[*]"));
 }
 
 const MenuDocument& EditorWindow::document() const

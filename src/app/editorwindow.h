@@ -42,6 +42,10 @@ public:
     ~EditorWindow() override;
 
     qint16 documentIndex() const { return m_documentIndex; }
+    /// The window's caption: the menu's file name, or "New menu N". The title bar shows it with a
+    /// mark while the menu has unsaved changes (setWindowModified).
+    QString caption() const { return m_caption; }
+    void setCaption(const QString& caption);
     /// The document this window shows.
     const MenuDocument& document() const;
 
@@ -125,6 +129,7 @@ private:
 
     MainWindow& m_main;
     const qint16 m_documentIndex;
+    QString m_caption;
     /// True while the window itself changes the tree's current node, so that only the user's
     /// moves through the tree count as clicks.
     bool m_selectingNode = false;

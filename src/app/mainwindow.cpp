@@ -416,7 +416,7 @@ void MainWindow::editorActivated(qint16 index)
 void MainWindow::setEditorCaption(qint16 index, const QString& caption)
 {
     if (EditorWindow* editor = this->editor(index)) {
-        editor->setWindowTitle(caption);
+        editor->setCaption(caption);
     }
     if (index >= 1 && index < m_mnuWindowName.size()) {
         m_mnuWindowName.at(index)->setText(caption);
@@ -533,6 +533,7 @@ bool MainWindow::writeDocument(qint16 index, const QString& path)
         return false;
     }
     updateSaveEntry();
+    updateUnsavedMarks();
     return true;
 }
 
@@ -545,6 +546,13 @@ void MainWindow::updateSaveEntry()
         enabled = !document.filePath.isEmpty() && !document.saved;
     }
     m_mnuSave->setEnabled(enabled && !m_state.anyLinkTargetChoice());
+}
+
+void MainWindow::updateUnsavedMarks()
+{
+    for (const qint16 index : m_state.openDocumentIndexes()) {
+        editor(index)->setWindowModified(!m_state.document(index).saved);
+    }
 }
 
 void MainWindow::mnuSave_Click()
@@ -619,7 +627,7 @@ bool MainWindow::confirmQuit()
     if (!unsaved.isEmpty()) {
         QString text = QStringLiteral("Do you want to save changes on file : ");
         for (const qint16 index : unsaved) {
-            text += lineEnd() + QStringLiteral("    ") + editor(index)->windowTitle();
+            text += lineEnd() + QStringLiteral("    ") + editor(index)->caption();
         }
         MessageRequest request;
         request.text = text;
@@ -689,12 +697,14 @@ void MainWindow::mnuUndo_Click()
 {
     m_undoController.mnuUndo_Click();
     updateSaveEntry();
+    updateUnsavedMarks();
 }
 
 void MainWindow::mnuRedo_Click()
 {
     m_undoController.mnuRedo_Click();
     updateSaveEntry();
+    updateUnsavedMarks();
     watchAutosave();
 }
 
@@ -818,6 +828,7 @@ void MainWindow::updateMenus()
         entry->setEnabled(state.arrangeEntries);
     }
     updateSaveEntry();
+    updateUnsavedMarks();
     if (state.menus) {
         m_undoManager.updateMenu(view != nullptr ? index : qint16(0));
     }

@@ -128,6 +128,10 @@ public:
     void showRunTimeError(const RunTimeError& error);
     /// Enables Save exactly when the active document has a file and is not saved.
     void updateSaveEntry();
+    /// Marks the title of every editor window whose document is not saved. Runs after everything
+    /// that changes whether a document is saved: every edit (through the editing session), undo and
+    /// redo, saving, opening and creating.
+    void updateUnsavedMarks();
     /// Sets the check marks of the three Hide entries from the active document's hide mode.
     void updateHideMarks();
     /// Brings every menu entry up to date with the active editor window: which can be used (one rule,

@@ -119,7 +119,8 @@ private Q_SLOTS:
         MainWindow& window = sandbox.window();
         const qint16 index = window.state().appendDocumentSlot();
         EditorWindow editor(window, index);
-        QCOMPARE(editor.windowTitle(), QStringLiteral("KELV Menu Editor - Form"));
+        QCOMPARE(editor.caption(), QStringLiteral("KELV Menu Editor - Form"));
+        QCOMPARE(editor.windowTitle(), QStringLiteral("KELV Menu Editor - Form[*]"));
         QCOMPARE(editor.documentIndex(), index);
     }
 

@@ -73,7 +73,7 @@ QStringList editorCaptions(MainWindow& window)
 {
     QStringList captions;
     for (const qint16 index : window.state().openDocumentIndexes()) {
-        captions.append(window.editor(index)->windowTitle());
+        captions.append(window.editor(index)->caption());
     }
     return captions;
 }
@@ -465,7 +465,8 @@ private Q_SLOTS:
         QCOMPARE(document.filePath, menu);
         QCOMPARE(document.windowIndex, index);
         QCOMPARE(document.hideMode, 0);
-        QCOMPARE(window.editor(index)->windowTitle(), QStringLiteral("archive-tools.ini"));
+        QCOMPARE(window.editor(index)->caption(), QStringLiteral("archive-tools.ini"));
+        QCOMPARE(window.editor(index)->windowTitle(), QStringLiteral("archive-tools.ini[*]"));
         QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("archive-tools.ini") }));
         QCOMPARE(window.activeDocumentIndex(), index);
         QCOMPARE(window.findChild<QLabel*>(QStringLiteral("pnl4"))->text(), QString::number(document.items.size()));
@@ -945,6 +946,57 @@ private Q_SLOTS:
         QVERIFY(window.state().document(1).filePath.isEmpty());
         QVERIFY(!window.state().document(1).saved);
         QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1") }));
+    }
+
+    void unsavedMenusShowItInTheirTitle()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        const QString path = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const qint16 index = window.openMenu(path, QStringLiteral("archive-tools.ini"));
+        EditorWindow* editor = window.editor(index);
+        QMdiSubWindow* frame = frameOf(editor);
+        const auto marked = [&] {
+            // The frame's title bar follows the window's own mark.
+            return editor->isWindowModified() && frame->isWindowModified();
+        };
+        QVERIFY(!editor->isWindowModified());
+        QCOMPARE(frame->windowTitle(), QStringLiteral("archive-tools.ini[*]"));
+
+        // Every edit goes through the editing session, and marks it.
+        sandbox.trigger(QStringLiteral("mnuDuplicate"));
+        QVERIFY(!window.state().document(index).saved);
+        QVERIFY(marked());
+        sandbox.trigger(QStringLiteral("mnuUndo"));
+        QVERIFY(window.state().document(index).saved); // back to the state recorded while saved
+        QVERIFY(!editor->isWindowModified());
+        sandbox.trigger(QStringLiteral("mnuRedo"));
+        QCOMPARE(editor->isWindowModified(), !window.state().document(index).saved);
+        QVERIFY(marked());
+        sandbox.trigger(QStringLiteral("mnuSave"));
+        QVERIFY(!editor->isWindowModified());
+        QVERIFY(!frame->isWindowModified());
+
+        // A link switched off changes the menu without an undo step; the mark follows all the same.
+        sandbox.trigger(QStringLiteral("mnuLFCopyCommand"));
+        QCOMPARE(editor->isWindowModified(), !window.state().document(index).saved);
+
+        // Save as keeps the mark's place in the new title.
+        sandbox.trigger(QStringLiteral("mnuDuplicate"));
+        QVERIFY(marked());
+        sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("copy.ini")) };
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        QCOMPARE(editor->caption(), QStringLiteral("copy.ini"));
+        QCOMPARE(editor->windowTitle(), QStringLiteral("copy.ini[*]"));
+        QVERIFY(!editor->isWindowModified());
+
+        // A new menu is not saved until it is written.
+        window.mnuNew_Click();
+        QCOMPARE(window.activeEditor()->caption(), QStringLiteral("New menu 2"));
+        QVERIFY(window.activeEditor()->isWindowModified());
+        // A caption holding the placeholder itself shows it as written.
+        window.activeEditor()->setCaption(QStringLiteral("odd[*].ini"));
+        QCOMPARE(window.activeEditor()->windowTitle(), QStringLiteral("odd[*][*].ini[*]"));
     }
 
     void droppedMenuFilesOpenInOrder()
