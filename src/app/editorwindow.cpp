@@ -24,6 +24,7 @@
 #include <QCloseEvent>
 #include <QDrag>
 #include <QFrame>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHelpEvent>
@@ -204,11 +205,13 @@ void EditorWindow::buildLayout()
 
     auto* linkBox = new QGroupBox(tr("Copy command"), this);
     linkBox->setObjectName(QStringLiteral("grpCopyCommand"));
-    auto* linkLayout = new QHBoxLayout(linkBox);
-    linkLayout->addWidget(m_chkCopyCommand);
-    linkLayout->addWidget(m_txtItemIndexCopy);
-    linkLayout->addWidget(m_cmdChangeCopy);
-    linkLayout->addStretch(1);
+    // The check box has a row of its own, so that the side stays narrow and leaves room for the tree
+    // when windows are tiled side by side.
+    auto* linkLayout = new QGridLayout(linkBox);
+    linkLayout->addWidget(m_chkCopyCommand, 0, 0, 1, 3, Qt::AlignLeft);
+    linkLayout->addWidget(m_txtItemIndexCopy, 1, 0);
+    linkLayout->addWidget(m_cmdChangeCopy, 1, 1);
+    linkLayout->setColumnStretch(2, 1);
 
     // Moving the selected item among its siblings.
     m_cmdUp = new QPushButton(tr("Move up"), this);

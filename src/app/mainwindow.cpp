@@ -30,12 +30,14 @@
 #include <QFileInfo>
 #include <QKeySequence>
 #include <QLabel>
+#include <QLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPalette>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -124,7 +126,30 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     syncRecentEntries();
     updateMenus();
 
-    resize(1000, 700);
+    fitIntoScreen();
+}
+
+void MainWindow::fitIntoScreen()
+{
+    // A comfortable size on a usual screen, but never more than the screen has room for: at a large
+    // scale factor the screen holds far fewer logical pixels. A tenth is left for the frame the
+    // window manager adds and for panels beside the work area.
+    const QRect available = screen()->availableGeometry();
+    const QSize room = available.size() * 9 / 10;
+    resize(QSize(1000, 700).boundedTo(room).expandedTo(minimumSizeHint()));
+    move(available.left() + (available.width() - width()) / 2, available.top() + (available.height() - height()) / 2);
+}
+
+QRect MainWindow::editorArea()
+{
+    // Before the main window is first shown its layout has not run yet; running it now gives the area
+    // the size it will have. The viewport itself only follows once the area is shown, but it is the
+    // area's whole inside as long as no window sticks out of it.
+    if (!m_mdiArea->isVisible()) {
+        layout()->activate();
+        return QRect(QPoint(0, 0), m_mdiArea->contentsRect().size());
+    }
+    return m_mdiArea->viewport()->rect();
 }
 
 MainWindow::~MainWindow()
@@ -355,6 +380,14 @@ EditorWindow* MainWindow::createEditor(qint16 index)
     connect(entry, &QAction::triggered, this, [this, index]() { activateEditor(index); });
     m_mnuWindowName.append(entry);
 
+    const QRect area = editorArea();
+    if (m_state.openDocumentIndexes().size() == 1) {
+        // The first menu gets the whole area (its title bar still showing its name and unsaved mark).
+        frame->setGeometry(area);
+    } else {
+        // Later ones take two thirds of it, placed by the area where they cover the others least.
+        frame->resize((area.size() * 2 / 3).expandedTo(frame->minimumSizeHint()));
+    }
     frame->show();
     activateEditor(index);
     return editor;

@@ -23,6 +23,7 @@ class OptionsStore;
 class QAction;
 class QDrag;
 class QPoint;
+class QRect;
 class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
@@ -182,6 +183,12 @@ private:
     QAction* addEntry(QMenu* menu, const QString& name, const QString& caption);
     void addSeparator(QMenu* menu, const QString& name);
 
+    /// Sizes the window for the screen it opens on and centres it there.
+    void fitIntoScreen();
+    /// The area editor windows are placed in, in the area's own coordinates.
+    QRect editorArea();
+    /// A new editor window for document `index`: the first one fills the area, later ones take two
+    /// thirds of it.
     EditorWindow* createEditor(qint16 index);
     void discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow, qint16 previousIndex);
     void activateEditor(qint16 index);

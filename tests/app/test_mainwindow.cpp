@@ -27,6 +27,8 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QRandomGenerator>
+#include <QScreen>
+#include <QSplitter>
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
@@ -1249,6 +1251,79 @@ private Q_SLOTS:
 
         sandbox.action(QStringLiteral("mnuCascade"))->trigger();
         QVERIFY(frames.at(0)->geometry().topLeft() != frames.at(1)->geometry().topLeft());
+    }
+
+    void mainWindowOpensWithinTheScreen()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        const QRect available = window.screen()->availableGeometry();
+        QVERIFY2(available.contains(window.frameGeometry()),
+                 qPrintable(QStringLiteral("%1x%2 on %3x%4")
+                                .arg(window.frameGeometry().width())
+                                .arg(window.frameGeometry().height())
+                                .arg(available.width())
+                                .arg(available.height())));
+        // Not a postage stamp either: it takes most of a small screen, or its own size on a large one.
+        QVERIFY(window.width() >= qMin(1000, available.width() * 3 / 4));
+        QVERIFY(window.height() >= qMin(700, available.height() * 3 / 4));
+    }
+
+    void firstEditorWindowFillsTheArea()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        window.mnuNew_Click();
+        const QRect area = mdiArea(window)->viewport()->rect();
+        QCOMPARE(frameOf(window.activeEditor())->geometry(), area);
+
+        window.mnuNew_Click();
+        // Later ones take two thirds of it (but never less than they need) and leave the first as it is.
+        const QSize second = frameOf(window.activeEditor())->size();
+        const QSize needed = frameOf(window.activeEditor())->minimumSizeHint();
+        QCOMPARE(second.width(), qMax(qRound(area.width() * 2 / 3.0), needed.width()));
+        QCOMPARE(second.height(), qMax(qRound(area.height() * 2 / 3.0), needed.height()));
+        QCOMPARE(frameOf(window.editor(1))->geometry(), area);
+    }
+
+    void menuOpenedBeforeTheWindowShowsFillsTheArea()
+    {
+        // As with a menu named on the command line: it opens before the main window shows.
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")),
+                                             QStringLiteral("archive-tools.ini"));
+        QVERIFY(sandbox.showWindow());
+        QCOMPARE(frameOf(window.editor(index))->geometry(), mdiArea(window)->viewport()->rect());
+    }
+
+    void treeKeepsAShareOfWindowsTiledSideBySide()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")), QStringLiteral("archive-tools.ini"));
+        window.openMenu(sandbox.copyExample(QStringLiteral("media-tools.ini")), QStringLiteral("media-tools.ini"));
+        sandbox.trigger(QStringLiteral("mnuVertical"));
+        const int tileWidth = mdiArea(window)->viewport()->width() / 2;
+        for (const qint16 index : window.state().openDocumentIndexes()) {
+            EditorWindow* editor = window.editor(index);
+            QVERIFY(qAbs(frameOf(editor)->width() - tileWidth) <= 1);
+            // The whole editor fits its tile: nothing is cut off on the right.
+            QVERIFY2(
+                editor->minimumSizeHint().width() <= editor->width(),
+                qPrintable(QStringLiteral("needs %1 of %2, side %3 tree %4")
+                               .arg(editor->minimumSizeHint().width())
+                               .arg(editor->width())
+                               .arg(editor->findChild<QWidget*>(QStringLiteral("pnlItem"))->minimumSizeHint().width())
+                               .arg(editor->tree()->minimumSizeHint().width())));
+            const int treeWidth = editor->tree()->width();
+            const int splitWidth = editor->findChild<QSplitter*>(QStringLiteral("splEditor"))->width();
+            QVERIFY2(treeWidth * 10 >= splitWidth * 3,
+                     qPrintable(QStringLiteral("tree %1 of %2").arg(treeWidth).arg(splitWidth)));
+        }
     }
 
     void recentListKeepsTheLastFiveOpenedMenus()
