@@ -7,6 +7,7 @@
 #include "app/optionsdialog.h"
 #include "app/replacedialog.h"
 #include "core/aboutinfo.h"
+#include "core/accesskeys.h"
 #include "core/commandlinemenu.h"
 #include "core/documentfile.h"
 #include "core/editmenustate.h"
@@ -124,6 +125,10 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     m_editMenu->copyCommandDupEntry()->setChecked(m_state.options().copyCommandDup);
     m_recent.loadRecentList();
     syncRecentEntries();
+    // Until a file is chosen, the dialogs start where the newest menu of the last session lies.
+    if (m_recent.entry(0).visible) {
+        noteFolderUsed(m_recent.entry(0).caption);
+    }
     updateMenus();
 
     fitIntoScreen();
@@ -188,21 +193,25 @@ void MainWindow::buildMenus()
 
     // File
     m_mnuFile = namedMenu(nullptr, QStringLiteral("mnuFile"), QStringLiteral("&File"));
-    QAction* mnuNew = addEntry(m_mnuFile, QStringLiteral("mnuNew"), QStringLiteral("New"));
+    QAction* mnuNew = addEntry(m_mnuFile, QStringLiteral("mnuNew"), QStringLiteral("&New"));
     mnuNew->setShortcut(QKeySequence::New);
     connect(mnuNew, &QAction::triggered, this, &MainWindow::mnuNew_Click);
-    QAction* mnuOpen = addEntry(m_mnuFile, QStringLiteral("mnuOpen"), QStringLiteral("Open"));
+    QAction* mnuOpen = addEntry(m_mnuFile, QStringLiteral("mnuOpen"), QStringLiteral("&Open"));
     mnuOpen->setShortcut(QKeySequence::Open);
     connect(mnuOpen, &QAction::triggered, this, &MainWindow::mnuOpen_Click);
     addSeparator(m_mnuFile, QStringLiteral("Tire01"));
-    m_mnuSave = addEntry(m_mnuFile, QStringLiteral("mnuSave"), QStringLiteral("Save"));
+    m_mnuSave = addEntry(m_mnuFile, QStringLiteral("mnuSave"), QStringLiteral("&Save"));
     m_mnuSave->setShortcut(QKeySequence::Save);
     m_mnuSave->setEnabled(false);
     connect(m_mnuSave, &QAction::triggered, this, &MainWindow::mnuSave_Click);
-    m_mnuSaveAs = addEntry(m_mnuFile, QStringLiteral("mnuSaveAs"), QStringLiteral("Save as ..."));
+    m_mnuSaveAs = addEntry(m_mnuFile, QStringLiteral("mnuSaveAs"), QStringLiteral("Save &as ..."));
+    m_mnuSaveAs->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
     connect(m_mnuSaveAs, &QAction::triggered, this, &MainWindow::mnuSaveAs_Click);
+    m_mnuClose = addEntry(m_mnuFile, QStringLiteral("mnuClose"), QStringLiteral("&Close"));
+    m_mnuClose->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+    connect(m_mnuClose, &QAction::triggered, this, &MainWindow::mnuClose_Click);
     addSeparator(m_mnuFile, QStringLiteral("Tire11"));
-    QAction* mnuOptions = addEntry(m_mnuFile, QStringLiteral("mnuOptions"), QStringLiteral("Options"));
+    QAction* mnuOptions = addEntry(m_mnuFile, QStringLiteral("mnuOptions"), QStringLiteral("O&ptions"));
     connect(mnuOptions, &QAction::triggered, this, &MainWindow::showOptions);
     addSeparator(m_mnuFile, QStringLiteral("Tire02"));
     for (int entry = 0; entry < RecentFileList::EntryCount; ++entry) {
@@ -214,7 +223,7 @@ void MainWindow::buildMenus()
     addSeparator(m_mnuFile, QStringLiteral("Tire03"));
     m_tire03 = m_mnuFile->actions().constLast();
     m_tire03->setVisible(false);
-    QAction* mnuQuit = addEntry(m_mnuFile, QStringLiteral("mnuQuit"), QStringLiteral("Quit"));
+    QAction* mnuQuit = addEntry(m_mnuFile, QStringLiteral("mnuQuit"), QStringLiteral("&Quit"));
     mnuQuit->setShortcut(QKeySequence::Quit);
     if (mnuQuit->shortcut().isEmpty()) {
         mnuQuit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -228,13 +237,13 @@ void MainWindow::buildMenus()
 
     // Window
     m_mnuWindow = namedMenu(nullptr, QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
-    QAction* mnuCascade = addEntry(m_mnuWindow, QStringLiteral("mnuCascade"), QStringLiteral("Cascade"));
+    QAction* mnuCascade = addEntry(m_mnuWindow, QStringLiteral("mnuCascade"), QStringLiteral("&Cascade"));
     m_arrangeEntries.append(mnuCascade);
     connect(mnuCascade, &QAction::triggered, m_mdiArea, &QMdiArea::cascadeSubWindows);
-    QAction* mnuHorizontal = addEntry(m_mnuWindow, QStringLiteral("mnuHorizontal"), QStringLiteral("Tile Hozizontal"));
+    QAction* mnuHorizontal = addEntry(m_mnuWindow, QStringLiteral("mnuHorizontal"), QStringLiteral("Tile &Hozizontal"));
     connect(mnuHorizontal, &QAction::triggered, this, [this]() { tileWindows(Qt::Horizontal); });
     m_arrangeEntries.append(mnuHorizontal);
-    QAction* mnuVertical = addEntry(m_mnuWindow, QStringLiteral("mnuVertical"), QStringLiteral("Tile Vertical"));
+    QAction* mnuVertical = addEntry(m_mnuWindow, QStringLiteral("mnuVertical"), QStringLiteral("Tile &Vertical"));
     connect(mnuVertical, &QAction::triggered, this, [this]() { tileWindows(Qt::Vertical); });
     m_arrangeEntries.append(mnuVertical);
     addSeparator(m_mnuWindow, QStringLiteral("Tire09"));
@@ -255,20 +264,20 @@ void MainWindow::buildMenus()
     // node is dropped on another. Both come with the commands they belong to.
     m_mnuCommand = new QMenu(this);
     m_mnuCommand->setObjectName(QStringLiteral("mnuCommand"));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuAddCommand"), QStringLiteral("Add")));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuEditCommand"), QStringLiteral("Edit")));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuRemoveCommand"), QStringLiteral("Remove")));
-    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuClearCommands"), QStringLiteral("Clear")));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuAddCommand"), QStringLiteral("&Add")));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuEditCommand"), QStringLiteral("&Edit")));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuRemoveCommand"), QStringLiteral("&Remove")));
+    unavailable(addEntry(m_mnuCommand, QStringLiteral("mnuClearCommands"), QStringLiteral("&Clear")));
 
     m_mnuNodes = new QMenu(this);
     m_mnuNodes->setObjectName(QStringLiteral("mnuNodes"));
     m_mnuNodesInsertSub
-        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertSub"), QStringLiteral("Insert as subitem of"));
+        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertSub"), QStringLiteral("Insert as &subitem of"));
     m_mnuNodesInsertNext
-        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert next to"));
+        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert &next to"));
     // The entries only note the choice; the drop goes on once the menu has closed.
     const auto addDropChoice = [this](QMenu* menu, const QString& name, bool asChild, bool copy) {
-        QAction* entry = addEntry(menu, name, copy ? QStringLiteral("Copy") : QStringLiteral("Move"));
+        QAction* entry = addEntry(menu, name, copy ? QStringLiteral("&Copy") : QStringLiteral("&Move"));
         connect(entry, &QAction::triggered, this, [this, asChild, copy] {
             DragState& drag = m_state.editing().drag;
             drag.dropAsChild = asChild;
@@ -372,6 +381,16 @@ EditorWindow* MainWindow::createEditor(qint16 index)
     auto* editor = new EditorWindow(*this, index);
     QMdiSubWindow* frame = m_mdiArea->addSubWindow(editor);
     frame->setAttribute(Qt::WA_DeleteOnClose);
+    // The frame's own Close entry may carry File > Close's key; a key on two entries does nothing.
+    if (QMenu* systemMenu = frame->systemMenu()) {
+        const QList<QAction*> entries = systemMenu->actions();
+        for (QAction* entry : entries) {
+            QList<QKeySequence> keys = entry->shortcuts();
+            if (keys.removeAll(m_mnuClose->shortcut()) > 0) {
+                entry->setShortcuts(keys);
+            }
+        }
+    }
     m_state.setEditor(index, editor);
 
     QAction* entry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName") + QString::number(index), QString());
@@ -452,7 +471,7 @@ void MainWindow::setEditorCaption(qint16 index, const QString& caption)
         editor->setCaption(caption);
     }
     if (index >= 1 && index < m_mnuWindowName.size()) {
-        m_mnuWindowName.at(index)->setText(caption);
+        m_mnuWindowName.at(index)->setText(AccessKeys::onFirstLetter(caption));
         m_mnuWindowName.at(index)->setVisible(true);
     }
 }
@@ -512,8 +531,10 @@ void MainWindow::mnuNew_Click()
 
 void MainWindow::mnuOpen_Click()
 {
-    const QString path = m_prompts.askOpenFileName(fileDialogTitle(), fileDialogFilter());
+    const QString path
+        = m_prompts.askOpenFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(activeDocumentIndex()));
     if (!path.isEmpty()) {
+        noteFolderUsed(path);
         openMenu(path, QFileInfo(path).fileName());
     }
 }
@@ -551,6 +572,7 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
         showRunTimeError(error);
     }
     setEditorCaption(index, fileTitle);
+    noteFolderUsed(path);
     m_recent.addRecentFile(path);
     syncRecentEntries();
     return index;
@@ -606,12 +628,34 @@ void MainWindow::mnuSaveAs_Click()
     if (!m_state.editor(index)) {
         return;
     }
-    const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
+    const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(index));
     if (path.isEmpty()) {
         return;
     }
+    noteFolderUsed(path);
     if (writeDocument(index, path)) {
         setEditorCaption(index, QFileInfo(path).fileName());
+    }
+}
+
+QString MainWindow::dialogFolder(qint16 index) const
+{
+    // The folder of the menu the dialog is for, where it has a file; else the one used last.
+    if (m_state.editor(index) && !m_state.document(index).filePath.isEmpty()) {
+        return QFileInfo(m_state.document(index).filePath).absolutePath();
+    }
+    return m_lastFolder;
+}
+
+void MainWindow::noteFolderUsed(const QString& filePath)
+{
+    m_lastFolder = QFileInfo(filePath).absolutePath();
+}
+
+void MainWindow::mnuClose_Click()
+{
+    if (EditorWindow* active = activeEditor()) {
+        active->closeWindow();
     }
 }
 
@@ -619,10 +663,11 @@ bool MainWindow::saveForClosing(qint16 index)
 {
     QString path = m_state.document(index).filePath;
     if (path.isEmpty()) {
-        path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
+        path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(index));
         if (path.isEmpty()) {
             return true; // no name given: nothing is written
         }
+        noteFolderUsed(path);
     }
     return writeDocument(index, path);
 }
@@ -857,6 +902,7 @@ void MainWindow::updateMenus()
         }
     }
     m_mnuSaveAs->setEnabled(state.windowEntries);
+    m_mnuClose->setEnabled(state.windowEntries);
     for (QAction* entry : std::as_const(m_arrangeEntries)) {
         entry->setEnabled(state.arrangeEntries);
     }
@@ -914,9 +960,10 @@ void MainWindow::execDrag(QDrag* drag)
 void MainWindow::popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo,
                                const QPoint& globalPos)
 {
-    m_mnuNodesInsertSub->setTitle(targetText);
+    // The captions are the nodes' texts, shown as written.
+    m_mnuNodesInsertSub->setTitle(AccessKeys::onFirstLetter(targetText));
     if (nextToo) {
-        m_mnuNodesInsertNext->setTitle(parentText);
+        m_mnuNodesInsertNext->setTitle(AccessKeys::onFirstLetter(parentText));
     }
     m_mnuNodesInsertNext->menuAction()->setVisible(nextToo);
     if (m_menuPopup) {
@@ -967,7 +1014,7 @@ void MainWindow::syncRecentEntries()
 {
     for (int entry = 0; entry < m_mnuRecent.size(); ++entry) {
         const RecentFileList::Entry recent = m_recent.entry(entry);
-        m_mnuRecent.at(entry)->setText(recent.caption);
+        m_mnuRecent.at(entry)->setText(AccessKeys::onFileName(recent.caption));
         m_mnuRecent.at(entry)->setVisible(recent.visible);
     }
     m_tire03->setVisible(m_recent.separatorVisible());

@@ -71,6 +71,8 @@ public:
     void mnuSave_Click();
     /// Asks for a file name and writes the active document to it.
     void mnuSaveAs_Click();
+    /// Closes the active editor window, asking to save its menu first when it is not saved.
+    void mnuClose_Click();
     /// Asks once about every unsaved document and ends the program (closes the main window).
     void mnuQuit_Click();
 
@@ -201,6 +203,11 @@ private:
     /// Saves document `index` for closing: to its file, else to a name asked for. False when the
     /// write failed, true also when the user gave no name.
     bool saveForClosing(qint16 index);
+    /// The folder a file dialog for document `index` starts in: the folder of its file, or for a menu
+    /// without one (or none at all) the folder used last.
+    QString dialogFolder(qint16 index) const;
+    /// `filePath` was chosen in a dialog, opened or written: its folder is the one used last.
+    void noteFolderUsed(const QString& filePath);
     /// The quit question and the saving it asks for. False when quitting stops.
     bool confirmQuit();
 
@@ -219,6 +226,8 @@ private:
     QString m_programFolder;
     /// Where the files the editor writes beside itself go (decided once, it probes the disk).
     QString m_writableFolder;
+    /// The folder of the menu file chosen, opened or written last.
+    QString m_lastFolder;
     ApplicationState m_state;
     RecentFileList m_recent;
     UndoManager m_undoManager;
@@ -242,6 +251,7 @@ private:
     ReplaceDialog* m_frmReplace = nullptr;
     QAction* m_mnuSave = nullptr;
     QAction* m_mnuSaveAs = nullptr;
+    QAction* m_mnuClose = nullptr;
     /// Cascade and the two Tile entries.
     QList<QAction*> m_arrangeEntries;
     /// The hint shown in the empty area while no menu is open.

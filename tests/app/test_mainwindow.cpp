@@ -1,4 +1,5 @@
 #include "guisandbox.h"
+#include "menutexts.h"
 
 #include "app/editorwindow.h"
 #include "app/helplauncher.h"
@@ -28,6 +29,7 @@
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QScreen>
+#include <QSet>
 #include <QSplitter>
 #include <QTest>
 #include <QTimer>
@@ -37,14 +39,14 @@ namespace {
 
 using Answer = UserPrompts::Answer;
 
-/// The entries of `menu` as "name|caption", separators as "name|-", submenus followed by their own
+/// The entries of `menu` as "name|text shown", separators as "name|-", submenus followed by their own
 /// entries indented by two blanks.
 QStringList menuLayout(const QMenu* menu, const QString& indent = QString())
 {
     QStringList layout;
     const QList<QAction*> actions = menu->actions();
     for (const QAction* action : actions) {
-        const QString caption = action->isSeparator() ? QStringLiteral("-") : action->text();
+        const QString caption = action->isSeparator() ? QStringLiteral("-") : MenuTexts::visible(action->text());
         layout.append(indent + action->objectName() + QLatin1Char('|') + caption);
         if (action->menu()) {
             layout += menuLayout(action->menu(), indent + QStringLiteral("  "));
@@ -54,8 +56,9 @@ QStringList menuLayout(const QMenu* menu, const QString& indent = QString())
 }
 
 /// The File and Window entries that need an editor window to act on.
-const QStringList windowEntries = { QStringLiteral("mnuSaveAs"), QStringLiteral("mnuCascade"),
-                                    QStringLiteral("mnuHorizontal"), QStringLiteral("mnuVertical") };
+const QStringList windowEntries
+    = { QStringLiteral("mnuSaveAs"), QStringLiteral("mnuClose"), QStringLiteral("mnuCascade"),
+        QStringLiteral("mnuHorizontal"), QStringLiteral("mnuVertical") };
 
 /// The captions of the visible window-menu entries, in menu order.
 QStringList visibleWindowEntries(MainWindow& window)
@@ -64,7 +67,7 @@ QStringList visibleWindowEntries(MainWindow& window)
     const QList<QAction*> actions = window.findChild<QMenu*>(QStringLiteral("mnuWindow"))->actions();
     for (const QAction* action : actions) {
         if (action->objectName().startsWith(QLatin1String("mnuWindowName")) && action->isVisible()) {
-            captions.append(action->text());
+            captions.append(MenuTexts::visible(action->text()));
         }
     }
     return captions;
@@ -204,14 +207,11 @@ private Q_SLOTS:
                  QStringList({ QStringLiteral("mnuFile|&File"), QStringLiteral("mnuEdit|&Edit"),
                                QStringLiteral("mnuWindow|&Window"), QStringLiteral("mnuH|&Help") }));
 
-        QStringList file = { QStringLiteral("mnuNew|New"),
-                             QStringLiteral("mnuOpen|Open"),
-                             QStringLiteral("Tire01|-"),
-                             QStringLiteral("mnuSave|Save"),
-                             QStringLiteral("mnuSaveAs|Save as ..."),
-                             QStringLiteral("Tire11|-"),
-                             QStringLiteral("mnuOptions|Options"),
-                             QStringLiteral("Tire02|-") };
+        QStringList file = {
+            QStringLiteral("mnuNew|New"),   QStringLiteral("mnuOpen|Open"),          QStringLiteral("Tire01|-"),
+            QStringLiteral("mnuSave|Save"), QStringLiteral("mnuSaveAs|Save as ..."), QStringLiteral("mnuClose|Close"),
+            QStringLiteral("Tire11|-"),     QStringLiteral("mnuOptions|Options"),    QStringLiteral("Tire02|-")
+        };
         for (int entry = 0; entry < 10; ++entry) {
             file.append(QStringLiteral("mnuRecent") + QString::number(entry) + QLatin1Char('|'));
         }
@@ -254,7 +254,7 @@ private Q_SLOTS:
         QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuWindow"))), windowMenu);
 
         QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuH"))),
-                 QStringList({ QStringLiteral("mnuHelp|&Help"), QStringLiteral("mnuAbout|&About") }));
+                 QStringList({ QStringLiteral("mnuHelp|Help"), QStringLiteral("mnuAbout|About") }));
 
         QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuCommand"))),
                  QStringList({ QStringLiteral("mnuAddCommand|Add"), QStringLiteral("mnuEditCommand|Edit"),
@@ -269,6 +269,64 @@ private Q_SLOTS:
             QVERIFY(action->menu()->objectName() != QLatin1String("mnuCommand"));
             QVERIFY(action->menu()->objectName() != QLatin1String("mnuNodes"));
         }
+    }
+
+    void everyMenuEntryHasAnAccessKeyOfItsOwn()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        // Entries whose captions come from files and items get their keys from their texts.
+        window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("tom & jerry.ini")),
+                        QStringLiteral("tom & jerry.ini"));
+        window.mnuNew_Click();
+        window.setMenuPopup([](QMenu*, const QPoint&) {});
+        window.popupDropMenu(QStringLiteral("Pack & go"), QStringLiteral("Archive"), true, QPoint());
+
+        QList<const QMenu*> menus = { window.findChild<QMenu*>(QStringLiteral("mnuCommand")),
+                                      window.findChild<QMenu*>(QStringLiteral("mnuNodes")) };
+        const QList<QAction*> barActions = window.menuBar()->actions();
+        for (const QAction* action : barActions) {
+            menus.append(action->menu());
+        }
+        QStringList keys;
+        for (const QAction* action : barActions) {
+            keys.append(MenuTexts::accessKey(action->text()));
+        }
+        QCOMPARE(keys.size(), int(QSet<QString>(keys.begin(), keys.end()).size()));
+        for (int m = 0; m < menus.size(); ++m) {
+            const QMenu* menu = menus.at(m);
+            const QList<QAction*> actions = menu->actions();
+            QStringList fixedKeys;
+            for (const QAction* action : actions) {
+                if (action->isSeparator() || !action->isVisible()) {
+                    continue;
+                }
+                const QString name = action->objectName();
+                const QChar key = MenuTexts::accessKey(action->text());
+                QVERIFY2(!key.isNull(), qPrintable(name + QLatin1Char('|') + action->text()));
+                if (action->menu()) {
+                    menus.append(action->menu());
+                }
+                // The entries listing windows and recent files may share keys, as their names do.
+                if (!name.startsWith(QLatin1String("mnuWindowName")) && !name.startsWith(QLatin1String("mnuRecent"))
+                    && !name.startsWith(QLatin1String("mnuNodesInsert"))) {
+                    QVERIFY2(!fixedKeys.contains(key), qPrintable(name + QStringLiteral(": ") + key));
+                    fixedKeys.append(key);
+                }
+            }
+        }
+        // What comes from files and items shows as written.
+        QCOMPARE(MenuTexts::visible(sandbox.action(QStringLiteral("mnuWindowName1"))->text()),
+                 QStringLiteral("tom & jerry.ini"));
+        QCOMPARE(MenuTexts::visible(sandbox.action(QStringLiteral("mnuRecent0"))->text()),
+                 sandbox.menuPath(QStringLiteral("tom & jerry.ini")));
+        QCOMPARE(MenuTexts::visible(window.findChild<QMenu*>(QStringLiteral("mnuNodesInsertSub"))->title()),
+                 QStringLiteral("Pack & go"));
+        // The special items hand on their text without the key.
+        QCOMPARE(sandbox.action(QStringLiteral("mnuSpecialItems2"))->data().toString(),
+                 QStringLiteral("$selectedfile$"));
+        QCOMPARE(MenuTexts::visible(sandbox.action(QStringLiteral("mnuSpecialItems2"))->text()),
+                 QStringLiteral("$selectedfile$"));
     }
 
     void entriesFollowTheActiveDocumentAndItsSelection()
@@ -378,6 +436,9 @@ private Q_SLOTS:
         QCOMPARE(sandbox.action(QStringLiteral("mnuNew"))->shortcut(), QKeySequence(QKeySequence::New));
         QCOMPARE(sandbox.action(QStringLiteral("mnuOpen"))->shortcut(), QKeySequence(QKeySequence::Open));
         QCOMPARE(sandbox.action(QStringLiteral("mnuSave"))->shortcut(), QKeySequence(QKeySequence::Save));
+        QCOMPARE(sandbox.action(QStringLiteral("mnuSaveAs"))->shortcut(),
+                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+        QCOMPARE(sandbox.action(QStringLiteral("mnuClose"))->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_W));
         QVERIFY(!sandbox.action(QStringLiteral("mnuQuit"))->shortcut().isEmpty());
         QCOMPARE(sandbox.action(QStringLiteral("mnuHelp"))->shortcut(), QKeySequence(Qt::Key_F1));
         QCOMPARE(sandbox.action(QStringLiteral("mnuRefresh"))->shortcut(), QKeySequence(Qt::Key_F5));
@@ -450,7 +511,8 @@ private Q_SLOTS:
         EditorWindow* editor = window.editor(index);
         QCOMPARE(editor->tree()->nodeCount(), 2);
         QCOMPARE(editor->tree()->currentItem(), editor->tree()->node(2));
-        QCOMPARE(sandbox.action(QStringLiteral("mnuWindowName1"))->text(), QStringLiteral("New menu 1"));
+        QCOMPARE(MenuTexts::visible(sandbox.action(QStringLiteral("mnuWindowName1"))->text()),
+                 QStringLiteral("New menu 1"));
         QCOMPARE(sandbox.action(QStringLiteral("mnuWindowName1"))->data().toInt(), 1);
     }
 
@@ -1001,6 +1063,78 @@ private Q_SLOTS:
         QCOMPARE(window.activeEditor()->windowTitle(), QStringLiteral("odd[*][*].ini[*]"));
     }
 
+    void closeAsksAboutTheActiveMenuAndClosesIt()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")), QStringLiteral("archive-tools.ini"));
+        window.mnuNew_Click();
+        QCOMPARE(window.activeDocumentIndex(), qint16(2));
+
+        // Ctrl+W, wherever the focus is in the window.
+        sandbox.prompts().answers = { Answer::Cancel };
+        window.activeEditor()->tree()->setFocus();
+        QTest::keyClick(window.activeEditor()->tree(), Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ saveQuestion(QStringLiteral("Do you want to save changes ?")) }));
+        QCOMPARE(window.state().openDocumentIndexes().size(), 2);
+
+        sandbox.prompts().clearLog();
+        sandbox.prompts().answers = { Answer::No };
+        sandbox.trigger(QStringLiteral("mnuClose"));
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QCOMPARE(window.state().openDocumentIndexes(), QList<qint16>({ 1 }));
+        QTRY_COMPARE(window.activeDocumentIndex(), qint16(1));
+
+        // A saved menu closes without a question.
+        sandbox.prompts().clearLog();
+        sandbox.trigger(QStringLiteral("mnuClose"));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+        QVERIFY(window.state().openDocumentIndexes().isEmpty());
+        QVERIFY(!sandbox.action(QStringLiteral("mnuClose"))->isEnabled());
+    }
+
+    void fileDialogsStartInTheMenusFolderOrTheLastOneUsed()
+    {
+        GuiSandbox sandbox;
+        const QString menus = QFileInfo(sandbox.menuPath(QStringLiteral("x.ini"))).absolutePath();
+        QVERIFY(QDir(menus).mkpath(QStringLiteral("other")));
+        const QString other = menus + QStringLiteral("/other");
+        MainWindow& window = sandbox.window();
+        const auto lastFolder = [&sandbox] { return sandbox.prompts().fileRequests.constLast().startFolder; };
+
+        window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")), QStringLiteral("archive-tools.ini"));
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        QCOMPARE(lastFolder(), menus);
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        QCOMPARE(sandbox.prompts().fileRequests.constLast().kind, FakePrompts::FileRequest::Kind::Save);
+        QCOMPARE(lastFolder(), menus);
+
+        // A folder chosen in a dialog is the one used last, even when the file is no menu.
+        sandbox.prompts().fileNames = { other + QStringLiteral("/absent.ini") };
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        window.mnuNew_Click();
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        QCOMPARE(lastFolder(), other);
+        // A menu with a file still starts in its own folder.
+        sandbox.trigger(QStringLiteral("mnuWindowName1"));
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        QCOMPARE(lastFolder(), menus);
+
+        // Saved under a new name: its folder is used from then on.
+        sandbox.trigger(QStringLiteral("mnuWindowName2"));
+        sandbox.prompts().fileNames = { other + QStringLiteral("/new.ini") };
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        QCOMPARE(lastFolder(), other);
+
+        // A fresh start begins where the newest recent menu lies.
+        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
+        second.mnuOpen_Click();
+        QCOMPARE(lastFolder(), menus);
+    }
+
     void droppedMenuFilesOpenInOrder()
     {
         GuiSandbox sandbox;
@@ -1343,7 +1477,7 @@ private Q_SLOTS:
         for (int entry = 0; entry < 5; ++entry) {
             QAction* recent = sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry));
             QVERIFY(recent->isVisible());
-            QCOMPARE(recent->text(), paths.at(5 - entry));
+            QCOMPARE(MenuTexts::visible(recent->text()), paths.at(5 - entry));
         }
         for (int entry = 5; entry < 10; ++entry) {
             QVERIFY(!sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry))->isVisible());
@@ -1358,7 +1492,7 @@ private Q_SLOTS:
         // A fresh start shows the same list, and an entry opens its menu.
         MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
         QAction* newest = second.findChild<QAction*>(QStringLiteral("mnuRecent0"));
-        QCOMPARE(newest->text(), paths.at(5));
+        QCOMPARE(MenuTexts::visible(newest->text()), paths.at(5));
         newest->trigger();
         QCOMPARE(editorCaptions(second), QStringList({ QStringLiteral("menu6.ini") }));
     }
