@@ -240,9 +240,11 @@ void EditorWindow::buildLayout()
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(m_lstMenu);
     splitter->addWidget(side);
-    splitter->setStretchFactor(0, 2);
-    splitter->setStretchFactor(1, 3);
-    splitter->setSizes({ 260, 380 });
+    // The two sides keep about 45 : 55 of the width as the window is resized or tiled, so that a
+    // narrow window still shows the captions of the tree.
+    splitter->setStretchFactor(0, 9);
+    splitter->setStretchFactor(1, 11);
+    splitter->setSizes({ 288, 352 });
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);

@@ -107,6 +107,11 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     m_lblNoMenu->setAlignment(Qt::AlignCenter);
     m_lblNoMenu->setWordWrap(true);
     m_lblNoMenu->setAttribute(Qt::WA_TransparentForMouseEvents);
+    QFont hintFont = m_lblNoMenu->font();
+    if (hintFont.pointSizeF() > 0) {
+        hintFont.setPointSizeF(hintFont.pointSizeF() * 1.2);
+    }
+    m_lblNoMenu->setFont(hintFont);
     QPalette hintPalette = m_lblNoMenu->palette();
     hintPalette.setColor(QPalette::WindowText, hintPalette.color(QPalette::Light));
     m_lblNoMenu->setPalette(hintPalette);
