@@ -52,8 +52,8 @@ public:
         lastText = request.text;
         return request.buttons == MessageRequest::Buttons::Ok ? Answer::Ok : Answer::No;
     }
-    QString askOpenFileName(const QString&, const QString&) override { return QString(); }
-    QString askSaveFileName(const QString&, const QString&) override { return QString(); }
+    QString askOpenFileName(const QString&, const QString&, const QString&) override { return QString(); }
+    QString askSaveFileName(const QString&, const QString&, const QString&) override { return QString(); }
 
     int messages = 0;
     QString lastText;

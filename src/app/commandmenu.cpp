@@ -34,13 +34,13 @@ CommandMenu::CommandMenu(MainWindow& mainWindow, QWidget* menuParent)
 {
     m_mnuCommand = new QMenu(menuParent);
     m_mnuCommand->setObjectName(QStringLiteral("mnuCommand"));
-    connect(addEntry(QStringLiteral("mnuAddCommand"), QStringLiteral("Add")), &QAction::triggered, this,
+    connect(addEntry(QStringLiteral("mnuAddCommand"), QStringLiteral("&Add")), &QAction::triggered, this,
             &CommandMenu::mnuAddCommand_Click);
-    connect(addEntry(QStringLiteral("mnuEditCommand"), QStringLiteral("Edit")), &QAction::triggered, this,
+    connect(addEntry(QStringLiteral("mnuEditCommand"), QStringLiteral("&Edit")), &QAction::triggered, this,
             &CommandMenu::mnuEditCommand_Click);
-    connect(addEntry(QStringLiteral("mnuRemoveCommand"), QStringLiteral("Remove")), &QAction::triggered, this,
+    connect(addEntry(QStringLiteral("mnuRemoveCommand"), QStringLiteral("&Remove")), &QAction::triggered, this,
             &CommandMenu::mnuRemoveCommand_Click);
-    connect(addEntry(QStringLiteral("mnuClearCommands"), QStringLiteral("Clear")), &QAction::triggered, this,
+    connect(addEntry(QStringLiteral("mnuClearCommands"), QStringLiteral("&Clear")), &QAction::triggered, this,
             &CommandMenu::mnuClearCommands_Click);
 
     m_tmrExec = new QTimer(this);

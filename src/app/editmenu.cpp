@@ -22,58 +22,62 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     , m_session(session)
 {
     // Enabled by the history as the active document's stacks fill and empty.
-    m_mnuUndo = addEntry(QStringLiteral("mnuUndo"), QStringLiteral("Undo"));
+    m_mnuUndo = addEntry(QStringLiteral("mnuUndo"), QStringLiteral("&Undo"));
     m_mnuUndo->setShortcut(QKeySequence::Undo);
     m_mnuUndo->setEnabled(false);
     connect(m_mnuUndo, &QAction::triggered, &m_main, &MainWindow::mnuUndo_Click);
-    m_mnuRedo = addEntry(QStringLiteral("mnuRedo"), QStringLiteral("Redo"));
+    m_mnuRedo = addEntry(QStringLiteral("mnuRedo"), QStringLiteral("&Redo"));
     m_mnuRedo->setShortcut(QKeySequence::Redo);
     m_mnuRedo->setEnabled(false);
     connect(m_mnuRedo, &QAction::triggered, &m_main, &MainWindow::mnuRedo_Click);
     addSeparator(QStringLiteral("Tire04"));
 
     QAction* mnuNewItem
-        = addOperation(QStringLiteral("mnuNewItem"), QStringLiteral("New Item"), EditOperations::newItem);
+        = addOperation(QStringLiteral("mnuNewItem"), QStringLiteral("&New Item"), EditOperations::newItem);
     mnuNewItem->setShortcut(QKeySequence(Qt::Key_Insert));
-    QAction* mnuRename = addOperation(QStringLiteral("mnuRename"), QStringLiteral("Rename"), EditOperations::rename);
+    QAction* mnuRename = addOperation(QStringLiteral("mnuRename"), QStringLiteral("Rena&me"), EditOperations::rename);
     mnuRename->setShortcut(QKeySequence(Qt::Key_F2));
     m_itemEntries += { mnuNewItem, mnuRename };
     m_treeEntries += { mnuNewItem, mnuRename };
 
-    QMenu* mnuSpecial = m_menu->addMenu(QStringLiteral("Special items"));
+    QMenu* mnuSpecial = m_menu->addMenu(QStringLiteral("Spec&ial items"));
     mnuSpecial->setObjectName(QStringLiteral("mnuSpecial"));
     mnuSpecial->menuAction()->setObjectName(QStringLiteral("mnuSpecial"));
     const QStringList specialCaptions
+        = { QStringLiteral("$&audiostream$"), QStringLiteral("$&subtitlestream$"), QStringLiteral("$s&electedfile$") };
+    const QStringList specialTexts
         = { QStringLiteral("$audiostream$"), QStringLiteral("$subtitlestream$"), QStringLiteral("$selectedfile$") };
     for (int index = 0; index < specialCaptions.size(); ++index) {
         QAction* special = mnuSpecial->addAction(specialCaptions.at(index));
         special->setObjectName(QStringLiteral("mnuSpecialItems") + QString::number(index));
-        connect(special, &QAction::triggered, this, [this, caption = specialCaptions.at(index)] {
+        // The text a node takes from the entry: its caption without the access key.
+        special->setData(specialTexts.at(index));
+        connect(special, &QAction::triggered, this, [this, text = specialTexts.at(index)] {
             EditArguments arguments;
-            arguments.text = caption;
+            arguments.text = text;
             m_session.run(EditOperations::specialItem, arguments);
         });
         m_itemEntries.append(special);
     }
     addSeparator(QStringLiteral("Tire08"));
 
-    QAction* mnuCut = addOperation(QStringLiteral("mnuCut"), QStringLiteral("Cut"), EditOperations::cut);
+    QAction* mnuCut = addOperation(QStringLiteral("mnuCut"), QStringLiteral("Cu&t"), EditOperations::cut);
     mnuCut->setShortcut(QKeySequence::Cut);
-    QAction* mnuCopy = addOperation(QStringLiteral("mnuCopy"), QStringLiteral("Copy"), EditOperations::copy);
+    QAction* mnuCopy = addOperation(QStringLiteral("mnuCopy"), QStringLiteral("&Copy"), EditOperations::copy);
     mnuCopy->setShortcut(QKeySequence::Copy);
-    m_mnuPaste = addOperation(QStringLiteral("mnuPaste"), QStringLiteral("Paste"), EditOperations::paste);
+    m_mnuPaste = addOperation(QStringLiteral("mnuPaste"), QStringLiteral("&Paste"), EditOperations::paste);
     m_mnuPaste->setShortcut(QKeySequence::Paste);
     QAction* mnuDuplicate
-        = addOperation(QStringLiteral("mnuDuplicate"), QStringLiteral("Duplicate"), EditOperations::duplicate);
+        = addOperation(QStringLiteral("mnuDuplicate"), QStringLiteral("Dup&licate"), EditOperations::duplicate);
     mnuDuplicate->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
     m_itemEntries += { mnuCut, mnuCopy, mnuDuplicate };
     m_treeEntries += { mnuCut, mnuCopy, m_mnuPaste, mnuDuplicate };
     QAction* mnuDelete
-        = addOperation(QStringLiteral("mnuDelete"), QStringLiteral("Delete"), EditOperations::deleteItem);
+        = addOperation(QStringLiteral("mnuDelete"), QStringLiteral("&Delete"), EditOperations::deleteItem);
     mnuDelete->setShortcut(QKeySequence::Delete);
     m_itemEntries.append(mnuDelete);
     m_treeEntries.append(mnuDelete);
-    QAction* mnuReplace = addEntry(QStringLiteral("mnuReplace"), QStringLiteral("Replace"));
+    QAction* mnuReplace = addEntry(QStringLiteral("mnuReplace"), QStringLiteral("R&eplace"));
     // Ctrl+H, and the platform's own Replace key where it has another one.
     QList<QKeySequence> replaceKeys { QKeySequence(Qt::CTRL | Qt::Key_H) };
     for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::Replace)) {
@@ -94,24 +98,24 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     m_documentEntries.append(mnuFind);
     addSeparator(QStringLiteral("Tire05"));
 
-    m_mnuSelectCopy = addOperation(QStringLiteral("mnuSelectCopy"), QStringLiteral("Select an item to copy"),
+    m_mnuSelectCopy = addOperation(QStringLiteral("mnuSelectCopy"), QStringLiteral("&Select an item to copy"),
                                    EditOperations::selectCopy);
-    m_documentEntries.append(addOperation(QStringLiteral("mnuLFCopyCommand"), QStringLiteral("Look for CopyCommand"),
+    m_documentEntries.append(addOperation(QStringLiteral("mnuLFCopyCommand"), QStringLiteral("Loo&k for CopyCommand"),
                                           EditOperations::lookForCopyCommand));
     m_documentEntries.append(addOperation(QStringLiteral("mnuUncheckCopyCommand"),
-                                          QStringLiteral("Uncheck all CopyCommand"),
+                                          QStringLiteral("Uncheck &all CopyCommand"),
                                           EditOperations::uncheckAllCopyCommand));
     addSeparator(QStringLiteral("Tire10"));
 
-    m_mnuCopyComDup = addEntry(QStringLiteral("mnuCopyComDup"), QStringLiteral("CopyCommand at Duplication"));
+    m_mnuCopyComDup = addEntry(QStringLiteral("mnuCopyComDup"), QStringLiteral("C&opyCommand at Duplication"));
     m_mnuCopyComDup->setCheckable(true);
     connect(m_mnuCopyComDup, &QAction::triggered, &m_main, &MainWindow::toggleCopyCommandDup);
     QAction* mnuRefresh
-        = addOperation(QStringLiteral("mnuRefresh"), QStringLiteral("Refresh List"), EditOperations::refreshList);
+        = addOperation(QStringLiteral("mnuRefresh"), QStringLiteral("Re&fresh List"), EditOperations::refreshList);
     mnuRefresh->setShortcut(QKeySequence(Qt::Key_F5));
     m_documentEntries.append(mnuRefresh);
 
-    QMenu* mnuHide = m_menu->addMenu(QStringLiteral("Hide items"));
+    QMenu* mnuHide = m_menu->addMenu(QStringLiteral("&Hide items"));
     mnuHide->setObjectName(QStringLiteral("mnuHide"));
     mnuHide->menuAction()->setObjectName(QStringLiteral("mnuHide"));
     m_documentEntries.append(mnuHide->menuAction());
@@ -129,10 +133,10 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
               return entry;
           };
     m_mnuHideCopies
-        = addHideEntry(QStringLiteral("mnuHideCopies"), QStringLiteral("... copied"), EditOperations::hideCopies);
-    m_mnuHideWCommand = addHideEntry(QStringLiteral("mnuHideWCommand"), QStringLiteral("... without command"),
+        = addHideEntry(QStringLiteral("mnuHideCopies"), QStringLiteral("... &copied"), EditOperations::hideCopies);
+    m_mnuHideWCommand = addHideEntry(QStringLiteral("mnuHideWCommand"), QStringLiteral("... &without command"),
                                      EditOperations::hideWithoutCommand);
-    m_mnuHideBoth = addHideEntry(QStringLiteral("mnuHideBoth"), QStringLiteral("... both"), EditOperations::hideBoth);
+    m_mnuHideBoth = addHideEntry(QStringLiteral("mnuHideBoth"), QStringLiteral("... &both"), EditOperations::hideBoth);
 
     for (QAction* entry : std::as_const(m_treeEntries)) {
         entry->setShortcutContext(Qt::WidgetShortcut);

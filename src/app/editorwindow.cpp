@@ -5,8 +5,11 @@
 
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
+#include "app/plaintooltip.h"
 #include "core/applicationstate.h"
 #include "core/editingsession.h"
+#include "core/statuspanels.h"
+#include "core/tooltiptexts.h"
 #include "editing/itemcreation.h"
 #include "editing/itemmoving.h"
 #include "editing/itempanel.h"
@@ -24,8 +27,10 @@
 #include <QCloseEvent>
 #include <QDrag>
 #include <QFrame>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
@@ -36,6 +41,8 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSplitter>
+#include <QStyle>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 namespace {
@@ -91,13 +98,6 @@ int itemIndexOf(const MenuDocument& document, const QString& key, const char* so
     return index;
 }
 
-/// "(position ; children)" of the status bar's panel 6.
-QString positionText(const MenuItem& item)
-{
-    return QStringLiteral("(") + QString::number(item.siblingOrder) + QStringLiteral(" ; ")
-        + QString::number(item.childCount) + QStringLiteral(")");
-}
-
 /// Suspends painting of a widget for the length of a scope, as it was before.
 class PaintingSuspended
 {
@@ -130,7 +130,7 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
     , m_documentIndex(documentIndex)
 {
     setObjectName(QStringLiteral("frmEditor"));
-    setWindowTitle(defaultCaption());
+    setCaption(defaultCaption());
     buildLayout();
 
     connect(m_lstMenu, &QTreeWidget::currentItemChanged, this,
@@ -159,6 +159,11 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
     addTreeKey(QKeySequence(Qt::CTRL | Qt::Key_Down), &EditorWindow::cmdDown_Click);
     m_txtItemIndexCopy->installEventFilter(this);
     m_lstMenu->viewport()->installEventFilter(this);
+    m_lstCommand->viewport()->installEventFilter(this);
+    m_lstMenu->setToolTipSource([this](const QString& key) {
+        const MenuDocument& menu = document();
+        return ToolTipTexts::forNode(menu, findItemByKey(menu, key));
+    });
     m_main.attachEditor(*this);
 }
 
@@ -208,11 +213,13 @@ void EditorWindow::buildLayout()
 
     auto* linkBox = new QGroupBox(tr("Copy command"), this);
     linkBox->setObjectName(QStringLiteral("grpCopyCommand"));
-    auto* linkLayout = new QHBoxLayout(linkBox);
-    linkLayout->addWidget(m_chkCopyCommand);
-    linkLayout->addWidget(m_txtItemIndexCopy);
-    linkLayout->addWidget(m_cmdChangeCopy);
-    linkLayout->addStretch(1);
+    // The check box has a row of its own, so that the side stays narrow and leaves room for the tree
+    // when windows are tiled side by side.
+    auto* linkLayout = new QGridLayout(linkBox);
+    linkLayout->addWidget(m_chkCopyCommand, 0, 0, 1, 3, Qt::AlignLeft);
+    linkLayout->addWidget(m_txtItemIndexCopy, 1, 0);
+    linkLayout->addWidget(m_cmdChangeCopy, 1, 1);
+    linkLayout->setColumnStretch(2, 1);
 
     // Moving the selected item among its siblings.
     m_cmdUp = new QPushButton(tr("Move up"), this);
@@ -253,9 +260,11 @@ void EditorWindow::buildLayout()
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(treeSide);
     splitter->addWidget(side);
-    splitter->setStretchFactor(0, 2);
-    splitter->setStretchFactor(1, 3);
-    splitter->setSizes({ 260, 380 });
+    // The two sides keep about 45 : 55 of the width as the window is resized or tiled, so that a
+    // narrow window still shows the captions of the tree.
+    splitter->setStretchFactor(0, 9);
+    splitter->setStretchFactor(1, 11);
+    splitter->setSizes({ 288, 352 });
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
@@ -275,6 +284,16 @@ void EditorWindow::buildLayout()
     m_frm01->hide();
 
     resize(640, 420);
+}
+
+void EditorWindow::setCaption(const QString& caption)
+{
+    m_caption = caption;
+    // "[*]" is where the title shows the unsaved mark; one in the caption itself is doubled so that
+    // it shows as written.
+    QString title = caption;
+    title.replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+    setWindowTitle(title + QStringLiteral("[*]"));
 }
 
 const MenuDocument& EditorWindow::document() const
@@ -372,8 +391,8 @@ void EditorWindow::lstMenu_NodeClick(QTreeWidgetItem* node)
     const MenuDocument& menu = document();
     const int itemIndex = itemIndexOf(menu, m_lstMenu->keyOf(node), "lstMenu_NodeClick");
     const MenuItem& item = menu.items.at(itemIndex);
-    m_main.setStatusPanelText(6, positionText(item));
-    m_main.setStatusPanelText(2, QString::number(itemIndex));
+    showStatusPanel(6, StatusPanels::positionOf(item));
+    showStatusPanel(2, QString::number(itemIndex));
     windowState().nodeClicked = true;
     {
         FlagScope selecting(m_selectingNode);
@@ -535,6 +554,15 @@ void EditorWindow::showChoosingColour(bool choosing)
     // Styles that draw buttons themselves take the colour from a style sheet only.
     m_cmdChangeCopy->setStyleSheet(
         QStringLiteral("QPushButton { background-color: %1; }").arg(choosingColour().name()));
+}
+
+void EditorWindow::showStatusPanel(int panel, const QString& text)
+{
+    // The status bar tells of the active window only; a window changed while another is active (the
+    // target of a drop) shows its values when it is activated.
+    if (m_main.activeDocumentIndex() == m_documentIndex) {
+        m_main.setStatusPanelText(panel, text);
+    }
 }
 
 void EditorWindow::showNoItem()
@@ -711,7 +739,7 @@ void EditorWindow::applyStep(const TreeStep& step)
     case TreeStep::Kind::ShowPosition: {
         const MenuDocument& menu = document();
         const MenuItem& item = menu.items.at(itemIndexOf(menu, step.key, "ShowPosition"));
-        m_main.setStatusPanelText(6, positionText(item));
+        showStatusPanel(6, StatusPanels::positionOf(item));
         break;
     }
     case TreeStep::Kind::ShowBusy:
@@ -825,8 +853,53 @@ void EditorWindow::onRootCollapsed()
     }
 }
 
+QString EditorWindow::linkTargetToolTip() const
+{
+    const SelectedNode selected = selectedNode();
+    if (!selected.isItem()) {
+        return QString();
+    }
+    const MenuDocument& menu = document();
+    return ToolTipTexts::forLinkTarget(menu, findItemByKey(menu, selected.key));
+}
+
+QString EditorWindow::commandToolTip(int row) const
+{
+    const QListWidgetItem* line = m_lstCommand->item(row);
+    if (line == nullptr) {
+        return QString();
+    }
+    // The list scrolls rather than cutting its lines short, so a line is too long when part of it
+    // lies outside the visible width; the text starts a small margin in from the row's edge.
+    const QRect rowRect = m_lstCommand->visualItemRect(line);
+    const int margin = m_lstCommand->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_lstCommand) + 1;
+    const int textRight
+        = rowRect.left() + margin + m_lstCommand->fontMetrics().horizontalAdvance(line->text()) + margin;
+    if (rowRect.left() >= 0 && textRight <= m_lstCommand->viewport()->width()) {
+        return QString();
+    }
+    return ToolTipTexts::forCommandLine(line->text());
+}
+
 bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::ToolTip && (watched == m_txtItemIndexCopy || watched == m_lstCommand->viewport())) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        QString text;
+        QRect area;
+        if (watched == m_txtItemIndexCopy) {
+            text = linkTargetToolTip();
+        } else if (const QListWidgetItem* line = m_lstCommand->itemAt(help->pos())) {
+            text = commandToolTip(m_lstCommand->row(line));
+            area = m_lstCommand->visualItemRect(line);
+        }
+        if (text.isEmpty()) {
+            QToolTip::hideText();
+        } else {
+            QToolTip::showText(help->globalPos(), plainToolTip(text), static_cast<QWidget*>(watched), area);
+        }
+        return true;
+    }
     if (watched == m_txtItemIndexCopy && event->type() == QEvent::MouseButtonDblClick) {
         // Following the link: the target becomes the selected item.
         m_main.session().run(m_documentIndex, EditOperations::followLink);

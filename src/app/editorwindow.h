@@ -43,6 +43,10 @@ public:
     ~EditorWindow() override;
 
     qint16 documentIndex() const { return m_documentIndex; }
+    /// The window's caption: the menu's file name, or "New menu N". The title bar shows it with a
+    /// mark while the menu has unsaved changes (setWindowModified).
+    QString caption() const { return m_caption; }
+    void setCaption(const QString& caption);
     /// The document this window shows.
     const MenuDocument& document() const;
 
@@ -93,6 +97,13 @@ public:
     /// Whether the window is choosing a link target (its button is pressed).
     bool isChoosingLinkTarget() const;
 
+    /// The tooltip of the link-target field: the caption of the shown item's link target; empty when
+    /// it has none.
+    QString linkTargetToolTip() const;
+    /// The tooltip of line `row` of the command list: the whole line when it is too long to show in
+    /// the list's width, otherwise empty.
+    QString commandToolTip(int row) const;
+
     /// Closes the window as the user would (asking to save when the document is not saved).
     bool closeWindow();
 
@@ -114,6 +125,7 @@ private:
     void placeBusyNotice();
     void refreshFindBar();
     void showNoItem();
+    void showStatusPanel(int panel, const QString& text);
     void updateLinkControls();
     void startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button);
     void onNodeDraggedOver(QTreeWidgetItem* node);
@@ -129,6 +141,7 @@ private:
 
     MainWindow& m_main;
     const qint16 m_documentIndex;
+    QString m_caption;
     /// True while the window itself changes the tree's current node, so that only the user's
     /// moves through the tree count as clicks.
     bool m_selectingNode = false;

@@ -1,5 +1,6 @@
 #include "itemtree.h"
 
+#include "app/plaintooltip.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
 #include "treeview/nodestyle.h"
@@ -13,9 +14,11 @@
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QFont>
+#include <QHelpEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QSignalBlocker>
+#include <QToolTip>
 #include <QVariant>
 
 #include <algorithm>
@@ -139,6 +142,10 @@ ItemTree::ItemTree(QWidget* parent)
     setDragEnabled(false);
     setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
+    // The nesting of submenus must be visible at a glance: the style's own indentation and expand
+    // markers, on the root too. A narrower indentation leaves the markers as dots.
+    resetIndentation();
+    setRootIsDecorated(true);
     connect(this, &QTreeWidget::itemCollapsed, this, &ItemTree::onItemCollapsed);
 }
 
@@ -383,6 +390,33 @@ void ItemTree::setDropHighlight(QTreeWidgetItem* node)
     }
 }
 
+QString ItemTree::toolTipOf(const QTreeWidgetItem* node) const
+{
+    const QString key = keyOf(node);
+    if (key.isEmpty() || !m_toolTipSource) {
+        return QString();
+    }
+    return m_toolTipSource(key);
+}
+
+bool ItemTree::viewportEvent(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return QTreeWidget::viewportEvent(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    QTreeWidgetItem* node = itemAt(help->pos());
+    const QString text = toolTipOf(node);
+    if (text.isEmpty()) {
+        QToolTip::hideText();
+        event->ignore();
+    } else {
+        // The tip stays while the pointer is on the same node and goes when it leaves it.
+        QToolTip::showText(help->globalPos(), plainToolTip(text), viewport(), visualItemRect(node));
+    }
+    return true;
+}
+
 void ItemTree::mousePressEvent(QMouseEvent* event)
 {
     m_pressPos = event->position().toPoint();
@@ -533,8 +567,6 @@ void ItemTree::generate(const MenuDocument& document)
             current->setExpanded(true);
         }
     }
-
-    setIndentation(2);
 }
 
 void ItemTree::showRootText(int hideMode)

@@ -21,6 +21,8 @@ struct MenuDocument;
 ///
 /// Nodes must be added and removed through addNode, removeNode, clearNodes and generate only;
 /// the collection does not follow items inserted or deleted through QTreeWidget directly.
+///
+/// The tree indents each level by the style's usual amount and shows expand markers, root included.
 class ItemTree : public QTreeWidget
 {
     Q_OBJECT
@@ -76,10 +78,10 @@ public:
     QString fullPath(const QTreeWidgetItem* node) const;
 
     /// Rebuilds the tree from `document` under its hide mode: the root "Root" / "KELV", one node per
-    /// shown item (see planTree), the whole tree expanded (down to expandedLevels) and styled,
-    /// indentation 2. Painting is suspended for the whole rebuild and resumed at its end. Selecting a
-    /// node afterwards and the root's final text (showRootText) are left to the editor window, which
-    /// shows the first item while the root still reads "KELV".
+    /// shown item (see planTree), the whole tree expanded (down to expandedLevels) and styled.
+    /// Painting is suspended for the whole rebuild and resumed at its end. Selecting a node
+    /// afterwards and the root's final text (showRootText) are left to the editor window, which shows
+    /// the first item while the root still reads "KELV".
     void generate(const MenuDocument& document);
     /// The last step of a rebuild: the root's text tells whether items may be hidden ("KELV" or
     /// "KELV (Some items may be hidded)").
@@ -104,6 +106,12 @@ public:
     /// rebuilding the tree. A node whose key names no item any more is left black and not bold.
     void colorize(const MenuDocument& document);
 
+    /// Where the tooltip of a node comes from: asked with the node's key when the pointer rests on
+    /// it, so that it tells how the item stands at that moment. An empty text shows no tooltip.
+    void setToolTipSource(std::function<QString(const QString& key)> source) { m_toolTipSource = std::move(source); }
+    /// The tooltip of `node`; empty when it has none.
+    QString toolTipOf(const QTreeWidgetItem* node) const;
+
 Q_SIGNALS:
     /// A label edit has started on the node `key` (BeforeLabelEdit).
     void labelEditStarted(const QString& key);
@@ -123,6 +131,7 @@ Q_SIGNALS:
     void nodeDropped(QTreeWidgetItem* node, const QPoint& globalPos);
 
 protected:
+    bool viewportEvent(QEvent* event) override;
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -158,4 +167,5 @@ private:
     /// Whether the open label edit was confirmed, and with which text.
     bool m_labelCommitted = false;
     QString m_committedText;
+    std::function<QString(const QString& key)> m_toolTipSource;
 };

@@ -8,6 +8,7 @@
 #include "app/optionsdialog.h"
 #include "app/replacedialog.h"
 #include "core/aboutinfo.h"
+#include "core/accesskeys.h"
 #include "core/commandlinemenu.h"
 #include "core/documentfile.h"
 #include "core/editmenustate.h"
@@ -16,6 +17,7 @@
 #include "core/newmenudocument.h"
 #include "core/optionsstore.h"
 #include "core/programfolder.h"
+#include "core/statuspanels.h"
 #include "core/userprompts.h"
 #include "history/editingoperation.h"
 #include "menufile/menufilereader.h"
@@ -32,11 +34,14 @@
 #include <QFileInfo>
 #include <QKeySequence>
 #include <QLabel>
+#include <QLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPalette>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -56,6 +61,13 @@ QString fileDialogFilter()
 QString lineEnd()
 {
     return QStringLiteral("\r\n");
+}
+
+/// What the empty area says while no menu is open.
+QString noMenuHint()
+{
+    return QStringLiteral("No menu is open.\n\nOpen a menu with %1, or drop .ini files here.")
+        .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText));
 }
 
 /// The folder for the files the editor writes beside itself (Recent.ini, the autosave files): the
@@ -92,6 +104,22 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     setCentralWidget(m_mdiArea);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
 
+    // With no menu open the area says how to get one; the label lets clicks and drops through.
+    m_lblNoMenu = new QLabel(noMenuHint(), m_mdiArea->viewport());
+    m_lblNoMenu->setObjectName(QStringLiteral("lblNoMenu"));
+    m_lblNoMenu->setAlignment(Qt::AlignCenter);
+    m_lblNoMenu->setWordWrap(true);
+    m_lblNoMenu->setAttribute(Qt::WA_TransparentForMouseEvents);
+    QFont hintFont = m_lblNoMenu->font();
+    if (hintFont.pointSizeF() > 0) {
+        hintFont.setPointSizeF(hintFont.pointSizeF() * 1.2);
+    }
+    m_lblNoMenu->setFont(hintFont);
+    QPalette hintPalette = m_lblNoMenu->palette();
+    hintPalette.setColor(QPalette::WindowText, hintPalette.color(QPalette::Light));
+    m_lblNoMenu->setPalette(hintPalette);
+    m_mdiArea->viewport()->installEventFilter(this);
+
     // The autosave file of an edit is written on a second thread; its result is collected soon after.
     m_autosaveCheck = new QTimer(this);
     m_autosaveCheck->setSingleShot(true);
@@ -105,9 +133,36 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     m_editMenu->copyCommandDupEntry()->setChecked(m_state.options().copyCommandDup);
     m_recent.loadRecentList();
     syncRecentEntries();
+    // Until a file is chosen, the dialogs start where the newest menu of the last session lies.
+    if (m_recent.entry(0).visible) {
+        noteFolderUsed(m_recent.entry(0).caption);
+    }
     updateMenus();
 
-    resize(1000, 700);
+    fitIntoScreen();
+}
+
+void MainWindow::fitIntoScreen()
+{
+    // A comfortable size on a usual screen, but never more than the screen has room for: at a large
+    // scale factor the screen holds far fewer logical pixels. A tenth is left for the frame the
+    // window manager adds and for panels beside the work area.
+    const QRect available = screen()->availableGeometry();
+    const QSize room = available.size() * 9 / 10;
+    resize(QSize(1000, 700).boundedTo(room).expandedTo(minimumSizeHint()));
+    move(available.left() + (available.width() - width()) / 2, available.top() + (available.height() - height()) / 2);
+}
+
+QRect MainWindow::editorArea()
+{
+    // Before the main window is first shown its layout has not run yet; running it now gives the area
+    // the size it will have. The viewport itself only follows once the area is shown, but it is the
+    // area's whole inside as long as no window sticks out of it.
+    if (!m_mdiArea->isVisible()) {
+        layout()->activate();
+        return QRect(QPoint(0, 0), m_mdiArea->contentsRect().size());
+    }
+    return m_mdiArea->viewport()->rect();
 }
 
 MainWindow::~MainWindow()
@@ -144,21 +199,25 @@ void MainWindow::buildMenus()
     // Entries whose commands are not available yet stay visible but disabled.
     // File
     m_mnuFile = namedMenu(nullptr, QStringLiteral("mnuFile"), QStringLiteral("&File"));
-    QAction* mnuNew = addEntry(m_mnuFile, QStringLiteral("mnuNew"), QStringLiteral("New"));
+    QAction* mnuNew = addEntry(m_mnuFile, QStringLiteral("mnuNew"), QStringLiteral("&New"));
     mnuNew->setShortcut(QKeySequence::New);
     connect(mnuNew, &QAction::triggered, this, &MainWindow::mnuNew_Click);
-    QAction* mnuOpen = addEntry(m_mnuFile, QStringLiteral("mnuOpen"), QStringLiteral("Open"));
+    QAction* mnuOpen = addEntry(m_mnuFile, QStringLiteral("mnuOpen"), QStringLiteral("&Open"));
     mnuOpen->setShortcut(QKeySequence::Open);
     connect(mnuOpen, &QAction::triggered, this, &MainWindow::mnuOpen_Click);
     addSeparator(m_mnuFile, QStringLiteral("Tire01"));
-    m_mnuSave = addEntry(m_mnuFile, QStringLiteral("mnuSave"), QStringLiteral("Save"));
+    m_mnuSave = addEntry(m_mnuFile, QStringLiteral("mnuSave"), QStringLiteral("&Save"));
     m_mnuSave->setShortcut(QKeySequence::Save);
     m_mnuSave->setEnabled(false);
     connect(m_mnuSave, &QAction::triggered, this, &MainWindow::mnuSave_Click);
-    QAction* mnuSaveAs = addEntry(m_mnuFile, QStringLiteral("mnuSaveAs"), QStringLiteral("Save as ..."));
-    connect(mnuSaveAs, &QAction::triggered, this, &MainWindow::mnuSaveAs_Click);
+    m_mnuSaveAs = addEntry(m_mnuFile, QStringLiteral("mnuSaveAs"), QStringLiteral("Save &as ..."));
+    m_mnuSaveAs->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+    connect(m_mnuSaveAs, &QAction::triggered, this, &MainWindow::mnuSaveAs_Click);
+    m_mnuClose = addEntry(m_mnuFile, QStringLiteral("mnuClose"), QStringLiteral("&Close"));
+    m_mnuClose->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+    connect(m_mnuClose, &QAction::triggered, this, &MainWindow::mnuClose_Click);
     addSeparator(m_mnuFile, QStringLiteral("Tire11"));
-    QAction* mnuOptions = addEntry(m_mnuFile, QStringLiteral("mnuOptions"), QStringLiteral("Options"));
+    QAction* mnuOptions = addEntry(m_mnuFile, QStringLiteral("mnuOptions"), QStringLiteral("O&ptions"));
     connect(mnuOptions, &QAction::triggered, this, &MainWindow::showOptions);
     addSeparator(m_mnuFile, QStringLiteral("Tire02"));
     for (int entry = 0; entry < RecentFileList::EntryCount; ++entry) {
@@ -170,7 +229,7 @@ void MainWindow::buildMenus()
     addSeparator(m_mnuFile, QStringLiteral("Tire03"));
     m_tire03 = m_mnuFile->actions().constLast();
     m_tire03->setVisible(false);
-    QAction* mnuQuit = addEntry(m_mnuFile, QStringLiteral("mnuQuit"), QStringLiteral("Quit"));
+    QAction* mnuQuit = addEntry(m_mnuFile, QStringLiteral("mnuQuit"), QStringLiteral("&Quit"));
     mnuQuit->setShortcut(QKeySequence::Quit);
     if (mnuQuit->shortcut().isEmpty()) {
         mnuQuit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -184,12 +243,15 @@ void MainWindow::buildMenus()
 
     // Window
     m_mnuWindow = namedMenu(nullptr, QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
-    QAction* mnuCascade = addEntry(m_mnuWindow, QStringLiteral("mnuCascade"), QStringLiteral("Cascade"));
+    QAction* mnuCascade = addEntry(m_mnuWindow, QStringLiteral("mnuCascade"), QStringLiteral("&Cascade"));
+    m_arrangeEntries.append(mnuCascade);
     connect(mnuCascade, &QAction::triggered, m_mdiArea, &QMdiArea::cascadeSubWindows);
-    QAction* mnuHorizontal = addEntry(m_mnuWindow, QStringLiteral("mnuHorizontal"), QStringLiteral("Tile Hozizontal"));
+    QAction* mnuHorizontal = addEntry(m_mnuWindow, QStringLiteral("mnuHorizontal"), QStringLiteral("Tile &Hozizontal"));
     connect(mnuHorizontal, &QAction::triggered, this, [this]() { tileWindows(Qt::Horizontal); });
-    QAction* mnuVertical = addEntry(m_mnuWindow, QStringLiteral("mnuVertical"), QStringLiteral("Tile Vertical"));
+    m_arrangeEntries.append(mnuHorizontal);
+    QAction* mnuVertical = addEntry(m_mnuWindow, QStringLiteral("mnuVertical"), QStringLiteral("Tile &Vertical"));
     connect(mnuVertical, &QAction::triggered, this, [this]() { tileWindows(Qt::Vertical); });
+    m_arrangeEntries.append(mnuVertical);
     addSeparator(m_mnuWindow, QStringLiteral("Tire09"));
     QAction* designEntry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName0"), QStringLiteral("window1"));
     designEntry->setData(0);
@@ -215,12 +277,12 @@ void MainWindow::buildMenus()
     m_mnuNodes = new QMenu(this);
     m_mnuNodes->setObjectName(QStringLiteral("mnuNodes"));
     m_mnuNodesInsertSub
-        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertSub"), QStringLiteral("Insert as subitem of"));
+        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertSub"), QStringLiteral("Insert as &subitem of"));
     m_mnuNodesInsertNext
-        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert next to"));
+        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert &next to"));
     // The entries only note the choice; the drop goes on once the menu has closed.
     const auto addDropChoice = [this](QMenu* menu, const QString& name, bool asChild, bool copy) {
-        QAction* entry = addEntry(menu, name, copy ? QStringLiteral("Copy") : QStringLiteral("Move"));
+        QAction* entry = addEntry(menu, name, copy ? QStringLiteral("&Copy") : QStringLiteral("&Move"));
         connect(entry, &QAction::triggered, this, [this, asChild, copy] {
             DragState& drag = m_state.editing().drag;
             drag.dropAsChild = asChild;
@@ -240,7 +302,7 @@ void MainWindow::buildStatusBar()
     // Panels 2, 4 and 6 hold the selected item's index, the item count and the selected item's
     // place among its siblings with its number of children; 1, 3 and 5 caption them.
     const QStringList texts = { tr("Item index:"), QString(),       tr("Item count:"),
-                                QString(),         tr("Position:"), QStringLiteral("(Position ; Children)") };
+                                QString(),         tr("Position:"), StatusPanels::designPosition() };
     for (int panel = 0; panel < texts.size(); ++panel) {
         auto* label = new QLabel(texts.at(panel), this);
         label->setObjectName(QStringLiteral("pnl") + QString::number(panel + 1));
@@ -264,6 +326,17 @@ void MainWindow::setStatusPanelText(int panel, const QString& text)
 void MainWindow::showItemCount(int count)
 {
     setStatusPanelText(4, QString::number(count));
+}
+
+void MainWindow::showActiveStatus()
+{
+    StatusPanels panels;
+    if (const EditorWindow* active = activeEditor()) {
+        panels = StatusPanels::of(active->document(), active->selectedNode().key);
+    }
+    setStatusPanelText(2, panels.itemIndex);
+    setStatusPanelText(4, panels.itemCount);
+    setStatusPanelText(6, panels.position);
 }
 
 QString MainWindow::activeDocumentTag() const
@@ -320,6 +393,16 @@ EditorWindow* MainWindow::createEditor(qint16 index)
     auto* editor = new EditorWindow(*this, index);
     QMdiSubWindow* frame = m_mdiArea->addSubWindow(editor);
     frame->setAttribute(Qt::WA_DeleteOnClose);
+    // The frame's own Close entry may carry File > Close's key; a key on two entries does nothing.
+    if (QMenu* systemMenu = frame->systemMenu()) {
+        const QList<QAction*> entries = systemMenu->actions();
+        for (QAction* entry : entries) {
+            QList<QKeySequence> keys = entry->shortcuts();
+            if (keys.removeAll(m_mnuClose->shortcut()) > 0) {
+                entry->setShortcuts(keys);
+            }
+        }
+    }
     m_state.setEditor(index, editor);
 
     QAction* entry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName") + QString::number(index), QString());
@@ -328,6 +411,14 @@ EditorWindow* MainWindow::createEditor(qint16 index)
     connect(entry, &QAction::triggered, this, [this, index]() { activateEditor(index); });
     m_mnuWindowName.append(entry);
 
+    const QRect area = editorArea();
+    if (m_state.openDocumentIndexes().size() == 1) {
+        // The first menu gets the whole area (its title bar still showing its name and unsaved mark).
+        frame->setGeometry(area);
+    } else {
+        // Later ones take two thirds of it, placed by the area where they cover the others least.
+        frame->resize((area.size() * 2 / 3).expandedTo(frame->minimumSizeHint()));
+    }
     frame->show();
     activateEditor(index);
     return editor;
@@ -382,20 +473,17 @@ void MainWindow::editorActivated(qint16 index)
 {
     m_state.setActiveDocumentIndex(index);
     updateMenus();
-    try {
-        showItemCount(int(m_state.document(index).items.size()));
-    } catch (const RunTimeError& error) {
-        showRunTimeError(error);
-    }
+    // The panels belong to the window now active: its selected item and its item count.
+    showActiveStatus();
 }
 
 void MainWindow::setEditorCaption(qint16 index, const QString& caption)
 {
     if (EditorWindow* editor = this->editor(index)) {
-        editor->setWindowTitle(caption);
+        editor->setCaption(caption);
     }
     if (index >= 1 && index < m_mnuWindowName.size()) {
-        m_mnuWindowName.at(index)->setText(caption);
+        m_mnuWindowName.at(index)->setText(AccessKeys::onFirstLetter(caption));
         m_mnuWindowName.at(index)->setVisible(true);
     }
 }
@@ -407,10 +495,12 @@ void MainWindow::editorClosed(qint16 index)
     }
     m_state.clearEditor(index);
     if (m_state.activeDocumentIndex() == index) {
-        // The area activates the next editor window, if any, once this one is gone.
+        // The area activates the next editor window, if any, once this one is gone; until then, and
+        // for good after the last one, nothing is shown of a window that is no longer there.
         m_state.setActiveDocumentIndex(0);
-        updateMenus();
+        showActiveStatus();
     }
+    updateMenus();
 }
 
 void MainWindow::regenerateTree(qint16 index)
@@ -453,8 +543,10 @@ void MainWindow::mnuNew_Click()
 
 void MainWindow::mnuOpen_Click()
 {
-    const QString path = m_prompts.askOpenFileName(fileDialogTitle(), fileDialogFilter());
+    const QString path
+        = m_prompts.askOpenFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(activeDocumentIndex()));
     if (!path.isEmpty()) {
+        noteFolderUsed(path);
         openMenu(path, QFileInfo(path).fileName());
     }
 }
@@ -499,6 +591,7 @@ qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
         showRunTimeError(error);
     }
     setEditorCaption(index, fileTitle);
+    noteFolderUsed(path);
     m_recent.addRecentFile(path);
     syncRecentEntries();
     return index;
@@ -519,6 +612,7 @@ bool MainWindow::writeDocument(qint16 index, const QString& path)
         return false;
     }
     updateSaveEntry();
+    updateUnsavedMarks();
     return true;
 }
 
@@ -543,6 +637,13 @@ void MainWindow::updateSaveEntry()
     m_mnuSave->setEnabled(enabled && !m_state.anyLinkTargetChoice());
 }
 
+void MainWindow::updateUnsavedMarks()
+{
+    for (const qint16 index : m_state.openDocumentIndexes()) {
+        editor(index)->setWindowModified(!m_state.document(index).saved);
+    }
+}
+
 void MainWindow::mnuSave_Click()
 {
     const qint16 index = m_state.activeDocumentIndex();
@@ -565,12 +666,34 @@ void MainWindow::mnuSaveAs_Click()
     if (refuseUnsavable(index)) {
         return;
     }
-    const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
+    const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(index));
     if (path.isEmpty()) {
         return;
     }
+    noteFolderUsed(path);
     if (writeDocument(index, path)) {
         setEditorCaption(index, QFileInfo(path).fileName());
+    }
+}
+
+QString MainWindow::dialogFolder(qint16 index) const
+{
+    // The folder of the menu the dialog is for, where it has a file; else the one used last.
+    if (m_state.editor(index) && !m_state.document(index).filePath.isEmpty()) {
+        return QFileInfo(m_state.document(index).filePath).absolutePath();
+    }
+    return m_lastFolder;
+}
+
+void MainWindow::noteFolderUsed(const QString& filePath)
+{
+    m_lastFolder = QFileInfo(filePath).absolutePath();
+}
+
+void MainWindow::mnuClose_Click()
+{
+    if (EditorWindow* active = activeEditor()) {
+        active->closeWindow();
     }
 }
 
@@ -581,10 +704,11 @@ bool MainWindow::saveForClosing(qint16 index)
         if (refuseUnsavable(index)) {
             return false;
         }
-        path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter());
+        path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(index));
         if (path.isEmpty()) {
             return true; // no name given: nothing is written
         }
+        noteFolderUsed(path);
     }
     return writeDocument(index, path);
 }
@@ -622,7 +746,7 @@ bool MainWindow::confirmQuit()
     if (!unsaved.isEmpty()) {
         QString text = QStringLiteral("Do you want to save changes on file : ");
         for (const qint16 index : unsaved) {
-            text += lineEnd() + QStringLiteral("    ") + editor(index)->windowTitle();
+            text += lineEnd() + QStringLiteral("    ") + editor(index)->caption();
         }
         MessageRequest request;
         request.text = text;
@@ -704,12 +828,14 @@ void MainWindow::mnuUndo_Click()
 {
     m_undoController.mnuUndo_Click();
     updateSaveEntry();
+    updateUnsavedMarks();
 }
 
 void MainWindow::mnuRedo_Click()
 {
     m_undoController.mnuRedo_Click();
     updateSaveEntry();
+    updateUnsavedMarks();
     watchAutosave();
 }
 
@@ -812,6 +938,7 @@ void MainWindow::updateMenus()
     const EditorView* view = m_state.editor(index);
     EditMenuState::Input input;
     input.editorActive = view != nullptr;
+    input.editorOpen = !m_state.openDocumentIndexes().isEmpty();
     input.itemSelected = view != nullptr && view->selectedNode().isItem();
     input.choosingLinkTarget = m_state.anyLinkTargetChoice();
     input.clipboardFilled = m_state.editing().clipboardItem.has_value();
@@ -827,13 +954,28 @@ void MainWindow::updateMenus()
             entry->setEnabled(state.menus);
         }
     }
+    m_mnuSaveAs->setEnabled(state.windowEntries);
+    m_mnuClose->setEnabled(state.windowEntries);
+    for (QAction* entry : std::as_const(m_arrangeEntries)) {
+        entry->setEnabled(state.arrangeEntries);
+    }
     updateSaveEntry();
+    updateUnsavedMarks();
     if (state.menus) {
         m_undoManager.updateMenu(view != nullptr ? index : qint16(0));
     }
     m_editMenu->apply(state);
     m_commandMenu->apply(state);
     updateHideMarks();
+    m_lblNoMenu->setVisible(!input.editorOpen);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_mdiArea->viewport() && event->type() == QEvent::Resize) {
+        m_lblNoMenu->setGeometry(m_mdiArea->viewport()->rect());
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::selectionChanged(qint16 index)
@@ -872,9 +1014,10 @@ void MainWindow::execDrag(QDrag* drag)
 void MainWindow::popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo,
                                const QPoint& globalPos)
 {
-    m_mnuNodesInsertSub->setTitle(targetText);
+    // The captions are the nodes' texts, shown as written.
+    m_mnuNodesInsertSub->setTitle(AccessKeys::onFirstLetter(targetText));
     if (nextToo) {
-        m_mnuNodesInsertNext->setTitle(parentText);
+        m_mnuNodesInsertNext->setTitle(AccessKeys::onFirstLetter(parentText));
     }
     m_mnuNodesInsertNext->menuAction()->setVisible(nextToo);
     popupMenu(m_mnuNodes, globalPos);
@@ -930,7 +1073,7 @@ void MainWindow::syncRecentEntries()
 {
     for (int entry = 0; entry < m_mnuRecent.size(); ++entry) {
         const RecentFileList::Entry recent = m_recent.entry(entry);
-        m_mnuRecent.at(entry)->setText(recent.caption);
+        m_mnuRecent.at(entry)->setText(AccessKeys::onFileName(recent.caption));
         m_mnuRecent.at(entry)->setVisible(recent.visible);
     }
     m_tire03->setVisible(m_recent.separatorVisible());

@@ -24,6 +24,7 @@ class OptionsStore;
 class QAction;
 class QDrag;
 class QPoint;
+class QRect;
 class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
@@ -71,6 +72,8 @@ public:
     void mnuSave_Click();
     /// Asks for a file name and writes the active document to it.
     void mnuSaveAs_Click();
+    /// Closes the active editor window, asking to save its menu first when it is not saved.
+    void mnuClose_Click();
     /// Asks once about every unsaved document and ends the program (closes the main window).
     void mnuQuit_Click();
 
@@ -88,6 +91,9 @@ public:
     void regenerateTree(qint16 index) override;
     /// Shows `count` in the item-count panel (panel 4) of the status bar.
     void showItemCount(int count) override;
+    /// Shows the active editor window's selected item and item count in the status bar (panels 2, 4
+    /// and 6); with no active editor window they go blank.
+    void showActiveStatus();
 
     /// Undoes the active document's last recorded edit (also run by the error report of a failed
     /// edit). With no active editor window it goes to the error report.
@@ -128,11 +134,16 @@ public:
     void showRunTimeError(const RunTimeError& error);
     /// Enables Save exactly when the active document has a file and is not saved.
     void updateSaveEntry();
+    /// Marks the title of every editor window whose document is not saved. Runs after everything
+    /// that changes whether a document is saved: every edit (through the editing session), undo and
+    /// redo, saving, opening and creating.
+    void updateUnsavedMarks();
     /// Sets the check marks of the three Hide entries from the active document's hide mode.
     void updateHideMarks();
     /// Brings every menu entry up to date with the active editor window: which can be used (one rule,
     /// EditMenuState), Save, Undo and Redo, and the Hide marks. While a link target is chosen the
-    /// File, Edit, Window and Help menus are off.
+    /// File, Edit, Window and Help menus are off. With no editor window open, the empty area shows
+    /// how to open a menu.
     void updateMenus();
     /// The selected node of the editor window of document `index` has changed.
     void selectionChanged(qint16 index);
@@ -171,6 +182,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -180,6 +192,12 @@ private:
     QAction* addEntry(QMenu* menu, const QString& name, const QString& caption);
     void addSeparator(QMenu* menu, const QString& name);
 
+    /// Sizes the window for the screen it opens on and centres it there.
+    void fitIntoScreen();
+    /// The area editor windows are placed in, in the area's own coordinates.
+    QRect editorArea();
+    /// A new editor window for document `index`: the first one fills the area, later ones take two
+    /// thirds of it.
     EditorWindow* createEditor(qint16 index);
     void discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow, qint16 previousIndex);
     void activateEditor(qint16 index);
@@ -195,6 +213,11 @@ private:
     /// Saves document `index` for closing: to its file, else to a name asked for. False when the
     /// write failed or was refused, true also when the user gave no name.
     bool saveForClosing(qint16 index);
+    /// The folder a file dialog for document `index` starts in: the folder of its file, or for a menu
+    /// without one (or none at all) the folder used last.
+    QString dialogFolder(qint16 index) const;
+    /// `filePath` was chosen in a dialog, opened or written: its folder is the one used last.
+    void noteFolderUsed(const QString& filePath);
     /// The quit question and the saving it asks for. False when quitting stops.
     bool confirmQuit();
 
@@ -214,6 +237,8 @@ private:
     QString m_programFolder;
     /// Where the files the editor writes beside itself go (decided once, it probes the disk).
     QString m_writableFolder;
+    /// The folder of the menu file chosen, opened or written last.
+    QString m_lastFolder;
     ApplicationState m_state;
     RecentFileList m_recent;
     UndoManager m_undoManager;
@@ -236,6 +261,12 @@ private:
     EditMenu* m_editMenu = nullptr;
     ReplaceDialog* m_frmReplace = nullptr;
     QAction* m_mnuSave = nullptr;
+    QAction* m_mnuSaveAs = nullptr;
+    QAction* m_mnuClose = nullptr;
+    /// Cascade and the two Tile entries.
+    QList<QAction*> m_arrangeEntries;
+    /// The hint shown in the empty area while no menu is open.
+    QLabel* m_lblNoMenu = nullptr;
     QAction* m_tire03 = nullptr;
     QAction* m_tire09 = nullptr;
     QList<QAction*> m_mnuRecent;

@@ -68,14 +68,14 @@ UserPrompts::Answer WidgetPrompts::showMessage(const MessageRequest& request)
     return request.buttons == MessageRequest::Buttons::YesNoCancel ? Answer::Cancel : Answer::Ok;
 }
 
-QString WidgetPrompts::askOpenFileName(const QString& title, const QString& filter)
+QString WidgetPrompts::askOpenFileName(const QString& title, const QString& filter, const QString& startFolder)
 {
-    return QFileDialog::getOpenFileName(m_parent.data(), title, QString(), filter);
+    return QFileDialog::getOpenFileName(m_parent.data(), title, startFolder, filter);
 }
 
-QString WidgetPrompts::askSaveFileName(const QString& title, const QString& filter)
+QString WidgetPrompts::askSaveFileName(const QString& title, const QString& filter, const QString& startFolder)
 {
-    QFileDialog dialog(m_parent.data(), title, QString(), filter);
+    QFileDialog dialog(m_parent.data(), title, startFolder, filter);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     // Menu files are found by their extension; a name typed without one still gets it.

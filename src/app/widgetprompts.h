@@ -15,8 +15,8 @@ public:
     void setParentWidget(QWidget* parent) { m_parent = parent; }
 
     Answer showMessage(const MessageRequest& request) override;
-    QString askOpenFileName(const QString& title, const QString& filter) override;
-    QString askSaveFileName(const QString& title, const QString& filter) override;
+    QString askOpenFileName(const QString& title, const QString& filter, const QString& startFolder) override;
+    QString askSaveFileName(const QString& title, const QString& filter, const QString& startFolder) override;
 
     /// The title a box without one of its own gets.
     static QString applicationTitle();

@@ -9,5 +9,8 @@ EditMenuState EditMenuState::decide(const Input& input)
     state.paste = open && input.clipboardFilled;
     state.documentEntries = open && input.editorActive;
     state.selectCopy = state.itemEntries;
+    state.windowEntries = open && input.editorActive;
+    // The active window is one of the open ones, even before the list of open windows knows it.
+    state.arrangeEntries = open && (input.editorOpen || input.editorActive);
     return state;
 }

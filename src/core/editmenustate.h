@@ -1,7 +1,7 @@
 #pragma once
 
-/// Which entries of the Edit menu (and of the menus that go off while a link target is chosen) can
-/// be used, decided in one place from what the active editor window shows.
+/// Which entries of the Edit menu, and of the File and Window menus, can be used, decided in one
+/// place from what the active editor window shows and from which editor windows are open.
 struct EditMenuState
 {
     /// What the rule is decided from.
@@ -9,6 +9,8 @@ struct EditMenuState
     {
         /// An editor window is active.
         bool editorActive = false;
+        /// At least one editor window is open (the active one or another).
+        bool editorOpen = false;
         /// Its tree's selected node stands for an item (not the root, not none).
         bool itemSelected = false;
         /// Copy or Cut has filled the clipboard at least once.
@@ -28,12 +30,17 @@ struct EditMenuState
     bool documentEntries = false;
     /// Select an item to copy: an item must be selected.
     bool selectCopy = false;
+    /// Save as ... and Close of the File menu: they act on the active editor window.
+    bool windowEntries = false;
+    /// Cascade, Tile Hozizontal and Tile Vertical: there must be editor windows to arrange.
+    bool arrangeEntries = false;
 
     static EditMenuState decide(const Input& input);
 
     friend bool operator==(const EditMenuState& left, const EditMenuState& right)
     {
         return left.menus == right.menus && left.itemEntries == right.itemEntries && left.paste == right.paste
-            && left.documentEntries == right.documentEntries && left.selectCopy == right.selectCopy;
+            && left.documentEntries == right.documentEntries && left.selectCopy == right.selectCopy
+            && left.windowEntries == right.windowEntries && left.arrangeEntries == right.arrangeEntries;
     }
 };

@@ -35,7 +35,8 @@ public:
     virtual ~UserPrompts() = default;
 
     virtual Answer showMessage(const MessageRequest& request) = 0;
-    /// The chosen file, or an empty text when the dialog was left without one.
-    virtual QString askOpenFileName(const QString& title, const QString& filter) = 0;
-    virtual QString askSaveFileName(const QString& title, const QString& filter) = 0;
+    /// The chosen file, or an empty text when the dialog was left without one. The dialog starts in
+    /// `startFolder` (empty: wherever the platform starts it).
+    virtual QString askOpenFileName(const QString& title, const QString& filter, const QString& startFolder) = 0;
+    virtual QString askSaveFileName(const QString& title, const QString& filter, const QString& startFolder) = 0;
 };

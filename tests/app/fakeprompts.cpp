@@ -13,15 +13,15 @@ UserPrompts::Answer FakePrompts::showMessage(const MessageRequest& request)
     return answers.takeFirst();
 }
 
-QString FakePrompts::askOpenFileName(const QString& title, const QString& filter)
+QString FakePrompts::askOpenFileName(const QString& title, const QString& filter, const QString& startFolder)
 {
-    fileRequests.append({ FileRequest::Kind::Open, title, filter });
+    fileRequests.append({ FileRequest::Kind::Open, title, filter, startFolder });
     return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
 }
 
-QString FakePrompts::askSaveFileName(const QString& title, const QString& filter)
+QString FakePrompts::askSaveFileName(const QString& title, const QString& filter, const QString& startFolder)
 {
-    fileRequests.append({ FileRequest::Kind::Save, title, filter });
+    fileRequests.append({ FileRequest::Kind::Save, title, filter, startFolder });
     return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
 }
 

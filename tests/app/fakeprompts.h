@@ -18,11 +18,12 @@ public:
         Kind kind = Kind::Open;
         QString title;
         QString filter;
+        QString startFolder;
     };
 
     Answer showMessage(const MessageRequest& request) override;
-    QString askOpenFileName(const QString& title, const QString& filter) override;
-    QString askSaveFileName(const QString& title, const QString& filter) override;
+    QString askOpenFileName(const QString& title, const QString& filter, const QString& startFolder) override;
+    QString askSaveFileName(const QString& title, const QString& filter, const QString& startFolder) override;
 
     /// Answers for the coming Yes/No/Cancel boxes, in order. A box with only OK needs none.
     QList<Answer> answers;

@@ -1,4 +1,5 @@
 #include "guisandbox.h"
+#include "menutexts.h"
 #include "treehelpers.h"
 
 #include "app/editorwindow.h"
@@ -136,7 +137,8 @@ private Q_SLOTS:
         window().setMenuPopup([this](QMenu* menu, const QPoint&) {
             auto* sub = menu->findChild<QMenu*>(QStringLiteral("mnuNodesInsertSub"));
             auto* next = menu->findChild<QMenu*>(QStringLiteral("mnuNodesInsertNext"));
-            m_shownMenus.append({ sub->title(), next->title(), next->menuAction()->isVisible() });
+            m_shownMenus.append({ MenuTexts::visible(sub->title()), MenuTexts::visible(next->title()),
+                                  next->menuAction()->isVisible() });
             if (!m_menuAnswer.isEmpty()) {
                 menu->findChild<QAction*>(m_menuAnswer)->trigger();
             }

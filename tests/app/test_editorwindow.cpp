@@ -6,13 +6,16 @@
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QFrame>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
+#include <QToolTip>
 
 namespace {
 
@@ -116,7 +119,8 @@ private Q_SLOTS:
         MainWindow& window = sandbox.window();
         const qint16 index = window.state().appendDocumentSlot();
         EditorWindow editor(window, index);
-        QCOMPARE(editor.windowTitle(), QStringLiteral("KELV Menu Editor - Form"));
+        QCOMPARE(editor.caption(), QStringLiteral("KELV Menu Editor - Form"));
+        QCOMPARE(editor.windowTitle(), QStringLiteral("KELV Menu Editor - Form[*]"));
         QCOMPARE(editor.documentIndex(), index);
     }
 
@@ -369,6 +373,84 @@ private Q_SLOTS:
         document.items[3].commands = MenuItem::placeholderCommands();
         editor->ColorizeMenu();
         QCOMPARE(tree->nodeByKey(QStringLiteral("E3"))->foreground(0).color(), QColor(0, 0, 0));
+    }
+
+    void nodeTooltipsTellPathCommandsAndLink()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+        QCOMPARE(tree->toolTipOf(tree->nodeByKey(QStringLiteral("E1"))), QStringLiteral("Archive\\Pack\n2 commands"));
+        QCOMPARE(tree->toolTipOf(tree->nodeByKey(QStringLiteral("E2"))),
+                 QStringLiteral("Archive\\Unpack\n2 commands\nUses the commands of \"Pack\""));
+        QVERIFY(tree->toolTipOf(tree->node(1)).isEmpty()); // the root belongs to no item
+
+        // Asked when the pointer rests on the node, so it follows the menu as it stands.
+        sandbox.window().state().document(editor->documentIndex()).items[1].caption = QStringLiteral("Pack all");
+        QVERIFY(sandbox.showWindow());
+        QTreeWidgetItem* unpack = tree->nodeByKey(QStringLiteral("E2"));
+        const QPoint onNode = tree->visualItemRect(unpack).center();
+        QHelpEvent help(QEvent::ToolTip, onNode, tree->viewport()->mapToGlobal(onNode));
+        QApplication::sendEvent(tree->viewport(), &help);
+        QTRY_VERIFY(QToolTip::isVisible());
+        QCOMPARE(QToolTip::text(), QStringLiteral("Archive\\Unpack\n2 commands\nUses the commands of \"Pack all\""));
+        QToolTip::hideText();
+    }
+
+    void linkTargetFieldTellsTheTargetsCaption()
+    {
+        GuiSandbox sandbox;
+        EditorWindow* editor = showDocument(sandbox, linkedDocument());
+        ItemTree* tree = editor->tree();
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E2")));
+        QCOMPARE(editor->linkTargetToolTip(), QStringLiteral("Pack"));
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E3"))); // target kept, link off
+        QCOMPARE(editor->linkTargetToolTip(), QStringLiteral("Pack"));
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E1")));
+        QVERIFY(editor->linkTargetToolTip().isEmpty());
+
+        editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E2")));
+        QVERIFY(sandbox.showWindow());
+        auto* field = control<QLineEdit>(editor, "txtItemIndexCopy");
+        const QPoint inField = field->rect().center();
+        QHelpEvent help(QEvent::ToolTip, inField, field->mapToGlobal(inField));
+        QApplication::sendEvent(field, &help);
+        QTRY_VERIFY(QToolTip::isVisible());
+        QCOMPARE(QToolTip::text(), QStringLiteral("Pack"));
+        QToolTip::hideText();
+    }
+
+    void commandLinesTooLongToShowGetATooltip()
+    {
+        GuiSandbox sandbox;
+        MenuDocument document = linkedDocument();
+        const QString longCommand
+            = QStringLiteral("pack.exe a ") + QString(300, QLatin1Char('x')) + QStringLiteral("||echo done");
+        document.items[3].commands.append({ QStringLiteral("zip"), longCommand });
+        EditorWindow* editor = showDocument(sandbox, document);
+        QVERIFY(sandbox.showWindow());
+        editor->lstMenu_NodeClick(editor->tree()->nodeByKey(QStringLiteral("E3")));
+        auto* list = control<QListWidget>(editor, "lstCommand");
+        QCOMPARE(list->count(), 2);
+        QVERIFY(list->viewport()->width()
+                > list->fontMetrics().horizontalAdvance(QStringLiteral("=del $fs-001$")) + 20);
+        QVERIFY(editor->commandToolTip(0).isEmpty()); // "=del $fs-001$" fits
+        QCOMPARE(editor->commandToolTip(1),
+                 QStringLiteral("zip=pack.exe a\n") + QString(100, QLatin1Char('x')) + QLatin1Char('\n')
+                     + QString(100, QLatin1Char('x')) + QLatin1Char('\n') + QString(100, QLatin1Char('x'))
+                     + QStringLiteral("\necho done"));
+        QVERIFY(editor->commandToolTip(2).isEmpty());
+
+        const QPoint onShortLine = list->visualItemRect(list->item(0)).center();
+        QHelpEvent onShort(QEvent::ToolTip, onShortLine, list->viewport()->mapToGlobal(onShortLine));
+        QApplication::sendEvent(list->viewport(), &onShort);
+        QVERIFY(!QToolTip::isVisible());
+        const QPoint onLongLine(10, list->visualItemRect(list->item(1)).center().y());
+        QHelpEvent onLong(QEvent::ToolTip, onLongLine, list->viewport()->mapToGlobal(onLongLine));
+        QApplication::sendEvent(list->viewport(), &onLong);
+        QTRY_VERIFY(QToolTip::isVisible());
+        QCOMPARE(QToolTip::text(), editor->commandToolTip(1));
+        QToolTip::hideText();
     }
 
     void closingTheEditorAsksTheMainWindow()

@@ -5,6 +5,7 @@
 #include "treeview/hidemode.h"
 #include "treeview/treeplan.h"
 
+#include <QStyle>
 #include <QTest>
 
 using TestMenus::item;
@@ -100,9 +101,28 @@ private Q_SLOTS:
                 QVERIFY2(tree.node(n)->isExpanded(), qPrintable(tree.keyOf(tree.node(n))));
             }
         }
-        QCOMPARE(tree.indentation(), 2);
         QCOMPARE(document.hideMode, 0);
         QVERIFY(tree.updatesEnabled());
+    }
+
+    void nestingShowsWithTheStylesIndentationAndExpandMarkers()
+    {
+        ItemTree tree;
+        MenuDocument document = toolsMenu();
+        generate(tree, document, 0);
+        const int styleIndentation = tree.style()->pixelMetric(QStyle::PM_TreeViewIndentation, nullptr, &tree);
+        QCOMPARE(tree.indentation(), styleIndentation);
+        // Room for an expand marker that reads as one, not a dot.
+        QVERIFY(tree.indentation() >= 10);
+        QVERIFY(tree.rootIsDecorated());
+        QVERIFY(tree.itemsExpandable());
+        generate(tree, document, -3);
+        QCOMPARE(tree.indentation(), styleIndentation);
+        // A child sits one indentation to the right of its parent.
+        tree.resize(300, 300);
+        const QRect parentRow = tree.visualItemRect(tree.nodeByKey(QStringLiteral("E0")));
+        const QRect childRow = tree.visualItemRect(tree.nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(childRow.left() - parentRow.left(), styleIndentation);
     }
 
     void regenerateReplacesEveryNode()

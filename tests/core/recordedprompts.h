@@ -14,8 +14,8 @@ public:
         messages.append(request);
         return Answer::Ok;
     }
-    QString askOpenFileName(const QString&, const QString&) override { return {}; }
-    QString askSaveFileName(const QString&, const QString&) override { return {}; }
+    QString askOpenFileName(const QString&, const QString&, const QString&) override { return {}; }
+    QString askSaveFileName(const QString&, const QString&, const QString&) override { return {}; }
 
     QStringList messageTexts() const
     {

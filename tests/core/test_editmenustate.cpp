@@ -73,9 +73,10 @@ private Q_SLOTS:
         allOff.paste = false;
         allOff.documentEntries = false;
         allOff.selectCopy = false;
-        for (int bits = 0; bits < 8; ++bits) {
-            const EditMenuState state
-                = EditMenuState::decide(input((bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, true));
+        for (int bits = 0; bits < 16; ++bits) {
+            EditMenuState::Input choosing = input((bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, true);
+            choosing.editorOpen = (bits & 8) != 0;
+            const EditMenuState state = EditMenuState::decide(choosing);
             QVERIFY2(state == allOff, qPrintable(QStringLiteral("inputs %1").arg(bits)));
         }
     }
@@ -89,6 +90,36 @@ private Q_SLOTS:
         QVERIFY(!state.itemEntries);
     }
 
+    void fileAndWindowEntriesNeedAnEditorWindow_data()
+    {
+        QTest::addColumn<bool>("editorActive");
+        QTest::addColumn<bool>("editorOpen");
+        QTest::addColumn<bool>("windowEntries");
+        QTest::addColumn<bool>("arrangeEntries");
+
+        QTest::newRow("no window") << false << false << false << false;
+        // Between the active window closing and the next one being activated.
+        QTest::newRow("windows open, none active") << false << true << false << true;
+        QTest::newRow("active window") << true << true << true << true;
+        QTest::newRow("active window not listed yet") << true << false << true << true;
+    }
+
+    void fileAndWindowEntriesNeedAnEditorWindow()
+    {
+        QFETCH(bool, editorActive);
+        QFETCH(bool, editorOpen);
+        QFETCH(bool, windowEntries);
+        QFETCH(bool, arrangeEntries);
+        EditMenuState::Input in = input(editorActive, true, true, false);
+        in.editorOpen = editorOpen;
+        const EditMenuState state = EditMenuState::decide(in);
+        QVERIFY(state.menus);
+        QCOMPARE(state.windowEntries, windowEntries);
+        QCOMPARE(state.arrangeEntries, arrangeEntries);
+        // Save as and Close act on the document the Edit entries act on.
+        QCOMPARE(state.windowEntries, state.documentEntries);
+    }
+
     void nothingOpenLeavesOnlyTheMenusOn()
     {
         const EditMenuState state = EditMenuState::decide(EditMenuState::Input {});
@@ -97,6 +128,8 @@ private Q_SLOTS:
         QVERIFY(!state.paste);
         QVERIFY(!state.documentEntries);
         QVERIFY(!state.selectCopy);
+        QVERIFY(!state.windowEntries);
+        QVERIFY(!state.arrangeEntries);
     }
 };
 

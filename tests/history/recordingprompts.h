@@ -20,8 +20,8 @@ public:
         }
         return Answer::Ok;
     }
-    QString askOpenFileName(const QString&, const QString&) override { return QString(); }
-    QString askSaveFileName(const QString&, const QString&) override { return QString(); }
+    QString askOpenFileName(const QString&, const QString&, const QString&) override { return QString(); }
+    QString askSaveFileName(const QString&, const QString&, const QString&) override { return QString(); }
 
     /// The error report's way of showing a message: a critical box with an OK button, as the main
     /// window shows it.
