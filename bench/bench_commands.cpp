@@ -30,8 +30,8 @@ class SilentPrompts final : public UserPrompts
 {
 public:
     Answer showMessage(const MessageRequest&) override { return Answer::Ok; }
-    QString askOpenFileName(const QString&, const QString&) override { return QString(); }
-    QString askSaveFileName(const QString&, const QString&) override { return QString(); }
+    QString askOpenFileName(const QString&, const QString&, const QString&) override { return QString(); }
+    QString askSaveFileName(const QString&, const QString&, const QString&) override { return QString(); }
 };
 
 /// 1,000 lines of about 60 characters each, with variables, parameter numbers, keywords and the

@@ -195,8 +195,10 @@ void CommandEditorDialog::insertVariable(int entry)
 
 void CommandEditorDialog::loadScript()
 {
-    const QString path = m_prompts.askOpenFileName(QStringLiteral("Select a Tolvexer script ..."),
-                                                   QStringLiteral("Script Files (TVS ; TVP) (*.tvs *.tvp)"));
+    // Scripts usually sit beside the program, where a call names them through "$exepath$".
+    const QString path
+        = m_prompts.askOpenFileName(QStringLiteral("Select a Tolvexer script ..."),
+                                    QStringLiteral("Script Files (TVS ; TVP) (*.tvs *.tvp)"), m_programFolder);
     if (path.isEmpty()) {
         return;
     }

@@ -98,7 +98,7 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     m_documentEntries.append(mnuFind);
     addSeparator(QStringLiteral("Tire05"));
 
-    m_mnuSelectCopy = addOperation(QStringLiteral("mnuSelectCopy"), QStringLiteral("&Select an item to copy"),
+    m_mnuSelectCopy = addOperation(QStringLiteral("mnuSelectCopy"), QStringLiteral("Select an item to cop&y"),
                                    EditOperations::selectCopy);
     m_documentEntries.append(addOperation(QStringLiteral("mnuLFCopyCommand"), QStringLiteral("Loo&k for CopyCommand"),
                                           EditOperations::lookForCopyCommand));
@@ -111,7 +111,7 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     m_mnuCopyComDup->setCheckable(true);
     connect(m_mnuCopyComDup, &QAction::triggered, &m_main, &MainWindow::toggleCopyCommandDup);
     QAction* mnuRefresh
-        = addOperation(QStringLiteral("mnuRefresh"), QStringLiteral("Re&fresh List"), EditOperations::refreshList);
+        = addOperation(QStringLiteral("mnuRefresh"), QStringLiteral("Refre&sh List"), EditOperations::refreshList);
     mnuRefresh->setShortcut(QKeySequence(Qt::Key_F5));
     m_documentEntries.append(mnuRefresh);
 

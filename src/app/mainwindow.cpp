@@ -762,7 +762,7 @@ bool MainWindow::confirmQuit()
             for (const qint16 index : unsaved) {
                 const QList<SaveProblem> problems = documentSaveProblems(m_state.document(index));
                 if (!problems.isEmpty()) {
-                    unsavable.append(UnsavableDocument { editor(index)->windowTitle(), problems });
+                    unsavable.append(UnsavableDocument { editor(index)->caption(), problems });
                 }
             }
             if (!unsavable.isEmpty()) {

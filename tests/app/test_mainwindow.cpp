@@ -609,41 +609,6 @@ private Q_SLOTS:
         QCOMPARE(window.activeDocumentIndex(), qint16(1));
     }
 
-    void openingAMissingFileSaysItIsMissing()
-    {
-        GuiSandbox sandbox;
-        MainWindow& window = sandbox.window();
-        const QString absent = sandbox.menuPath(QStringLiteral("absent.ini"));
-        QCOMPARE(window.openMenu(absent, QStringLiteral("absent.ini")), qint16(0));
-        QCOMPARE(sandbox.prompts().messages,
-                 QList<MessageRequest>({ critical(QStringLiteral("An error occured while opening the file !\r\n\r\n"
-                                                                 "This file does not exist :\r\n    ")
-                                                      + absent,
-                                                  absent + QStringLiteral(": does not exist")) }));
-        QCOMPARE(window.state().lastSlot(), qint16(0));
-        QCOMPARE(window.activeDocumentIndex(), qint16(0));
-        QVERIFY(mdiArea(window)->subWindowList().isEmpty());
-    }
-
-    void openingWhatIsNoMenuFileAtAllShowsTheOpenErrorWithTheReason()
-    {
-        GuiSandbox sandbox;
-        MainWindow& window = sandbox.window();
-        QCOMPARE(window.openMenu(sandbox.menuFolder(), QStringLiteral("menus")), qint16(0));
-        QStringList expectedDetails { sandbox.menuFolder() + QStringLiteral(": is a folder, not a file") };
-        if (QFileInfo::exists(QStringLiteral("/dev/zero"))) {
-            QCOMPARE(window.openMenu(QStringLiteral("/dev/zero"), QStringLiteral("zero")), qint16(0));
-            expectedDetails.append(QStringLiteral("/dev/zero: is not a regular file (a device, a pipe or a socket)"));
-        }
-        QStringList details;
-        for (const MessageRequest& message : sandbox.prompts().messages) {
-            QCOMPARE(message.text, MainWindow::openErrorMessage());
-            details.append(message.details);
-        }
-        QCOMPARE(details, expectedDetails);
-        QCOMPARE(window.state().lastSlot(), qint16(0));
-    }
-
     void openDialogAsksForAMenuFile()
     {
         GuiSandbox sandbox;
@@ -1055,6 +1020,678 @@ private Q_SLOTS:
         QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("New menu 1") }));
     }
 
+    void unsavedMenusShowItInTheirTitle()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        const QString path = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        const qint16 index = window.openMenu(path, QStringLiteral("archive-tools.ini"));
+        EditorWindow* editor = window.editor(index);
+        QMdiSubWindow* frame = frameOf(editor);
+        const auto marked = [&] {
+            // The frame's title bar follows the window's own mark.
+            return editor->isWindowModified() && frame->isWindowModified();
+        };
+        QVERIFY(!editor->isWindowModified());
+        QCOMPARE(frame->windowTitle(), QStringLiteral("archive-tools.ini[*]"));
+
+        // Every edit goes through the editing session, and marks it.
+        sandbox.trigger(QStringLiteral("mnuDuplicate"));
+        QVERIFY(!window.state().document(index).saved);
+        QVERIFY(marked());
+        sandbox.trigger(QStringLiteral("mnuUndo"));
+        QVERIFY(window.state().document(index).saved); // back to the state recorded while saved
+        QVERIFY(!editor->isWindowModified());
+        sandbox.trigger(QStringLiteral("mnuRedo"));
+        QCOMPARE(editor->isWindowModified(), !window.state().document(index).saved);
+        QVERIFY(marked());
+        sandbox.trigger(QStringLiteral("mnuSave"));
+        QVERIFY(!editor->isWindowModified());
+        QVERIFY(!frame->isWindowModified());
+
+        // A link switched off changes the menu without an undo step; the mark follows all the same.
+        sandbox.trigger(QStringLiteral("mnuLFCopyCommand"));
+        QCOMPARE(editor->isWindowModified(), !window.state().document(index).saved);
+
+        // Save as keeps the mark's place in the new title.
+        sandbox.trigger(QStringLiteral("mnuDuplicate"));
+        QVERIFY(marked());
+        sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("copy.ini")) };
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        QCOMPARE(editor->caption(), QStringLiteral("copy.ini"));
+        QCOMPARE(editor->windowTitle(), QStringLiteral("copy.ini[*]"));
+        QVERIFY(!editor->isWindowModified());
+
+        // A new menu is not saved until it is written.
+        window.mnuNew_Click();
+        QCOMPARE(window.activeEditor()->caption(), QStringLiteral("New menu 2"));
+        QVERIFY(window.activeEditor()->isWindowModified());
+        // A caption holding the placeholder itself shows it as written.
+        window.activeEditor()->setCaption(QStringLiteral("odd[*].ini"));
+        QCOMPARE(window.activeEditor()->windowTitle(), QStringLiteral("odd[*][*].ini[*]"));
+    }
+
+    void closeAsksAboutTheActiveMenuAndClosesIt()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")), QStringLiteral("archive-tools.ini"));
+        window.mnuNew_Click();
+        QCOMPARE(window.activeDocumentIndex(), qint16(2));
+
+        // Ctrl+W, wherever the focus is in the window.
+        sandbox.prompts().answers = { Answer::Cancel };
+        window.activeEditor()->tree()->setFocus();
+        QTest::keyClick(window.activeEditor()->tree(), Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ saveQuestion(QStringLiteral("Do you want to save changes ?")) }));
+        QCOMPARE(window.state().openDocumentIndexes().size(), 2);
+
+        sandbox.prompts().clearLog();
+        sandbox.prompts().answers = { Answer::No };
+        sandbox.trigger(QStringLiteral("mnuClose"));
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QCOMPARE(window.state().openDocumentIndexes(), QList<qint16>({ 1 }));
+        QTRY_COMPARE(window.activeDocumentIndex(), qint16(1));
+
+        // A saved menu closes without a question.
+        sandbox.prompts().clearLog();
+        sandbox.trigger(QStringLiteral("mnuClose"));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+        QVERIFY(window.state().openDocumentIndexes().isEmpty());
+        QVERIFY(!sandbox.action(QStringLiteral("mnuClose"))->isEnabled());
+    }
+
+    void fileDialogsStartInTheMenusFolderOrTheLastOneUsed()
+    {
+        GuiSandbox sandbox;
+        const QString menus = QFileInfo(sandbox.menuPath(QStringLiteral("x.ini"))).absolutePath();
+        QVERIFY(QDir(menus).mkpath(QStringLiteral("other")));
+        const QString other = menus + QStringLiteral("/other");
+        MainWindow& window = sandbox.window();
+        const auto lastFolder = [&sandbox] { return sandbox.prompts().fileRequests.constLast().startFolder; };
+
+        window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")), QStringLiteral("archive-tools.ini"));
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        QCOMPARE(lastFolder(), menus);
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        QCOMPARE(sandbox.prompts().fileRequests.constLast().kind, FakePrompts::FileRequest::Kind::Save);
+        QCOMPARE(lastFolder(), menus);
+
+        // A folder chosen in a dialog is the one used last, even when the file is no menu.
+        sandbox.prompts().fileNames = { other + QStringLiteral("/absent.ini") };
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        window.mnuNew_Click();
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        QCOMPARE(lastFolder(), other);
+        // A menu with a file still starts in its own folder.
+        sandbox.trigger(QStringLiteral("mnuWindowName1"));
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        QCOMPARE(lastFolder(), menus);
+
+        // Saved under a new name: its folder is used from then on.
+        sandbox.trigger(QStringLiteral("mnuWindowName2"));
+        sandbox.prompts().fileNames = { other + QStringLiteral("/new.ini") };
+        sandbox.trigger(QStringLiteral("mnuSaveAs"));
+        sandbox.trigger(QStringLiteral("mnuOpen"));
+        QCOMPARE(lastFolder(), other);
+
+        // A fresh start begins where the newest recent menu lies.
+        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
+        second.mnuOpen_Click();
+        QCOMPARE(lastFolder(), menus);
+    }
+
+    void droppedMenuFilesOpenInOrder()
+    {
+        GuiSandbox sandbox;
+        const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
+        const QString text = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("menu.txt")),
+                                                   GuiSandbox::menuBytes({ QStringLiteral("Item") }, {}));
+        const QString upper = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("SECOND.INI"));
+        MainWindow& window = sandbox.window();
+        QVERIFY(window.acceptDrops());
+
+        sendDrop(window, { first, text, sandbox.menuPath(QStringLiteral("absent.ini")), upper });
+
+        QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("first.ini"), QStringLiteral("SECOND.INI") }));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void windowMenuActivatesAndRestoresEditors()
+    {
+        GuiSandbox sandbox;
+        const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
+        const QString second = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("second.ini"));
+        MainWindow& window = sandbox.window();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.openMenu(first, QStringLiteral("first.ini"));
+        window.openMenu(second, QStringLiteral("second.ini"));
+        QCOMPARE(window.activeDocumentIndex(), qint16(2));
+        QCOMPARE(visibleWindowEntries(window),
+                 QStringList({ QStringLiteral("first.ini"), QStringLiteral("second.ini") }));
+
+        QMdiSubWindow* firstFrame = frameOf(window.editor(1));
+        firstFrame->showMinimized();
+        QAction* entry = sandbox.action(QStringLiteral("mnuWindowName1"));
+        QCOMPARE(entry->data().toInt(), 1);
+        entry->trigger();
+        QCOMPARE(window.activeDocumentIndex(), qint16(1));
+        QCOMPARE(window.activeDocumentTag(), QStringLiteral("1"));
+        QVERIFY(!firstFrame->isMinimized());
+        QCOMPARE(mdiArea(window)->activeSubWindow(), firstFrame);
+
+        // Activating a window directly (as a click on it does) also makes its document active.
+        mdiArea(window)->setActiveSubWindow(frameOf(window.editor(2)));
+        QCOMPARE(window.activeDocumentIndex(), qint16(2));
+
+        // A closed editor's entry disappears; the other editor becomes the active one.
+        QVERIFY(window.editor(2)->closeWindow());
+        QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("first.ini") }));
+        QTRY_COMPARE(window.activeDocumentIndex(), qint16(1));
+    }
+
+    void statusBarFollowsTheActiveWindow()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        // Three items, the second selected (index 1, first of two children of the first item).
+        const qint16 first
+            = sandbox.openMenu(QStringLiteral("first.ini"),
+                               { QStringLiteral("Tools"), QStringLiteral("···Pack"), QStringLiteral("···Unpack") });
+        window.editor(first)->lstMenu_NodeClick(window.editor(first)->tree()->nodeByKey(QStringLiteral("E1")));
+        // Five items, the fourth selected (index 3, a top-level item with one child).
+        const qint16 second = sandbox.openMenu(QStringLiteral("second.ini"),
+                                               { QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"),
+                                                 QStringLiteral("D"), QStringLiteral("···E") });
+        window.editor(second)->lstMenu_NodeClick(window.editor(second)->tree()->nodeByKey(QStringLiteral("E3")));
+        const auto panels = [&window] {
+            QStringList texts;
+            for (const int panel : { 2, 4, 6 }) {
+                texts.append(window.findChild<QLabel*>(QStringLiteral("pnl") + QString::number(panel))->text());
+            }
+            return texts;
+        };
+        const QStringList firstPanels = { QStringLiteral("1"), QStringLiteral("3"), QStringLiteral("(1 ; 0)") };
+        const QStringList secondPanels = { QStringLiteral("3"), QStringLiteral("5"), QStringLiteral("(4 ; 1)") };
+        QCOMPARE(panels(), secondPanels);
+
+        // The Window menu.
+        sandbox.trigger(QStringLiteral("mnuWindowName1"));
+        QCOMPARE(panels(), firstPanels);
+        // Ctrl+Tab steps to the next window.
+        mdiArea(window)->activateNextSubWindow();
+        QCOMPARE(window.activeDocumentIndex(), second);
+        QCOMPARE(panels(), secondPanels);
+        // A click on a window's title bar.
+        QMdiSubWindow* firstFrame = frameOf(window.editor(first));
+        QTest::mouseClick(firstFrame, Qt::LeftButton, {}, QPoint(firstFrame->width() / 2, 4));
+        QCOMPARE(window.activeDocumentIndex(), first);
+        QCOMPARE(panels(), firstPanels);
+
+        // A window that is not the active one leaves the panels to the active one.
+        window.editor(second)->lstMenu_NodeClick(window.editor(second)->tree()->nodeByKey(QStringLiteral("E0")));
+        QCOMPARE(panels(), firstPanels);
+        mdiArea(window)->setActiveSubWindow(frameOf(window.editor(second)));
+        QCOMPARE(panels(), QStringList({ QStringLiteral("0"), QStringLiteral("5"), QStringLiteral("(1 ; 0)") }));
+
+        // The root shows no item.
+        window.editor(second)->tree()->setCurrentItem(window.editor(second)->tree()->node(1));
+        sandbox.trigger(QStringLiteral("mnuWindowName1"));
+        sandbox.trigger(QStringLiteral("mnuWindowName2"));
+        QCOMPARE(panels(), QStringList({ QString(), QStringLiteral("5"), QStringLiteral("(Position ; Children)") }));
+
+        // Closing a window hands the panels to the one activated next, and the last one clears them.
+        QVERIFY(window.editor(second)->closeWindow());
+        QTRY_COMPARE(window.activeDocumentIndex(), first);
+        QCOMPARE(panels(), firstPanels);
+        QVERIFY(window.editor(first)->closeWindow());
+        QCOMPARE(panels(), QStringList({ QString(), QString(), QStringLiteral("(Position ; Children)") }));
+    }
+
+    void activationSetsTheHideMarks()
+    {
+        GuiSandbox sandbox;
+        const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
+        const QString second = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("second.ini"));
+        MainWindow& window = sandbox.window();
+        window.openMenu(first, QStringLiteral("first.ini"));
+        sandbox.action(QStringLiteral("mnuHideBoth"))->trigger();
+        window.openMenu(second, QStringLiteral("second.ini"));
+        sandbox.action(QStringLiteral("mnuHideWCommand"))->trigger();
+        QCOMPARE(window.state().document(1).hideMode, 3);
+        QCOMPARE(window.state().document(2).hideMode, 2);
+
+        sandbox.action(QStringLiteral("mnuWindowName1"))->trigger();
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
+
+        sandbox.action(QStringLiteral("mnuWindowName2"))->trigger();
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
+    }
+
+    void hideCommandsFollowTheirArithmetic()
+    {
+        GuiSandbox sandbox;
+        // A submenu without commands, a leaf with commands, a leaf without, and a link.
+        const QString menu
+            = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("hide.ini")),
+                                    GuiSandbox::menuBytes({ QStringLiteral("Tools"), QStringLiteral("···Pack"),
+                                                            QStringLiteral("···Empty"), QStringLiteral("Notepad") },
+                                                          { QStringLiteral("0002:zip=pack.exe $fs-001$"),
+                                                            QStringLiteral("0004:txt=notepad $fs-001$") }));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("hide.ini"));
+        MenuDocument& document = window.state().document(index);
+        document.items[3].copyKey = QStringLiteral("E1");
+        document.items[3].copiesCommands = true;
+        ItemTree* tree = window.editor(index)->tree();
+        QAction* copies = sandbox.action(QStringLiteral("mnuHideCopies"));
+        QAction* withoutCommand = sandbox.action(QStringLiteral("mnuHideWCommand"));
+        QAction* both = sandbox.action(QStringLiteral("mnuHideBoth"));
+
+        both->trigger();
+        QCOMPARE(document.hideMode, 3);
+        QVERIFY(copies->isChecked() && withoutCommand->isChecked() && both->isChecked());
+        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QVERIFY(!tree->nodeByKey(QStringLiteral("E2"))); // no commands
+        QVERIFY(!tree->nodeByKey(QStringLiteral("E3"))); // a link
+        QVERIFY(tree->nodeByKey(QStringLiteral("E0"))); // a submenu stays
+
+        copies->trigger();
+        QCOMPARE(document.hideMode, 2);
+        QVERIFY(!copies->isChecked() && withoutCommand->isChecked() && !both->isChecked());
+        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QVERIFY(tree->nodeByKey(QStringLiteral("E3")));
+
+        withoutCommand->trigger();
+        QCOMPARE(document.hideMode, 0);
+        QVERIFY(!copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
+        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV"));
+        QCOMPARE(tree->nodeCount(), 5);
+
+        copies->trigger();
+        QCOMPARE(document.hideMode, 1);
+        QVERIFY(copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
+        QVERIFY(!tree->nodeByKey(QStringLiteral("E3")));
+        both->trigger();
+        QCOMPARE(document.hideMode, 3);
+        both->trigger();
+        QCOMPARE(document.hideMode, 0);
+        QVERIFY(!copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
+    }
+
+    void hideCommandsWithoutDocumentChangeNothing()
+    {
+        GuiSandbox sandbox;
+        sandbox.action(QStringLiteral("mnuHideBoth"))->trigger();
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
+        QVERIFY(!sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
+    void refreshRebuildsTheTreeKeepingTheHideMode()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        sandbox.action(QStringLiteral("mnuHideWCommand"))->trigger();
+        MenuDocument& document = window.state().document(index);
+        document.items[0].caption = QStringLiteral("Packing");
+        ItemTree* tree = window.editor(index)->tree();
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E0"))->text(0), QStringLiteral("Archive"));
+
+        sandbox.action(QStringLiteral("mnuRefresh"))->trigger();
+
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E0"))->text(0), QStringLiteral("Packing"));
+        QCOMPARE(document.hideMode, 2);
+        QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
+        QCOMPARE(tree->currentItem(), tree->node(2));
+    }
+
+    void tilingArrangesTheWindows()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.mnuNew_Click();
+        window.mnuNew_Click();
+        window.mnuNew_Click();
+        const QRect area = mdiArea(window)->viewport()->rect();
+        QList<QMdiSubWindow*> frames;
+        for (const qint16 index : window.state().openDocumentIndexes()) {
+            frames.append(frameOf(window.editor(index)));
+        }
+
+        sandbox.action(QStringLiteral("mnuHorizontal"))->trigger();
+        int top = 0;
+        for (const QMdiSubWindow* frame : frames) {
+            QCOMPARE(frame->geometry().left(), 0);
+            QCOMPARE(frame->geometry().width(), area.width());
+            QCOMPARE(frame->geometry().top(), top);
+            top = frame->geometry().bottom() + 1;
+        }
+        QCOMPARE(top, area.height());
+
+        sandbox.action(QStringLiteral("mnuVertical"))->trigger();
+        int left = 0;
+        for (const QMdiSubWindow* frame : frames) {
+            QCOMPARE(frame->geometry().top(), 0);
+            QCOMPARE(frame->geometry().height(), area.height());
+            QCOMPARE(frame->geometry().left(), left);
+            left = frame->geometry().right() + 1;
+        }
+        QCOMPARE(left, area.width());
+
+        sandbox.action(QStringLiteral("mnuCascade"))->trigger();
+        QVERIFY(frames.at(0)->geometry().topLeft() != frames.at(1)->geometry().topLeft());
+    }
+
+    void mainWindowOpensWithinTheScreen()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        const QRect available = window.screen()->availableGeometry();
+        QVERIFY2(available.contains(window.frameGeometry()),
+                 qPrintable(QStringLiteral("%1x%2 on %3x%4")
+                                .arg(window.frameGeometry().width())
+                                .arg(window.frameGeometry().height())
+                                .arg(available.width())
+                                .arg(available.height())));
+        // Not a postage stamp either: it takes most of a small screen, or its own size on a large one.
+        QVERIFY(window.width() >= qMin(1000, available.width() * 3 / 4));
+        QVERIFY(window.height() >= qMin(700, available.height() * 3 / 4));
+    }
+
+    void firstEditorWindowFillsTheArea()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        window.mnuNew_Click();
+        const QRect area = mdiArea(window)->viewport()->rect();
+        QCOMPARE(frameOf(window.activeEditor())->geometry(), area);
+
+        window.mnuNew_Click();
+        // Later ones take two thirds of it (but never less than they need) and leave the first as it is.
+        const QSize second = frameOf(window.activeEditor())->size();
+        const QSize needed = frameOf(window.activeEditor())->minimumSizeHint();
+        QCOMPARE(second.width(), qMax(qRound(area.width() * 2 / 3.0), needed.width()));
+        QCOMPARE(second.height(), qMax(qRound(area.height() * 2 / 3.0), needed.height()));
+        QCOMPARE(frameOf(window.editor(1))->geometry(), area);
+    }
+
+    void menuOpenedBeforeTheWindowShowsFillsTheArea()
+    {
+        // As with a menu named on the command line: it opens before the main window shows.
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        const qint16 index = window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")),
+                                             QStringLiteral("archive-tools.ini"));
+        QVERIFY(sandbox.showWindow());
+        QCOMPARE(frameOf(window.editor(index))->geometry(), mdiArea(window)->viewport()->rect());
+    }
+
+    void treeKeepsAShareOfWindowsTiledSideBySide()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QVERIFY(sandbox.showWindow());
+        window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")), QStringLiteral("archive-tools.ini"));
+        window.openMenu(sandbox.copyExample(QStringLiteral("media-tools.ini")), QStringLiteral("media-tools.ini"));
+        sandbox.trigger(QStringLiteral("mnuVertical"));
+        const int tileWidth = mdiArea(window)->viewport()->width() / 2;
+        for (const qint16 index : window.state().openDocumentIndexes()) {
+            EditorWindow* editor = window.editor(index);
+            QVERIFY(qAbs(frameOf(editor)->width() - tileWidth) <= 1);
+            // The whole editor fits its tile: nothing is cut off on the right.
+            QVERIFY2(
+                editor->minimumSizeHint().width() <= editor->width(),
+                qPrintable(QStringLiteral("needs %1 of %2, side %3 tree %4")
+                               .arg(editor->minimumSizeHint().width())
+                               .arg(editor->width())
+                               .arg(editor->findChild<QWidget*>(QStringLiteral("pnlItem"))->minimumSizeHint().width())
+                               .arg(editor->tree()->minimumSizeHint().width())));
+            const int treeWidth = editor->tree()->width();
+            const int splitWidth = editor->findChild<QSplitter*>(QStringLiteral("splEditor"))->width();
+            QVERIFY2(treeWidth * 10 >= splitWidth * 3,
+                     qPrintable(QStringLiteral("tree %1 of %2").arg(treeWidth).arg(splitWidth)));
+        }
+    }
+
+    void recentListKeepsTheLastFiveOpenedMenus()
+    {
+        GuiSandbox sandbox;
+        QStringList paths;
+        for (int n = 1; n <= 6; ++n) {
+            paths.append(sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("menu%1.ini").arg(n)));
+        }
+        MainWindow& window = sandbox.window();
+        QVERIFY(!sandbox.action(QStringLiteral("Tire03"))->isVisible());
+        sandbox.prompts().fileNames = paths;
+        for (int n = 0; n < 6; ++n) {
+            sandbox.action(QStringLiteral("mnuOpen"))->trigger();
+        }
+        QCOMPARE(window.state().openDocumentIndexes().size(), 6);
+        for (int entry = 0; entry < 5; ++entry) {
+            QAction* recent = sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry));
+            QVERIFY(recent->isVisible());
+            QCOMPARE(MenuTexts::visible(recent->text()), paths.at(5 - entry));
+        }
+        for (int entry = 5; entry < 10; ++entry) {
+            QVERIFY(!sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry))->isVisible());
+        }
+        QVERIFY(sandbox.action(QStringLiteral("Tire03"))->isVisible());
+        const QByteArray expected = (QStringList({ paths.at(5), paths.at(4), paths.at(3), paths.at(2), paths.at(1) })
+                                         .join(QStringLiteral("\r\n"))
+                                     + QStringLiteral("\r\n"))
+                                        .toLocal8Bit();
+        QCOMPARE(GuiSandbox::readFile(sandbox.programFolder() + QStringLiteral("/Recent.ini")), expected);
+
+        // A fresh start shows the same list, and an entry opens its menu.
+        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
+        QAction* newest = second.findChild<QAction*>(QStringLiteral("mnuRecent0"));
+        QCOMPARE(MenuTexts::visible(newest->text()), paths.at(5));
+        newest->trigger();
+        QCOMPARE(editorCaptions(second), QStringList({ QStringLiteral("menu6.ini") }));
+    }
+
+    void optionsOfAnEmptyStoreAreAllOff()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.state().options(), Options());
+        QAction* copyComDup = sandbox.action(QStringLiteral("mnuCopyComDup"));
+        QVERIFY(copyComDup->isCheckable());
+        QVERIFY(!copyComDup->isChecked());
+
+        copyComDup->trigger();
+        QVERIFY(copyComDup->isChecked());
+        QVERIFY(window.state().options().copyCommandDup);
+        QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::copyCommandDupName()),
+                 QStringLiteral("True"));
+        QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::checkCopyCommandName()),
+                 QStringLiteral("0"));
+
+        copyComDup->trigger();
+        QVERIFY(!copyComDup->isChecked());
+        QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::copyCommandDupName()),
+                 QStringLiteral("False"));
+    }
+
+    void storedCopyCommandDupChecksItsEntry()
+    {
+        GuiSandbox sandbox;
+        Options options;
+        options.copyCommandDup = true;
+        sandbox.optionsStore().saveOptions(options);
+        QVERIFY(sandbox.action(QStringLiteral("mnuCopyComDup"))->isChecked());
+        QCOMPARE(sandbox.window().state().options(), options);
+    }
+
+    void optionsDialogChangesTheOptionsOnSaveOnly()
+    {
+        GuiSandbox sandbox;
+        const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
+        MainWindow& window = sandbox.window();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+        // Cancel first: nothing changes.
+        answerOptionsDialog(QStringLiteral("cmdCancel"));
+        sandbox.action(QStringLiteral("mnuOptions"))->trigger();
+        QCOMPARE(window.state().options(), Options());
+
+        answerOptionsDialog(QStringLiteral("cmdSave"));
+        sandbox.action(QStringLiteral("mnuOptions"))->trigger();
+        QCOMPARE(window.state().options().hideItemsCopyCommand, qint16(1));
+        QCOMPARE(sandbox.optionsStore().loadOptions().hideItemsCopyCommand, qint16(1));
+
+        // The next menu opened starts with copy-command links hidden.
+        const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
+        QCOMPARE(window.state().document(index).hideMode, 1);
+    }
+
+    void anyMenuFileOpensOrFailsWithoutHarm()
+    {
+        // Menus as people write them by hand: stray and skipped depth markers, odd captions,
+        // identical command lists (links when the option is on), and now and then a line the
+        // reader cannot take. Each either opens and can be clicked through, hidden and refreshed,
+        // or fails with one message and leaves nothing behind.
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QRandomGenerator random(20261122);
+        const QStringList captions = { QStringLiteral("Pack"), QString(),
+                                       QStringLiteral("Root"), QStringLiteral("  blanks  "),
+                                       QStringLiteral("E1"),   QStringLiteral("a=b:c") };
+        const QStringList commands = { QStringLiteral("zip=pack.exe $fs-001$"), QStringLiteral("=del $fs-001$"),
+                                       QStringLiteral("txt=notepad a=b:c") };
+        const QStringList brokenLines
+            = { QStringLiteral("0001zip"), QStringLiteral("x:zip=pack"), QStringLiteral("9999:zip=pack") };
+        const QList<QAction*> hideEntries
+            = { sandbox.action(QStringLiteral("mnuHideCopies")), sandbox.action(QStringLiteral("mnuHideWCommand")),
+                sandbox.action(QStringLiteral("mnuHideBoth")) };
+        for (int round = 0; round < 120; ++round) {
+            Options options;
+            options.checkCopyCommand = qint16(round % 2);
+            options.hideItemsCopyCommand = qint16((round / 2) % 2);
+            options.hideItemsWithoutCommand = qint16((round / 4) % 2);
+            window.state().setOptions(options);
+
+            const int itemCount = random.bounded(1, 20);
+            QStringList itemLines;
+            for (int item = 0; item < itemCount; ++item) {
+                QString line
+                    = QString(random.bounded(0, 10), QChar(0xB7)) + captions.at(random.bounded(int(captions.size())));
+                // An empty line is no item at all.
+                itemLines.append(line.isEmpty() ? QStringLiteral("Item") : line);
+            }
+            QStringList commandLines;
+            const int commandCount = random.bounded(0, 2 * itemCount);
+            for (int command = 0; command < commandCount; ++command) {
+                commandLines.append(QStringLiteral("%1:").arg(random.bounded(1, itemCount + 1), 4, 10, QLatin1Char('0'))
+                                    + commands.at(random.bounded(int(commands.size()))));
+            }
+            const bool broken = round % 10 == 9;
+            if (broken) {
+                commandLines.insert(random.bounded(int(commandLines.size()) + 1),
+                                    brokenLines.at(random.bounded(int(brokenLines.size()))));
+            }
+            const QString name = QStringLiteral("random%1.ini").arg(round);
+            const QString path
+                = GuiSandbox::writeFile(sandbox.menuPath(name), GuiSandbox::menuBytes(itemLines, commandLines));
+            QVERIFY(!path.isEmpty());
+
+            sandbox.prompts().clearLog();
+            const qint16 slotsBefore = window.state().lastSlot();
+            const qint16 index = window.openMenu(path, name);
+            if (broken) {
+                QCOMPARE(index, qint16(0));
+                QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MainWindow::openErrorMessage() }));
+                QCOMPARE(window.state().lastSlot(), slotsBefore);
+                continue;
+            }
+            QVERIFY2(index != 0, qPrintable(sandbox.prompts().messageTexts().join(QLatin1Char('|'))));
+            const MenuDocument& document = window.state().document(index);
+            checkEveryNode(window, index);
+            for (int step = 0; step < 4 && !QTest::currentTestFailed(); ++step) {
+                hideEntries.at(random.bounded(int(hideEntries.size())))->trigger();
+                checkEveryNode(window, index);
+            }
+            sandbox.action(QStringLiteral("mnuRefresh"))->trigger();
+            checkEveryNode(window, index);
+            if (QTest::currentTestFailed()) {
+                return;
+            }
+            QVERIFY(sandbox.prompts().messages.isEmpty());
+            QVERIFY(document.saved);
+            QVERIFY(window.editor(index)->closeWindow());
+        }
+    }
+
+    void aboutShowsTheProgramAndVersion()
+    {
+        GuiSandbox sandbox;
+        sandbox.action(QStringLiteral("mnuAbout"))->trigger();
+        QCOMPARE(sandbox.prompts().messages.size(), 1);
+        QCOMPARE(sandbox.prompts().messages.constFirst().text, aboutText());
+        QVERIFY(sandbox.prompts().messages.constFirst().text.startsWith(QLatin1String("KELV Menu Editor v")));
+        QVERIFY(sandbox.prompts().messages.constFirst().title.isEmpty());
+        QVERIFY(sandbox.prompts().messages.constFirst().text.endsWith(licenceName()));
+    }
+
+    void helpWithoutAHelpFileSaysSo()
+    {
+        GuiSandbox sandbox;
+        sandbox.action(QStringLiteral("mnuHelp"))->trigger();
+        const QString helpFile = LanguageConfig(sandbox.programFolder()).helpFilePath();
+        QVERIFY(helpFile.startsWith(sandbox.programFolder()));
+        QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ HelpLauncher::missingFileText(helpFile) }));
+    }
+    void openingAMissingFileSaysItIsMissing()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        const QString absent = sandbox.menuPath(QStringLiteral("absent.ini"));
+        QCOMPARE(window.openMenu(absent, QStringLiteral("absent.ini")), qint16(0));
+        QCOMPARE(sandbox.prompts().messages,
+                 QList<MessageRequest>({ critical(QStringLiteral("An error occured while opening the file !\r\n\r\n"
+                                                                 "This file does not exist :\r\n    ")
+                                                      + absent,
+                                                  absent + QStringLiteral(": does not exist")) }));
+        QCOMPARE(window.state().lastSlot(), qint16(0));
+        QCOMPARE(window.activeDocumentIndex(), qint16(0));
+        QVERIFY(mdiArea(window)->subWindowList().isEmpty());
+    }
+
+    void openingWhatIsNoMenuFileAtAllShowsTheOpenErrorWithTheReason()
+    {
+        GuiSandbox sandbox;
+        MainWindow& window = sandbox.window();
+        QCOMPARE(window.openMenu(sandbox.menuFolder(), QStringLiteral("menus")), qint16(0));
+        QStringList expectedDetails { sandbox.menuFolder() + QStringLiteral(": is a folder, not a file") };
+        if (QFileInfo::exists(QStringLiteral("/dev/zero"))) {
+            QCOMPARE(window.openMenu(QStringLiteral("/dev/zero"), QStringLiteral("zero")), qint16(0));
+            expectedDetails.append(QStringLiteral("/dev/zero: is not a regular file (a device, a pipe or a socket)"));
+        }
+        QStringList details;
+        for (const MessageRequest& message : sandbox.prompts().messages) {
+            QCOMPARE(message.text, MainWindow::openErrorMessage());
+            details.append(message.details);
+        }
+        QCOMPARE(details, expectedDetails);
+        QCOMPARE(window.state().lastSlot(), qint16(0));
+    }
+
     void saveRefusesAMenuItsFileCannotHold()
     {
         GuiSandbox sandbox;
@@ -1143,672 +1780,24 @@ private Q_SLOTS:
         QVERIFY(window.isVisible());
         QVERIFY(!window.state().isQuitting());
         QCOMPARE(editorCaptions(window), QStringList({ QStringLiteral("good.ini"), QStringLiteral("bad.ini") }));
+    }
 
-        void unsavedMenusShowItInTheirTitle()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            const QString path = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
-            const qint16 index = window.openMenu(path, QStringLiteral("archive-tools.ini"));
-            EditorWindow* editor = window.editor(index);
-            QMdiSubWindow* frame = frameOf(editor);
-            const auto marked = [&] {
-                // The frame's title bar follows the window's own mark.
-                return editor->isWindowModified() && frame->isWindowModified();
-            };
-            QVERIFY(!editor->isWindowModified());
-            QCOMPARE(frame->windowTitle(), QStringLiteral("archive-tools.ini[*]"));
-
-            // Every edit goes through the editing session, and marks it.
-            sandbox.trigger(QStringLiteral("mnuDuplicate"));
-            QVERIFY(!window.state().document(index).saved);
-            QVERIFY(marked());
-            sandbox.trigger(QStringLiteral("mnuUndo"));
-            QVERIFY(window.state().document(index).saved); // back to the state recorded while saved
-            QVERIFY(!editor->isWindowModified());
-            sandbox.trigger(QStringLiteral("mnuRedo"));
-            QCOMPARE(editor->isWindowModified(), !window.state().document(index).saved);
-            QVERIFY(marked());
-            sandbox.trigger(QStringLiteral("mnuSave"));
-            QVERIFY(!editor->isWindowModified());
-            QVERIFY(!frame->isWindowModified());
-
-            // A link switched off changes the menu without an undo step; the mark follows all the same.
-            sandbox.trigger(QStringLiteral("mnuLFCopyCommand"));
-            QCOMPARE(editor->isWindowModified(), !window.state().document(index).saved);
-
-            // Save as keeps the mark's place in the new title.
-            sandbox.trigger(QStringLiteral("mnuDuplicate"));
-            QVERIFY(marked());
-            sandbox.prompts().fileNames = { sandbox.menuPath(QStringLiteral("copy.ini")) };
-            sandbox.trigger(QStringLiteral("mnuSaveAs"));
-            QCOMPARE(editor->caption(), QStringLiteral("copy.ini"));
-            QCOMPARE(editor->windowTitle(), QStringLiteral("copy.ini[*]"));
-            QVERIFY(!editor->isWindowModified());
-
-            // A new menu is not saved until it is written.
-            window.mnuNew_Click();
-            QCOMPARE(window.activeEditor()->caption(), QStringLiteral("New menu 2"));
-            QVERIFY(window.activeEditor()->isWindowModified());
-            // A caption holding the placeholder itself shows it as written.
-            window.activeEditor()->setCaption(QStringLiteral("odd[*].ini"));
-            QCOMPARE(window.activeEditor()->windowTitle(), QStringLiteral("odd[*][*].ini[*]"));
-        }
-
-        void closeAsksAboutTheActiveMenuAndClosesIt()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            QVERIFY(sandbox.showWindow());
-            window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")),
-                            QStringLiteral("archive-tools.ini"));
-            window.mnuNew_Click();
-            QCOMPARE(window.activeDocumentIndex(), qint16(2));
-
-            // Ctrl+W, wherever the focus is in the window.
-            sandbox.prompts().answers = { Answer::Cancel };
-            window.activeEditor()->tree()->setFocus();
-            QTest::keyClick(window.activeEditor()->tree(), Qt::Key_W, Qt::ControlModifier);
-            QCOMPARE(sandbox.prompts().messages,
-                     QList<MessageRequest>({ saveQuestion(QStringLiteral("Do you want to save changes ?")) }));
-            QCOMPARE(window.state().openDocumentIndexes().size(), 2);
-
-            sandbox.prompts().clearLog();
-            sandbox.prompts().answers = { Answer::No };
-            sandbox.trigger(QStringLiteral("mnuClose"));
-            QCOMPARE(sandbox.prompts().messages.size(), 1);
-            QCOMPARE(window.state().openDocumentIndexes(), QList<qint16>({ 1 }));
-            QTRY_COMPARE(window.activeDocumentIndex(), qint16(1));
-
-            // A saved menu closes without a question.
-            sandbox.prompts().clearLog();
-            sandbox.trigger(QStringLiteral("mnuClose"));
-            QVERIFY(sandbox.prompts().messages.isEmpty());
-            QVERIFY(window.state().openDocumentIndexes().isEmpty());
-            QVERIFY(!sandbox.action(QStringLiteral("mnuClose"))->isEnabled());
-        }
-
-        void fileDialogsStartInTheMenusFolderOrTheLastOneUsed()
-        {
-            GuiSandbox sandbox;
-            const QString menus = QFileInfo(sandbox.menuPath(QStringLiteral("x.ini"))).absolutePath();
-            QVERIFY(QDir(menus).mkpath(QStringLiteral("other")));
-            const QString other = menus + QStringLiteral("/other");
-            MainWindow& window = sandbox.window();
-            const auto lastFolder = [&sandbox] { return sandbox.prompts().fileRequests.constLast().startFolder; };
-
-            window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")),
-                            QStringLiteral("archive-tools.ini"));
-            sandbox.trigger(QStringLiteral("mnuOpen"));
-            QCOMPARE(lastFolder(), menus);
-            sandbox.trigger(QStringLiteral("mnuSaveAs"));
-            QCOMPARE(sandbox.prompts().fileRequests.constLast().kind, FakePrompts::FileRequest::Kind::Save);
-            QCOMPARE(lastFolder(), menus);
-
-            // A folder chosen in a dialog is the one used last, even when the file is no menu.
-            sandbox.prompts().fileNames = { other + QStringLiteral("/absent.ini") };
-            sandbox.trigger(QStringLiteral("mnuOpen"));
-            window.mnuNew_Click();
-            sandbox.trigger(QStringLiteral("mnuSaveAs"));
-            QCOMPARE(lastFolder(), other);
-            // A menu with a file still starts in its own folder.
-            sandbox.trigger(QStringLiteral("mnuWindowName1"));
-            sandbox.trigger(QStringLiteral("mnuOpen"));
-            QCOMPARE(lastFolder(), menus);
-
-            // Saved under a new name: its folder is used from then on.
-            sandbox.trigger(QStringLiteral("mnuWindowName2"));
-            sandbox.prompts().fileNames = { other + QStringLiteral("/new.ini") };
-            sandbox.trigger(QStringLiteral("mnuSaveAs"));
-            sandbox.trigger(QStringLiteral("mnuOpen"));
-            QCOMPARE(lastFolder(), other);
-
-            // A fresh start begins where the newest recent menu lies.
-            MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
-            second.mnuOpen_Click();
-            QCOMPARE(lastFolder(), menus);
-        }
-
-        void droppedMenuFilesOpenInOrder()
-        {
-            GuiSandbox sandbox;
-            const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
-            const QString text = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("menu.txt")),
-                                                       GuiSandbox::menuBytes({ QStringLiteral("Item") }, {}));
-            const QString upper
-                = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("SECOND.INI"));
-            MainWindow& window = sandbox.window();
-            QVERIFY(window.acceptDrops());
-
-            sendDrop(window, { first, text, sandbox.menuPath(QStringLiteral("absent.ini")), upper });
-
-            QCOMPARE(editorCaptions(window),
-                     QStringList({ QStringLiteral("first.ini"), QStringLiteral("SECOND.INI") }));
-            QVERIFY(sandbox.prompts().messages.isEmpty());
-        }
-
-        void windowMenuActivatesAndRestoresEditors()
-        {
-            GuiSandbox sandbox;
-            const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
-            const QString second
-                = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("second.ini"));
-            MainWindow& window = sandbox.window();
-            window.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&window));
-            window.openMenu(first, QStringLiteral("first.ini"));
-            window.openMenu(second, QStringLiteral("second.ini"));
-            QCOMPARE(window.activeDocumentIndex(), qint16(2));
-            QCOMPARE(visibleWindowEntries(window),
-                     QStringList({ QStringLiteral("first.ini"), QStringLiteral("second.ini") }));
-
-            QMdiSubWindow* firstFrame = frameOf(window.editor(1));
-            firstFrame->showMinimized();
-            QAction* entry = sandbox.action(QStringLiteral("mnuWindowName1"));
-            QCOMPARE(entry->data().toInt(), 1);
-            entry->trigger();
-            QCOMPARE(window.activeDocumentIndex(), qint16(1));
-            QCOMPARE(window.activeDocumentTag(), QStringLiteral("1"));
-            QVERIFY(!firstFrame->isMinimized());
-            QCOMPARE(mdiArea(window)->activeSubWindow(), firstFrame);
-
-            // Activating a window directly (as a click on it does) also makes its document active.
-            mdiArea(window)->setActiveSubWindow(frameOf(window.editor(2)));
-            QCOMPARE(window.activeDocumentIndex(), qint16(2));
-
-            // A closed editor's entry disappears; the other editor becomes the active one.
-            QVERIFY(window.editor(2)->closeWindow());
-            QCOMPARE(visibleWindowEntries(window), QStringList({ QStringLiteral("first.ini") }));
-            QTRY_COMPARE(window.activeDocumentIndex(), qint16(1));
-        }
-
-        void statusBarFollowsTheActiveWindow()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            QVERIFY(sandbox.showWindow());
-            // Three items, the second selected (index 1, first of two children of the first item).
-            const qint16 first
-                = sandbox.openMenu(QStringLiteral("first.ini"),
-                                   { QStringLiteral("Tools"), QStringLiteral("···Pack"), QStringLiteral("···Unpack") });
-            window.editor(first)->lstMenu_NodeClick(window.editor(first)->tree()->nodeByKey(QStringLiteral("E1")));
-            // Five items, the fourth selected (index 3, a top-level item with one child).
-            const qint16 second = sandbox.openMenu(QStringLiteral("second.ini"),
-                                                   { QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"),
-                                                     QStringLiteral("D"), QStringLiteral("···E") });
-            window.editor(second)->lstMenu_NodeClick(window.editor(second)->tree()->nodeByKey(QStringLiteral("E3")));
-            const auto panels = [&window] {
-                QStringList texts;
-                for (const int panel : { 2, 4, 6 }) {
-                    texts.append(window.findChild<QLabel*>(QStringLiteral("pnl") + QString::number(panel))->text());
-                }
-                return texts;
-            };
-            const QStringList firstPanels = { QStringLiteral("1"), QStringLiteral("3"), QStringLiteral("(1 ; 0)") };
-            const QStringList secondPanels = { QStringLiteral("3"), QStringLiteral("5"), QStringLiteral("(4 ; 1)") };
-            QCOMPARE(panels(), secondPanels);
-
-            // The Window menu.
-            sandbox.trigger(QStringLiteral("mnuWindowName1"));
-            QCOMPARE(panels(), firstPanels);
-            // Ctrl+Tab steps to the next window.
-            mdiArea(window)->activateNextSubWindow();
-            QCOMPARE(window.activeDocumentIndex(), second);
-            QCOMPARE(panels(), secondPanels);
-            // A click on a window's title bar.
-            QMdiSubWindow* firstFrame = frameOf(window.editor(first));
-            QTest::mouseClick(firstFrame, Qt::LeftButton, {}, QPoint(firstFrame->width() / 2, 4));
-            QCOMPARE(window.activeDocumentIndex(), first);
-            QCOMPARE(panels(), firstPanels);
-
-            // A window that is not the active one leaves the panels to the active one.
-            window.editor(second)->lstMenu_NodeClick(window.editor(second)->tree()->nodeByKey(QStringLiteral("E0")));
-            QCOMPARE(panels(), firstPanels);
-            mdiArea(window)->setActiveSubWindow(frameOf(window.editor(second)));
-            QCOMPARE(panels(), QStringList({ QStringLiteral("0"), QStringLiteral("5"), QStringLiteral("(1 ; 0)") }));
-
-            // The root shows no item.
-            window.editor(second)->tree()->setCurrentItem(window.editor(second)->tree()->node(1));
-            sandbox.trigger(QStringLiteral("mnuWindowName1"));
-            sandbox.trigger(QStringLiteral("mnuWindowName2"));
-            QCOMPARE(panels(),
-                     QStringList({ QString(), QStringLiteral("5"), QStringLiteral("(Position ; Children)") }));
-
-            // Closing a window hands the panels to the one activated next, and the last one clears them.
-            QVERIFY(window.editor(second)->closeWindow());
-            QTRY_COMPARE(window.activeDocumentIndex(), first);
-            QCOMPARE(panels(), firstPanels);
-            QVERIFY(window.editor(first)->closeWindow());
-            QCOMPARE(panels(), QStringList({ QString(), QString(), QStringLiteral("(Position ; Children)") }));
-        }
-
-        void activationSetsTheHideMarks()
-        {
-            GuiSandbox sandbox;
-            const QString first = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("first.ini"));
-            const QString second
-                = sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("second.ini"));
-            MainWindow& window = sandbox.window();
-            window.openMenu(first, QStringLiteral("first.ini"));
-            sandbox.action(QStringLiteral("mnuHideBoth"))->trigger();
-            window.openMenu(second, QStringLiteral("second.ini"));
-            sandbox.action(QStringLiteral("mnuHideWCommand"))->trigger();
-            QCOMPARE(window.state().document(1).hideMode, 3);
-            QCOMPARE(window.state().document(2).hideMode, 2);
-
-            sandbox.action(QStringLiteral("mnuWindowName1"))->trigger();
-            QVERIFY(sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
-            QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
-            QVERIFY(sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
-
-            sandbox.action(QStringLiteral("mnuWindowName2"))->trigger();
-            QVERIFY(!sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
-            QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
-            QVERIFY(!sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
-        }
-
-        void hideCommandsFollowTheirArithmetic()
-        {
-            GuiSandbox sandbox;
-            // A submenu without commands, a leaf with commands, a leaf without, and a link.
-            const QString menu
-                = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("hide.ini")),
-                                        GuiSandbox::menuBytes({ QStringLiteral("Tools"), QStringLiteral("···Pack"),
-                                                                QStringLiteral("···Empty"), QStringLiteral("Notepad") },
-                                                              { QStringLiteral("0002:zip=pack.exe $fs-001$"),
-                                                                QStringLiteral("0004:txt=notepad $fs-001$") }));
-            MainWindow& window = sandbox.window();
-            const qint16 index = window.openMenu(menu, QStringLiteral("hide.ini"));
-            MenuDocument& document = window.state().document(index);
-            document.items[3].copyKey = QStringLiteral("E1");
-            document.items[3].copiesCommands = true;
-            ItemTree* tree = window.editor(index)->tree();
-            QAction* copies = sandbox.action(QStringLiteral("mnuHideCopies"));
-            QAction* withoutCommand = sandbox.action(QStringLiteral("mnuHideWCommand"));
-            QAction* both = sandbox.action(QStringLiteral("mnuHideBoth"));
-
-            both->trigger();
-            QCOMPARE(document.hideMode, 3);
-            QVERIFY(copies->isChecked() && withoutCommand->isChecked() && both->isChecked());
-            QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
-            QVERIFY(!tree->nodeByKey(QStringLiteral("E2"))); // no commands
-            QVERIFY(!tree->nodeByKey(QStringLiteral("E3"))); // a link
-            QVERIFY(tree->nodeByKey(QStringLiteral("E0"))); // a submenu stays
-
-            copies->trigger();
-            QCOMPARE(document.hideMode, 2);
-            QVERIFY(!copies->isChecked() && withoutCommand->isChecked() && !both->isChecked());
-            QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
-            QVERIFY(tree->nodeByKey(QStringLiteral("E3")));
-
-            withoutCommand->trigger();
-            QCOMPARE(document.hideMode, 0);
-            QVERIFY(!copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
-            QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV"));
-            QCOMPARE(tree->nodeCount(), 5);
-
-            copies->trigger();
-            QCOMPARE(document.hideMode, 1);
-            QVERIFY(copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
-            QVERIFY(!tree->nodeByKey(QStringLiteral("E3")));
-            both->trigger();
-            QCOMPARE(document.hideMode, 3);
-            both->trigger();
-            QCOMPARE(document.hideMode, 0);
-            QVERIFY(!copies->isChecked() && !withoutCommand->isChecked() && !both->isChecked());
-        }
-
-        void hideCommandsWithoutDocumentChangeNothing()
-        {
-            GuiSandbox sandbox;
-            sandbox.action(QStringLiteral("mnuHideBoth"))->trigger();
-            QVERIFY(!sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
-            QVERIFY(!sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
-            QVERIFY(sandbox.prompts().messages.isEmpty());
-        }
-
-        void refreshRebuildsTheTreeKeepingTheHideMode()
-        {
-            GuiSandbox sandbox;
-            const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
-            MainWindow& window = sandbox.window();
-            const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
-            sandbox.action(QStringLiteral("mnuHideWCommand"))->trigger();
-            MenuDocument& document = window.state().document(index);
-            document.items[0].caption = QStringLiteral("Packing");
-            ItemTree* tree = window.editor(index)->tree();
-            QCOMPARE(tree->nodeByKey(QStringLiteral("E0"))->text(0), QStringLiteral("Archive"));
-
-            sandbox.action(QStringLiteral("mnuRefresh"))->trigger();
-
-            QCOMPARE(tree->nodeByKey(QStringLiteral("E0"))->text(0), QStringLiteral("Packing"));
-            QCOMPARE(document.hideMode, 2);
-            QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
-            QCOMPARE(tree->currentItem(), tree->node(2));
-        }
-
-        void tilingArrangesTheWindows()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            window.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&window));
-            window.mnuNew_Click();
-            window.mnuNew_Click();
-            window.mnuNew_Click();
-            const QRect area = mdiArea(window)->viewport()->rect();
-            QList<QMdiSubWindow*> frames;
-            for (const qint16 index : window.state().openDocumentIndexes()) {
-                frames.append(frameOf(window.editor(index)));
+    void aboutQtShowsTheToolkitsBox()
+    {
+        GuiSandbox sandbox;
+        QString shownTitle;
+        QTimer::singleShot(0, qApp, [&shownTitle]() {
+            QWidget* box = QApplication::activeModalWidget();
+            if (box) {
+                shownTitle = box->windowTitle();
+                box->close();
             }
+        });
+        sandbox.action(QStringLiteral("mnuAboutQt"))->trigger();
+        QCOMPARE(shownTitle, QStringLiteral("About Qt"));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+};
 
-            sandbox.action(QStringLiteral("mnuHorizontal"))->trigger();
-            int top = 0;
-            for (const QMdiSubWindow* frame : frames) {
-                QCOMPARE(frame->geometry().left(), 0);
-                QCOMPARE(frame->geometry().width(), area.width());
-                QCOMPARE(frame->geometry().top(), top);
-                top = frame->geometry().bottom() + 1;
-            }
-            QCOMPARE(top, area.height());
-
-            sandbox.action(QStringLiteral("mnuVertical"))->trigger();
-            int left = 0;
-            for (const QMdiSubWindow* frame : frames) {
-                QCOMPARE(frame->geometry().top(), 0);
-                QCOMPARE(frame->geometry().height(), area.height());
-                QCOMPARE(frame->geometry().left(), left);
-                left = frame->geometry().right() + 1;
-            }
-            QCOMPARE(left, area.width());
-
-            sandbox.action(QStringLiteral("mnuCascade"))->trigger();
-            QVERIFY(frames.at(0)->geometry().topLeft() != frames.at(1)->geometry().topLeft());
-        }
-
-        void mainWindowOpensWithinTheScreen()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            QVERIFY(sandbox.showWindow());
-            const QRect available = window.screen()->availableGeometry();
-            QVERIFY2(available.contains(window.frameGeometry()),
-                     qPrintable(QStringLiteral("%1x%2 on %3x%4")
-                                    .arg(window.frameGeometry().width())
-                                    .arg(window.frameGeometry().height())
-                                    .arg(available.width())
-                                    .arg(available.height())));
-            // Not a postage stamp either: it takes most of a small screen, or its own size on a large one.
-            QVERIFY(window.width() >= qMin(1000, available.width() * 3 / 4));
-            QVERIFY(window.height() >= qMin(700, available.height() * 3 / 4));
-        }
-
-        void firstEditorWindowFillsTheArea()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            QVERIFY(sandbox.showWindow());
-            window.mnuNew_Click();
-            const QRect area = mdiArea(window)->viewport()->rect();
-            QCOMPARE(frameOf(window.activeEditor())->geometry(), area);
-
-            window.mnuNew_Click();
-            // Later ones take two thirds of it (but never less than they need) and leave the first as it is.
-            const QSize second = frameOf(window.activeEditor())->size();
-            const QSize needed = frameOf(window.activeEditor())->minimumSizeHint();
-            QCOMPARE(second.width(), qMax(qRound(area.width() * 2 / 3.0), needed.width()));
-            QCOMPARE(second.height(), qMax(qRound(area.height() * 2 / 3.0), needed.height()));
-            QCOMPARE(frameOf(window.editor(1))->geometry(), area);
-        }
-
-        void menuOpenedBeforeTheWindowShowsFillsTheArea()
-        {
-            // As with a menu named on the command line: it opens before the main window shows.
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            const qint16 index = window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")),
-                                                 QStringLiteral("archive-tools.ini"));
-            QVERIFY(sandbox.showWindow());
-            QCOMPARE(frameOf(window.editor(index))->geometry(), mdiArea(window)->viewport()->rect());
-        }
-
-        void treeKeepsAShareOfWindowsTiledSideBySide()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            QVERIFY(sandbox.showWindow());
-            window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini")),
-                            QStringLiteral("archive-tools.ini"));
-            window.openMenu(sandbox.copyExample(QStringLiteral("media-tools.ini")), QStringLiteral("media-tools.ini"));
-            sandbox.trigger(QStringLiteral("mnuVertical"));
-            const int tileWidth = mdiArea(window)->viewport()->width() / 2;
-            for (const qint16 index : window.state().openDocumentIndexes()) {
-                EditorWindow* editor = window.editor(index);
-                QVERIFY(qAbs(frameOf(editor)->width() - tileWidth) <= 1);
-                // The whole editor fits its tile: nothing is cut off on the right.
-                QVERIFY2(editor->minimumSizeHint().width() <= editor->width(),
-                         qPrintable(
-                             QStringLiteral("needs %1 of %2, side %3 tree %4")
-                                 .arg(editor->minimumSizeHint().width())
-                                 .arg(editor->width())
-                                 .arg(editor->findChild<QWidget*>(QStringLiteral("pnlItem"))->minimumSizeHint().width())
-                                 .arg(editor->tree()->minimumSizeHint().width())));
-                const int treeWidth = editor->tree()->width();
-                const int splitWidth = editor->findChild<QSplitter*>(QStringLiteral("splEditor"))->width();
-                QVERIFY2(treeWidth * 10 >= splitWidth * 3,
-                         qPrintable(QStringLiteral("tree %1 of %2").arg(treeWidth).arg(splitWidth)));
-            }
-        }
-
-        void recentListKeepsTheLastFiveOpenedMenus()
-        {
-            GuiSandbox sandbox;
-            QStringList paths;
-            for (int n = 1; n <= 6; ++n) {
-                paths.append(
-                    sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("menu%1.ini").arg(n)));
-            }
-            MainWindow& window = sandbox.window();
-            QVERIFY(!sandbox.action(QStringLiteral("Tire03"))->isVisible());
-            sandbox.prompts().fileNames = paths;
-            for (int n = 0; n < 6; ++n) {
-                sandbox.action(QStringLiteral("mnuOpen"))->trigger();
-            }
-            QCOMPARE(window.state().openDocumentIndexes().size(), 6);
-            for (int entry = 0; entry < 5; ++entry) {
-                QAction* recent = sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry));
-                QVERIFY(recent->isVisible());
-                QCOMPARE(MenuTexts::visible(recent->text()), paths.at(5 - entry));
-            }
-            for (int entry = 5; entry < 10; ++entry) {
-                QVERIFY(!sandbox.action(QStringLiteral("mnuRecent") + QString::number(entry))->isVisible());
-            }
-            QVERIFY(sandbox.action(QStringLiteral("Tire03"))->isVisible());
-            const QByteArray expected
-                = (QStringList({ paths.at(5), paths.at(4), paths.at(3), paths.at(2), paths.at(1) })
-                       .join(QStringLiteral("\r\n"))
-                   + QStringLiteral("\r\n"))
-                      .toLocal8Bit();
-            QCOMPARE(GuiSandbox::readFile(sandbox.programFolder() + QStringLiteral("/Recent.ini")), expected);
-
-            // A fresh start shows the same list, and an entry opens its menu.
-            MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
-            QAction* newest = second.findChild<QAction*>(QStringLiteral("mnuRecent0"));
-            QCOMPARE(MenuTexts::visible(newest->text()), paths.at(5));
-            newest->trigger();
-            QCOMPARE(editorCaptions(second), QStringList({ QStringLiteral("menu6.ini") }));
-        }
-
-        void optionsOfAnEmptyStoreAreAllOff()
-        {
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            QCOMPARE(window.state().options(), Options());
-            QAction* copyComDup = sandbox.action(QStringLiteral("mnuCopyComDup"));
-            QVERIFY(copyComDup->isCheckable());
-            QVERIFY(!copyComDup->isChecked());
-
-            copyComDup->trigger();
-            QVERIFY(copyComDup->isChecked());
-            QVERIFY(window.state().options().copyCommandDup);
-            QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::copyCommandDupName()),
-                     QStringLiteral("True"));
-            QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::checkCopyCommandName()),
-                     QStringLiteral("0"));
-
-            copyComDup->trigger();
-            QVERIFY(!copyComDup->isChecked());
-            QCOMPARE(sandbox.optionsStore().readValue(OptionsStore::keyPath(), OptionsStore::copyCommandDupName()),
-                     QStringLiteral("False"));
-        }
-
-        void storedCopyCommandDupChecksItsEntry()
-        {
-            GuiSandbox sandbox;
-            Options options;
-            options.copyCommandDup = true;
-            sandbox.optionsStore().saveOptions(options);
-            QVERIFY(sandbox.action(QStringLiteral("mnuCopyComDup"))->isChecked());
-            QCOMPARE(sandbox.window().state().options(), options);
-        }
-
-        void optionsDialogChangesTheOptionsOnSaveOnly()
-        {
-            GuiSandbox sandbox;
-            const QString menu = sandbox.copyExample(QStringLiteral("archive-tools.ini"));
-            MainWindow& window = sandbox.window();
-            window.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&window));
-
-            // Cancel first: nothing changes.
-            answerOptionsDialog(QStringLiteral("cmdCancel"));
-            sandbox.action(QStringLiteral("mnuOptions"))->trigger();
-            QCOMPARE(window.state().options(), Options());
-
-            answerOptionsDialog(QStringLiteral("cmdSave"));
-            sandbox.action(QStringLiteral("mnuOptions"))->trigger();
-            QCOMPARE(window.state().options().hideItemsCopyCommand, qint16(1));
-            QCOMPARE(sandbox.optionsStore().loadOptions().hideItemsCopyCommand, qint16(1));
-
-            // The next menu opened starts with copy-command links hidden.
-            const qint16 index = window.openMenu(menu, QStringLiteral("archive-tools.ini"));
-            QCOMPARE(window.state().document(index).hideMode, 1);
-        }
-
-        void anyMenuFileOpensOrFailsWithoutHarm()
-        {
-            // Menus as people write them by hand: stray and skipped depth markers, odd captions,
-            // identical command lists (links when the option is on), and now and then a line the
-            // reader cannot take. Each either opens and can be clicked through, hidden and refreshed,
-            // or fails with one message and leaves nothing behind.
-            GuiSandbox sandbox;
-            MainWindow& window = sandbox.window();
-            QRandomGenerator random(20261122);
-            const QStringList captions = { QStringLiteral("Pack"), QString(),
-                                           QStringLiteral("Root"), QStringLiteral("  blanks  "),
-                                           QStringLiteral("E1"),   QStringLiteral("a=b:c") };
-            const QStringList commands = { QStringLiteral("zip=pack.exe $fs-001$"), QStringLiteral("=del $fs-001$"),
-                                           QStringLiteral("txt=notepad a=b:c") };
-            const QStringList brokenLines
-                = { QStringLiteral("0001zip"), QStringLiteral("x:zip=pack"), QStringLiteral("9999:zip=pack") };
-            const QList<QAction*> hideEntries
-                = { sandbox.action(QStringLiteral("mnuHideCopies")), sandbox.action(QStringLiteral("mnuHideWCommand")),
-                    sandbox.action(QStringLiteral("mnuHideBoth")) };
-            for (int round = 0; round < 120; ++round) {
-                Options options;
-                options.checkCopyCommand = qint16(round % 2);
-                options.hideItemsCopyCommand = qint16((round / 2) % 2);
-                options.hideItemsWithoutCommand = qint16((round / 4) % 2);
-                window.state().setOptions(options);
-
-                const int itemCount = random.bounded(1, 20);
-                QStringList itemLines;
-                for (int item = 0; item < itemCount; ++item) {
-                    QString line = QString(random.bounded(0, 10), QChar(0xB7))
-                        + captions.at(random.bounded(int(captions.size())));
-                    // An empty line is no item at all.
-                    itemLines.append(line.isEmpty() ? QStringLiteral("Item") : line);
-                }
-                QStringList commandLines;
-                const int commandCount = random.bounded(0, 2 * itemCount);
-                for (int command = 0; command < commandCount; ++command) {
-                    commandLines.append(
-                        QStringLiteral("%1:").arg(random.bounded(1, itemCount + 1), 4, 10, QLatin1Char('0'))
-                        + commands.at(random.bounded(int(commands.size()))));
-                }
-                const bool broken = round % 10 == 9;
-                if (broken) {
-                    commandLines.insert(random.bounded(int(commandLines.size()) + 1),
-                                        brokenLines.at(random.bounded(int(brokenLines.size()))));
-                }
-                const QString name = QStringLiteral("random%1.ini").arg(round);
-                const QString path
-                    = GuiSandbox::writeFile(sandbox.menuPath(name), GuiSandbox::menuBytes(itemLines, commandLines));
-                QVERIFY(!path.isEmpty());
-
-                sandbox.prompts().clearLog();
-                const qint16 slotsBefore = window.state().lastSlot();
-                const qint16 index = window.openMenu(path, name);
-                if (broken) {
-                    QCOMPARE(index, qint16(0));
-                    QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MainWindow::openErrorMessage() }));
-                    QCOMPARE(window.state().lastSlot(), slotsBefore);
-                    continue;
-                }
-                QVERIFY2(index != 0, qPrintable(sandbox.prompts().messageTexts().join(QLatin1Char('|'))));
-                const MenuDocument& document = window.state().document(index);
-                checkEveryNode(window, index);
-                for (int step = 0; step < 4 && !QTest::currentTestFailed(); ++step) {
-                    hideEntries.at(random.bounded(int(hideEntries.size())))->trigger();
-                    checkEveryNode(window, index);
-                }
-                sandbox.action(QStringLiteral("mnuRefresh"))->trigger();
-                checkEveryNode(window, index);
-                if (QTest::currentTestFailed()) {
-                    return;
-                }
-                QVERIFY(sandbox.prompts().messages.isEmpty());
-                QVERIFY(document.saved);
-                QVERIFY(window.editor(index)->closeWindow());
-            }
-        }
-
-        void aboutShowsTheProgramAndVersion()
-        {
-            GuiSandbox sandbox;
-            sandbox.action(QStringLiteral("mnuAbout"))->trigger();
-            QCOMPARE(sandbox.prompts().messages.size(), 1);
-            QCOMPARE(sandbox.prompts().messages.constFirst().text, aboutText());
-            QVERIFY(sandbox.prompts().messages.constFirst().text.startsWith(QLatin1String("KELV Menu Editor v")));
-            QVERIFY(sandbox.prompts().messages.constFirst().title.isEmpty());
-            QVERIFY(sandbox.prompts().messages.constFirst().text.endsWith(licenceName()));
-        }
-
-        void aboutQtShowsTheToolkitsBox()
-        {
-            GuiSandbox sandbox;
-            QString shownTitle;
-            QTimer::singleShot(0, qApp, [&shownTitle]() {
-                QWidget* box = QApplication::activeModalWidget();
-                if (box) {
-                    shownTitle = box->windowTitle();
-                    box->close();
-                }
-            });
-            sandbox.action(QStringLiteral("mnuAboutQt"))->trigger();
-            QCOMPARE(shownTitle, QStringLiteral("About Qt"));
-            QVERIFY(sandbox.prompts().messages.isEmpty());
-        }
-
-        void helpWithoutAHelpFileSaysSo()
-        {
-            GuiSandbox sandbox;
-            sandbox.action(QStringLiteral("mnuHelp"))->trigger();
-            const QString helpFile = LanguageConfig(sandbox.programFolder()).helpFilePath();
-            QVERIFY(helpFile.startsWith(sandbox.programFolder()));
-            QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ HelpLauncher::missingFileText(helpFile) }));
-        }
-    };
-
-    QTEST_MAIN(TestMainWindow)
+QTEST_MAIN(TestMainWindow)
 #include "test_mainwindow.moc"
