@@ -1,5 +1,6 @@
 #include "kelvmenutool.h"
 
+#include "core/menuproblemcheck.h"
 #include "editing/menuopening.h"
 #include "editscriptparser.h"
 #include "exitcode.h"
@@ -147,6 +148,7 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
 {
     const QString command = QStringLiteral("check");
     QCommandLineParser parser;
+    parser.addOption(QCommandLineOption(QStringLiteral("strict")));
     if (const auto ended = parseArguments(parser, command, arguments, UsageText::check())) {
         return *ended;
     }
@@ -156,24 +158,31 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
     }
 
     bool anyInvalid = false;
+    bool anyWarning = false;
     for (const QString& path : files) {
         // Without link detection, so that the command count is what the file itself stores.
-        MenuDocument document;
-        const MenuReadResult result = readMenuFile(path, document);
-        if (!result.ok()) {
-            printError(failureText(path, result) + QLatin1Char('\n'));
+        const MenuFileCheck check = MenuProblems::checkFile(path);
+        if (!check.read.ok()) {
+            printError(failureText(path, check.read) + QLatin1Char('\n'));
             anyInvalid = true;
             continue;
         }
         qsizetype commandCount = 0;
-        for (const MenuItem& item : document.items) {
+        for (const MenuItem& item : check.document.items) {
             commandCount += item.commandUpperBound();
         }
         // One multi-argument arg(), so that a "%" in a file name is never taken for a placeholder.
         print(QStringLiteral("%1: ok (%2 items, %3 commands)\n")
-                  .arg(path, QString::number(document.items.size()), QString::number(commandCount)));
+                  .arg(path, QString::number(check.document.items.size()), QString::number(commandCount)));
+        for (const MenuProblem& problem : check.problems) {
+            printError(warningText(path, problem) + QLatin1Char('\n'));
+            anyWarning = true;
+        }
     }
-    return anyInvalid ? ExitCode::InvalidFile : ExitCode::Success;
+    if (anyInvalid || (anyWarning && parser.isSet(QStringLiteral("strict")))) {
+        return ExitCode::InvalidFile;
+    }
+    return ExitCode::Success;
 }
 
 int KelvMenuTool::runTree(const QStringList& arguments)
@@ -318,6 +327,14 @@ QString KelvMenuTool::failureText(const QString& path, const MenuReadResult& res
         return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
     }
     return QStringLiteral("%1: %2").arg(path, reason);
+}
+
+QString KelvMenuTool::warningText(const QString& path, const MenuProblem& problem)
+{
+    if (problem.line > 0) {
+        return QStringLiteral("%1:%2: warning: %3").arg(path, QString::number(problem.line), problem.text());
+    }
+    return QStringLiteral("%1: warning: %2").arg(path, problem.text());
 }
 
 int KelvMenuTool::usageError(const QString& command, const QString& message)

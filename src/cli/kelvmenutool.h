@@ -8,6 +8,7 @@
 class QCommandLineParser;
 class QIODevice;
 struct MenuDocument;
+struct MenuProblem;
 struct MenuReadResult;
 
 /// The kelvmenu program without its process: runs one command line against menu files and says
@@ -33,6 +34,8 @@ private:
     int readOrReport(const QString& path, bool detectLinks, MenuDocument& document);
     /// `FILE:LINE: reason` or `FILE: reason` for a file the reader refused.
     static QString failureText(const QString& path, const MenuReadResult& result);
+    /// `FILE:LINE: warning: problem` or `FILE: warning: problem` for a problem of a readable file.
+    static QString warningText(const QString& path, const MenuProblem& problem);
 
     /// Adds --help to `parser` and parses `arguments` of `command`. Returns the exit code when that
     /// already ends the command (a usage error, or the usage printed for --help).
