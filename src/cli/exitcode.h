@@ -3,7 +3,8 @@
 /// What kelvmenu returns to the shell. Scripts test these numbers, so they never change meaning.
 namespace ExitCode {
 constexpr int Success = 0;
-/// `check` found at least one file that the editor would refuse to open.
+/// `check` found at least one file that the editor would refuse to open, or, with --strict, any
+/// problem in a file it can open.
 constexpr int InvalidFile = 1;
 /// Unknown subcommand or option, missing or surplus file name.
 constexpr int UsageError = 2;

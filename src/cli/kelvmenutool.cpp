@@ -1,6 +1,7 @@
 #include "kelvmenutool.h"
 
 #include "core/aboutinfo.h"
+#include "core/menuproblemcheck.h"
 #include "counttext.h"
 #include "editing/menuopening.h"
 #include "editscriptparser.h"
@@ -164,6 +165,7 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
 {
     const QString command = QStringLiteral("check");
     QCommandLineParser parser;
+    parser.addOption(QCommandLineOption(QStringLiteral("strict")));
     if (const auto ended = parseArguments(parser, command, arguments, UsageText::check())) {
         return *ended;
     }
@@ -173,13 +175,14 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
     }
 
     bool anyInvalid = false;
+    bool anyWarning = false;
     for (const QString& path : files) {
         // Without link detection, so that the command count is what the file itself stores.
-        MenuDocument document;
         QByteArray bytes;
         MenuReadResult result = readMenuFileBytes(path, bytes);
+        const MenuFileCheck check = result.ok() ? MenuProblems::checkFileBytes(bytes) : MenuFileCheck {};
         if (result.ok()) {
-            result = readMenuBytes(bytes, document);
+            result = check.read;
         }
         if (!result.ok()) {
             printError(readFailureText(path, result) + QLatin1Char('\n'));
@@ -187,20 +190,28 @@ int KelvMenuTool::runCheck(const QStringList& arguments)
             continue;
         }
         qsizetype commandCount = 0;
-        for (const MenuItem& item : document.items) {
+        for (const MenuItem& item : check.document.items) {
             commandCount += item.commandUpperBound();
         }
         // One multi-argument arg(), so that a "%" in a file name is never taken for a placeholder.
         print(QStringLiteral("%1: ok (%2, %3)\n")
-                  .arg(path, countText(document.items.size(), QStringLiteral("item"), QStringLiteral("items")),
+                  .arg(path, countText(check.document.items.size(), QStringLiteral("item"), QStringLiteral("items")),
                        countText(commandCount, QStringLiteral("command"), QStringLiteral("commands"))));
         // Valid, yet likely not what its author wrote: the editor would show its text garbled.
         const QString warning = utf8TextWarning(bytes);
         if (!warning.isEmpty()) {
             printError(QStringLiteral("%1: warning: %2\n").arg(path, warning));
+            anyWarning = true;
+        }
+        for (const MenuProblem& problem : check.problems) {
+            printError(warningText(path, problem) + QLatin1Char('\n'));
+            anyWarning = true;
         }
     }
-    return anyInvalid ? ExitCode::InvalidFile : ExitCode::Success;
+    if (anyInvalid || (anyWarning && parser.isSet(QStringLiteral("strict")))) {
+        return ExitCode::InvalidFile;
+    }
+    return ExitCode::Success;
 }
 
 int KelvMenuTool::runTree(const QStringList& arguments)
@@ -346,6 +357,14 @@ int KelvMenuTool::readOrReport(const QString& path, bool detectLinks, MenuDocume
     }
     printError(readFailureText(path, result) + QLatin1Char('\n'));
     return result.code == MenuReadResult::NotAMenuFile ? ExitCode::NotAMenuFile : ExitCode::ReadError;
+}
+
+QString KelvMenuTool::warningText(const QString& path, const MenuProblem& problem)
+{
+    if (problem.line > 0) {
+        return QStringLiteral("%1:%2: warning: %3").arg(path, QString::number(problem.line), problem.text());
+    }
+    return QStringLiteral("%1: warning: %2").arg(path, problem.text());
 }
 
 int KelvMenuTool::usageError(const QString& command, const QString& message)

@@ -10,6 +10,8 @@
 class QCommandLineParser;
 class QIODevice;
 struct MenuDocument;
+struct MenuProblem;
+struct MenuReadResult;
 
 /// The kelvmenu program without its process: runs one command line against menu files and says
 /// what to exit with. Results go to `out`, messages and usage errors to `err`, both as UTF-8; `in`
@@ -38,6 +40,8 @@ private:
     /// Writes `document` to `outputPath`, unless the file could not hold it. Problems and write
     /// failures are reported on `err`; returns the exit code.
     int writeOrReport(const MenuDocument& document, const QString& outputPath);
+    /// `FILE:LINE: warning: problem` or `FILE: warning: problem` for a problem of a readable file.
+    static QString warningText(const QString& path, const MenuProblem& problem);
 
     /// Adds --help to `parser` and parses `arguments` of `command`. Returns the exit code when that
     /// already ends the command (a usage error, or the usage printed for --help).

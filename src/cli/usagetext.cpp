@@ -6,7 +6,7 @@ QString exitCodes()
 {
     return QStringLiteral("Exit codes:\n"
                           "  0  success\n"
-                          "  1  check found an invalid file\n"
+                          "  1  check found an invalid file, or with --strict a problem\n"
                           "  2  usage error: unknown command or option, missing or surplus file name\n"
                           "  3  the file is not a menu file (its first line is not \"KELV - Menu\")\n"
                           "  4  any other read error, including a file that cannot be opened\n"
@@ -28,11 +28,18 @@ QString general()
                "KELV Menu Editor does.\n"
                "\n"
                "Commands:\n"
-               "  dump [--detect-links] FILE             print the items as one JSON object (UTF-8)\n"
-               "  format [--detect-links] FILE [-o OUT]  rewrite FILE in the editor's layout, in place or to OUT\n"
-               "  check FILE...                          tell for each file whether the editor can open it\n"
-               "  tree FILE                              print the item tree with keys, command counts and links\n"
-               "  edit [OPTIONS] FILE OPS                apply editing operations to FILE, as the editor does\n"
+               "  dump [--detect-links] FILE             print the items as one JSON object (UTF-8)
+"
+               "  format [--detect-links] FILE [-o OUT]  rewrite FILE in the editor's layout, in place or to OUT
+"
+               "  check [--strict] FILE...               tell for each file whether the editor can open it and
+"
+               "                                         warn of what the context menu would get wrong
+"
+               "  tree FILE                              print the item tree with keys, command counts and links
+"
+               "  edit [OPTIONS] FILE OPS                apply editing operations to FILE, as the editor does
+"
                "\n"
                "Run \"kelvmenu COMMAND --help\" for the details of one command.\n"
                "\n"
@@ -95,7 +102,7 @@ QString format()
 
 QString check()
 {
-    return QStringLiteral("Usage: kelvmenu check FILE...\n"
+    return QStringLiteral("Usage: kelvmenu check [--strict] FILE...\n"
                           "\n"
                           "Reads every FILE as the editor does and reports on each, going on after a failure.\n"
                           "A valid file gives a line on standard output:\n"
@@ -111,14 +118,31 @@ QString check()
                           "code:\n"
                           "  FILE: warning: the file looks like UTF-8 text, but menu files are Windows-1252: ...\n"
                           "\n"
+                          "A valid file is then checked for what the context menu would get wrong or what looks\n"
+                          "like a slip, each problem a warning on standard error with its line, its item (number\n"
+                          "in the [Commands] section and captions from the top) and, for a command, its number:\n"
+                          "  FILE:LINE: warning: item N \"CAPTION > CAPTION\", command C: problem\n"
+                          "e.g. menu.ini:18: warning: item 4 \"Delete\", command 1: unknown variable \"$fs-01$\"\n"
+                          "The problems looked for:\n"
+                          "  - an item line two or more levels deeper than the item line before it (it is read as\n"
+                          "    a top-level item, or as the child of an earlier item), one or two stray markers\n"
+                          "    before a caption, an empty caption, two items of one parent with the same caption;\n"
+                          "  - in commands: an empty command, a variable between \"$\" signs that is neither one\n"
+                          "    of the command editor's variables nor a variation their help allows (another\n"
+                          "    number in place of 001 where the help says the number can be changed, another\n"
+                          "    extension in place of avi), an odd number of \"$\", a call of the script runner\n"
+                          "    $exepath$\\Tolvexer\\Tolvexer.exe that names no .tvs or .tvp script, or whose\n"
+                          "    parameter numbers are not 001 to 030 or repeat.\n"
+                          "\n"
                           "Options:\n"
+                          "  --strict    exit with 1 when any warning was printed\n"
                           "  -h, --help  show this help\n"
                           "\n"
                           "Example:\n"
-                          "  kelvmenu check menus/*.ini\n"
+                          "  kelvmenu check --strict menus/*.ini\n"
                           "\n"
-                          "Exit codes: 0 when every file is valid, 1 when any file is invalid or cannot be read,\n"
-                          "2 for a usage error.\n");
+                          "Exit codes: 0 when every file is valid (warnings or not), 1 when any file is invalid or\n"
+                          "cannot be read, or with --strict when any warning was printed; 2 for a usage error.\n");
 }
 
 QString tree()

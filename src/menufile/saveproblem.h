@@ -11,6 +11,8 @@ struct SaveProblem
     QString itemPath;
     /// What is wrong, e.g. `command 2 holds a line break`.
     QString description;
+    /// The item's key, to find it in the menu; two problems compare by what they tell the user.
+    QString itemKey = QString();
 
     friend bool operator==(const SaveProblem& left, const SaveProblem& right)
     {

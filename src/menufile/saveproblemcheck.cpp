@@ -193,7 +193,7 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
         }
         const QString path = itemPath(items, chain);
         for (const QString& description : std::as_const(descriptions)) {
-            problems.append(SaveProblem { path, description });
+            problems.append(SaveProblem { path, description, item.key });
         }
     }
     return problems;

@@ -442,11 +442,77 @@ private Q_SLOTS:
                                        QStringLiteral("accents.ini"), QStringLiteral("messy.ini") });
         QVERIFY(result.finished);
         QCOMPARE(result.exitCode, 0);
-        QVERIFY(result.err.isEmpty());
         QCOMPARE(result.out,
                  QByteArray("archive.ini: ok (4 items, 5 commands)\n"
                             "accents.ini: ok (3 items, 2 commands)\n"
                             "messy.ini: ok (6 items, 5 commands)\n"));
+        // Readable files with problems are still valid: their warnings go to standard error.
+        QCOMPARE(result.err,
+                 QByteArray("accents.ini:13: warning: item 1 \"Caf\xc3\xa9\", command 1: unknown variable "
+                            "\"$fn-001$\"\n"
+                            "messy.ini:13: warning: item 6 \"Stray\": 2 stray markers before the caption: a level "
+                            "takes three markers, so they are dropped when the file is read\n"));
+    }
+
+    void checkWarnsOfEveryProblemWithItsLine()
+    {
+        const RunResult result = run({ QStringLiteral("check"), QStringLiteral("problems.ini") });
+        QVERIFY(result.finished);
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("problems.ini: ok (6 items, 6 commands)\n"));
+        const QList<QByteArray> expected {
+            "problems.ini:7: warning: item 3 \"Archive > Pack\": has the same caption as its sibling item 2",
+            "problems.ini:8: warning: item 4 \"Lost\": its line is 2 levels deeper than the item line before it, so "
+            "it is read as a top-level item",
+            "problems.ini:9: warning: item 5 \"Tools\": 2 stray markers before the caption: a level takes three "
+            "markers, so they are dropped when the file is read",
+            "problems.ini:10: warning: item 6 \"Tools > \": has an empty caption",
+            "problems.ini:17: warning: item 3 \"Archive > Pack\", command 1: unknown variable \"$fs-01$\"",
+            "problems.ini:18: warning: item 4 \"Lost\", command 1: script parameter 002 is given more than once in "
+            "one call of the script runner",
+            "problems.ini:18: warning: item 4 \"Lost\", command 1: script parameter number 031 is not one of 001 to "
+            "030",
+            "problems.ini:19: warning: item 5 \"Tools\", command 1: odd number of \"$\" (1): the last one opens a "
+            "variable that is never closed",
+            "problems.ini:20: warning: item 6 \"Tools > \", command 1: the command is empty",
+            "problems.ini:21: warning: item 2 \"Archive > Pack\", command 2: the script runner is called with "
+            "\"$exepath$\\RUN.BAT\", which is no .tvs or .tvp script",
+        };
+        QCOMPARE(result.err.split('\n'), expected + QList<QByteArray> { QByteArray() });
+    }
+
+    void checkStrictFailsOnWarnings_data()
+    {
+        QTest::addColumn<QStringList>("files");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<int>("exitCodeStrict");
+        QTest::newRow("no problems") << QStringList { QStringLiteral("archive.ini") } << 0 << 0;
+        QTest::newRow("problems") << QStringList { QStringLiteral("problems.ini") } << 0 << 1;
+        QTest::newRow("one file with problems")
+            << QStringList { QStringLiteral("archive.ini"), QStringLiteral("messy.ini") } << 0 << 1;
+        QTest::newRow("invalid") << QStringList { QStringLiteral("no-colon.ini") } << 1 << 1;
+        QTest::newRow("invalid and problems")
+            << QStringList { QStringLiteral("problems.ini"), QStringLiteral("no-colon.ini") } << 1 << 1;
+    }
+
+    void checkStrictFailsOnWarnings()
+    {
+        QFETCH(QStringList, files);
+        QFETCH(int, exitCode);
+        QFETCH(int, exitCodeStrict);
+        const RunResult plain = run(QStringList { QStringLiteral("check") } + files);
+        QVERIFY(plain.finished);
+        QCOMPARE(plain.exitCode, exitCode);
+        for (const QStringList& arguments :
+             { QStringList { QStringLiteral("check"), QStringLiteral("--strict") } + files,
+               QStringList { QStringLiteral("check") } + files + QStringList { QStringLiteral("--strict") } }) {
+            const RunResult strict = run(arguments);
+            QVERIFY(strict.finished);
+            QCOMPARE(strict.exitCode, exitCodeStrict);
+            // The option changes the exit code only.
+            QCOMPARE(strict.out, plain.out);
+            QCOMPARE(strict.err, plain.err);
+        }
     }
 
     void checkCountsOneItemAndOneCommandInTheSingular()
@@ -599,7 +665,9 @@ private Q_SLOTS:
                             "accents.ini: ok (3 items, 2 commands)\n"));
         QCOMPARE(result.err,
                  QByteArray("no-colon.ini:13: command line has no \":\"\n"
-                            "broken-magic.ini:1: This is not a valid KELV Menu file !\n"));
+                            "broken-magic.ini:1: This is not a valid KELV Menu file !\n"
+                            "accents.ini:13: warning: item 1 \"Caf\xc3\xa9\", command 1: unknown variable "
+                            "\"$fn-001$\"\n"));
     }
 
     // tree
@@ -783,7 +851,7 @@ private Q_SLOTS:
         QTest::newRow("format --help") << QStringList { QStringLiteral("format"), QStringLiteral("--help") }
                                        << QByteArray("Usage: kelvmenu format [--detect-links] FILE [-o OUT]\n");
         QTest::newRow("check --help") << QStringList { QStringLiteral("check"), QStringLiteral("--help") }
-                                      << QByteArray("Usage: kelvmenu check FILE...\n");
+                                      << QByteArray("Usage: kelvmenu check [--strict] FILE...\n");
         QTest::newRow("tree --help") << QStringList { QStringLiteral("tree"), QStringLiteral("--help") }
                                      << QByteArray("Usage: kelvmenu tree FILE\n");
         QTest::newRow("tree -h with file")

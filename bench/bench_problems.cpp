@@ -1,0 +1,91 @@
+// Times the check of a menu for problems on the largest menus a menu file can hold: the check of a
+// document (what the editor's Problems list runs after every edit) and of a file's bytes (what
+// kelvmenu check runs, reading included). Each on two menus of every shape: as generated, where most
+// commands name a variable the catalogue does not know ("$dest$", "$fs-1234$"), so that nearly every
+// item has a problem, and the same menu with catalogue variables only, as a sound menu has.
+// Run by hand on a release build: kelvbench_problems [runs]
+
+#include "benchtiming.h"
+#include "menugenerator.h"
+
+#include "core/menuproblemcheck.h"
+#include "menufile/menufilereader.h"
+#include "menufile/menufilewriter.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+#include <QTextStream>
+
+namespace {
+
+QString cell(double milliseconds)
+{
+    return QString::number(milliseconds, 'f', 1).rightJustified(12);
+}
+
+/// The menu with variables of the catalogue only: "$dest$" becomes "$fs-dest-001$", and the file
+/// numbers of "$fs-NNNN$" get their three digits.
+MenuDocument soundMenu(MenuDocument document)
+{
+    const QRegularExpression fileNumber(QStringLiteral("\\$fs-\\d+\\$"));
+    for (MenuItem& item : document.items) {
+        for (Command& command : item.commands) {
+            command.command.replace(QStringLiteral("$dest$"), QStringLiteral("$fs-dest-001$"));
+            command.command.replace(fileNumber, QStringLiteral("$fs-002$"));
+        }
+    }
+    return document;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const int runs = arguments.size() > 1 ? std::max(1, arguments.at(1).toInt()) : 11;
+
+    QTextStream out(stdout);
+    out << "Median of " << runs << " runs, milliseconds. 32,767 items, 2 to 5 commands each.\n";
+    out << "document: MenuProblems::checkDocument; file: MenuProblems::checkFileBytes (reading included);\n"
+           "read: readMenuBytes alone, for comparison. \"many\": nearly every item has a problem; \"sound\":\n"
+           "catalogue variables only. problems: found in the many / the sound menu.\n\n";
+    const QStringList headers { QStringLiteral("shape"),     QStringLiteral("problems"),  QStringLiteral("doc many"),
+                                QStringLiteral("doc sound"), QStringLiteral("file many"), QStringLiteral("file sound"),
+                                QStringLiteral("read sound") };
+    for (const QString& header : headers) {
+        out << header.rightJustified(12);
+    }
+    out << '\n';
+
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options options;
+        options.shape = shape;
+        const MenuDocument many = MenuGenerator::generate(options);
+        const MenuDocument sound = soundMenu(many);
+        const QByteArray manyBytes = menuFileBytes(many);
+        const QByteArray soundBytes = menuFileBytes(sound);
+
+        qsizetype problemCount = 0;
+        const auto none = [] {};
+        const double documentMany
+            = medianMilliseconds(runs, none, [&] { problemCount = MenuProblems::checkDocument(many).size(); });
+        qsizetype soundProblems = 0;
+        const double documentSound
+            = medianMilliseconds(runs, none, [&] { soundProblems = MenuProblems::checkDocument(sound).size(); });
+        const double fileMany = medianMilliseconds(runs, none, [&] { MenuProblems::checkFileBytes(manyBytes); });
+        const double fileSound = medianMilliseconds(runs, none, [&] { MenuProblems::checkFileBytes(soundBytes); });
+        const double readSound = medianMilliseconds(runs, none, [&] {
+            MenuDocument read;
+            readMenuBytes(soundBytes, read);
+        });
+
+        out << MenuGenerator::shapeName(shape).rightJustified(12)
+            << (QString::number(problemCount) + QLatin1Char('/') + QString::number(soundProblems)).rightJustified(12)
+            << cell(documentMany) << cell(documentSound) << cell(fileMany) << cell(fileSound) << cell(readSound)
+            << '\n';
+        out.flush();
+    }
+    out << "\nGoal: the check of a document under 100 ms.\n";
+    return 0;
+}
