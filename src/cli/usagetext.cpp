@@ -28,18 +28,12 @@ QString general()
                "KELV Menu Editor does.\n"
                "\n"
                "Commands:\n"
-               "  dump [--detect-links] FILE             print the items as one JSON object (UTF-8)
-"
-               "  format [--detect-links] FILE [-o OUT]  rewrite FILE in the editor's layout, in place or to OUT
-"
-               "  check [--strict] FILE...               tell for each file whether the editor can open it and
-"
-               "                                         warn of what the context menu would get wrong
-"
-               "  tree FILE                              print the item tree with keys, command counts and links
-"
-               "  edit [OPTIONS] FILE OPS                apply editing operations to FILE, as the editor does
-"
+               "  dump [--detect-links] FILE             print the items as one JSON object (UTF-8)\n"
+               "  format [--detect-links] FILE [-o OUT]  rewrite FILE in the editor's layout, in place or to OUT\n"
+               "  check [--strict] FILE...               tell for each file whether the editor can open it and\n"
+               "                                         warn of what the context menu would get wrong\n"
+               "  tree FILE                              print the item tree with keys, command counts and links\n"
+               "  edit [OPTIONS] FILE OPS                apply editing operations to FILE, as the editor does\n"
                "\n"
                "Run \"kelvmenu COMMAND --help\" for the details of one command.\n"
                "\n"

@@ -648,10 +648,15 @@ private Q_SLOTS:
                  QByteArray("utf8.ini: ok (1 item, 1 command)\n"
                             "accents.ini: ok (3 items, 2 commands)\n"
                             "archive.ini: ok (4 items, 5 commands)\n"));
-        // Windows-1252 accents (accents.ini) and plain ASCII (archive.ini) give no warning.
+        // Windows-1252 accents (accents.ini) and plain ASCII (archive.ini) give no UTF-8 warning; the
+        // one of accents.ini is about a variable.
         QCOMPARE(result.err,
                  QByteArray("utf8.ini: warning: the file looks like UTF-8 text, but menu files are "
-                            "Windows-1252: \"\xC3\xA9\" reads as \"\xC3\x83\xC2\xA9\"\n"));
+                            "Windows-1252: \"\xC3\xA9\" reads as \"\xC3\x83\xC2\xA9\"\n"
+                            "accents.ini:13: warning: item 1 \"Caf\xC3\xA9\", command 1: unknown variable "
+                            "\"$fn-001$\"\n"));
+        // Under --strict the UTF-8 warning alone fails the check.
+        QCOMPARE(run({ QStringLiteral("check"), QStringLiteral("--strict"), QStringLiteral("utf8.ini") }).exitCode, 1);
     }
 
     void checkGoesThroughAllFiles()

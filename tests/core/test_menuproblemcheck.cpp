@@ -299,6 +299,25 @@ private Q_SLOTS:
                      QStringLiteral("0 | 4 | E9 | 0 | empty caption | item 4 \"Second > \": has an empty caption") }));
     }
 
+    void whatTheFileCannotHoldIsAProblemAtItsItem()
+    {
+        MenuDocument document;
+        document.items = { item(QStringLiteral("First"), -1, 1, 1, QStringLiteral("E0")),
+                           item(QStringLiteral("a\nb"), 0, 1, 0, QStringLiteral("E4")) };
+        addCommand(document.items[0], QStringLiteral("a=b"), QStringLiteral("x"));
+        const QList<MenuProblem> problems = MenuProblems::checkDocument(document);
+        QCOMPARE(problems.size(), 2);
+        for (const MenuProblem& problem : problems) {
+            QCOMPARE(problem.kind, MenuProblem::Kind::UnsavableValue);
+        }
+        QCOMPARE(problems.at(0).itemKey, QStringLiteral("E0"));
+        QCOMPARE(problems.at(0).itemNumber, 1);
+        QVERIFY(problems.at(0).message.contains(QStringLiteral("=")));
+        QCOMPARE(problems.at(1).itemKey, QStringLiteral("E4"));
+        QCOMPARE(problems.at(1).itemNumber, 2);
+        QCOMPARE(problems.at(1).itemPath, QStringList({ QStringLiteral("First"), QStringLiteral("a\nb") }));
+    }
+
     void itemsTheFileWouldNotHoldAreLeftOut()
     {
         MenuDocument document;
