@@ -6,6 +6,7 @@
 #include "app/editorwindow.h"
 #include "app/itemtree.h"
 #include "app/optionsdialog.h"
+#include "app/problemspanel.h"
 #include "app/replacedialog.h"
 #include "core/aboutinfo.h"
 #include "core/accesskeys.h"
@@ -240,6 +241,22 @@ void MainWindow::buildMenus()
     // Edit
     m_mnuEdit = namedMenu(nullptr, QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
     m_editMenu = new EditMenu(m_mnuEdit, *this, m_session);
+
+    // View: the Problems panel of the active menu, docked at the bottom and hidden at first.
+    m_problemsPanel = new ProblemsPanel(
+        [this](qint16 index) { return m_state.editor(index) != nullptr ? &m_state.document(index) : nullptr; }, this);
+    addDockWidget(Qt::BottomDockWidgetArea, m_problemsPanel);
+    m_problemsPanel->hide();
+    connect(m_problemsPanel, &ProblemsPanel::itemRequested, this, [this](qint16 index, const QString& key) {
+        if (EditorWindow* shown = editor(index)) {
+            shown->showFoundItem(key);
+        }
+    });
+    QMenu* mnuView = namedMenu(nullptr, QStringLiteral("mnuView"), QStringLiteral("&View"));
+    QAction* mnuProblems = m_problemsPanel->toggleViewAction();
+    mnuProblems->setObjectName(QStringLiteral("mnuProblems"));
+    mnuProblems->setText(QStringLiteral("&Problems"));
+    mnuView->addAction(mnuProblems);
 
     // Window
     m_mnuWindow = namedMenu(nullptr, QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
@@ -966,6 +983,8 @@ void MainWindow::updateMenus()
     }
     m_editMenu->apply(state);
     m_commandMenu->apply(state);
+    // The panel checks the menu again only when it changed, so following every update is cheap.
+    m_problemsPanel->follow(view != nullptr ? index : qint16(0));
     updateHideMarks();
     m_lblNoMenu->setVisible(!input.editorOpen);
 }

@@ -18,6 +18,7 @@
 
 class CommandMenu;
 class EditMenu;
+class ProblemsPanel;
 class ReplaceDialog;
 class EditorWindow;
 class OptionsStore;
@@ -112,6 +113,8 @@ public:
     EditMenu& editMenu() { return *m_editMenu; }
     /// The command list's pop-up menu and the command editor it opens.
     CommandMenu& commandMenu() { return *m_commandMenu; }
+    /// The Problems panel of the active menu.
+    ProblemsPanel& problemsPanel() { return *m_problemsPanel; }
 
     // EditingHost
     void recordSnapshot(qint16 index) override;
@@ -255,6 +258,7 @@ private:
     QMenu* m_mnuWindow = nullptr;
     QMenu* m_mnuH = nullptr;
     CommandMenu* m_commandMenu = nullptr;
+    ProblemsPanel* m_problemsPanel = nullptr;
     QMenu* m_mnuNodes = nullptr;
     QMenu* m_mnuNodesInsertSub = nullptr;
     QMenu* m_mnuNodesInsertNext = nullptr;

@@ -224,7 +224,10 @@ private Q_SLOTS:
         }
         QCOMPARE(bar,
                  QStringList({ QStringLiteral("mnuFile|&File"), QStringLiteral("mnuEdit|&Edit"),
-                               QStringLiteral("mnuWindow|&Window"), QStringLiteral("mnuH|&Help") }));
+                               QStringLiteral("mnuView|&View"), QStringLiteral("mnuWindow|&Window"),
+                               QStringLiteral("mnuH|&Help") }));
+        QCOMPARE(menuLayout(window.findChild<QMenu*>(QStringLiteral("mnuView"))),
+                 QStringList({ QStringLiteral("mnuProblems|Problems") }));
 
         QStringList file = {
             QStringLiteral("mnuNew|New"),   QStringLiteral("mnuOpen|Open"),          QStringLiteral("Tire01|-"),
