@@ -15,21 +15,7 @@
 
 using TreeHelpers::clickNode;
 using TreeHelpers::texts;
-
-namespace {
-
-void typeLabel(ItemTree& tree, const QString& text)
-{
-    QLineEdit* editor = TreeHelpers::labelEditor(tree);
-    QVERIFY(editor);
-    editor->selectAll();
-    QTest::keyClick(editor, Qt::Key_Delete);
-    QTest::keyClicks(editor, text);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_VERIFY(!tree.isEditingLabel());
-}
-
-} // namespace
+using TreeHelpers::typeLabel;
 
 /// The Problems panel: shown from the View menu, following the active menu through edits, Undo and
 /// window switches, and showing an item when its row is double-clicked.

@@ -25,6 +25,7 @@ using TreeHelpers::isBold;
 using TreeHelpers::labelEditor;
 using TreeHelpers::nodeOutline;
 using TreeHelpers::texts;
+using TreeHelpers::typeLabel;
 
 namespace {
 
@@ -40,18 +41,6 @@ QString panelText(GuiSandbox& sandbox, int panel)
 int undoCount(GuiSandbox& sandbox, qint16 index)
 {
     return sandbox.window().state().histories().history(index).undoCount();
-}
-
-/// Replaces the text of the open label editor with `text` and presses Enter.
-void typeLabel(ItemTree& tree, const QString& text)
-{
-    QLineEdit* editor = labelEditor(tree);
-    QVERIFY(editor);
-    editor->selectAll();
-    QTest::keyClick(editor, Qt::Key_Delete);
-    QTest::keyClicks(editor, text);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_VERIFY(!tree.isEditingLabel());
 }
 
 } // namespace

@@ -81,4 +81,16 @@ inline bool isBold(const ItemTree& tree, const QString& key)
     return tree.nodeByKey(key)->font(0).bold();
 }
 
+/// Types `text` into the open label editor of `tree` over what it holds and confirms it with Enter.
+inline void typeLabel(ItemTree& tree, const QString& text)
+{
+    QLineEdit* editor = labelEditor(tree);
+    QVERIFY(editor);
+    editor->selectAll();
+    QTest::keyClick(editor, Qt::Key_Delete);
+    QTest::keyClicks(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY(!tree.isEditingLabel());
+}
+
 } // namespace TreeHelpers
