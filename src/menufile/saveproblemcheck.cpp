@@ -128,6 +128,25 @@ void checkCaption(const QString& caption, bool topLevel, QStringList& descriptio
 
 /// `name` is how the command is called in a description: "command 2", or for a link "command 2
 /// (copied from "Pack")".
+/// Printable ASCII alone: nothing a file could not hold, bar the "=" an extension must not hold.
+/// Nearly every text is such, and telling so is far cheaper than the full check.
+bool isPlainText(const QString& text)
+{
+    for (const QChar character : text) {
+        const char16_t code = character.unicode();
+        if (code < 0x20 || code >= 0x7F) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool needsCheck(const Command& command)
+{
+    return !isPlainText(command.command) || !isPlainText(command.extension)
+        || command.extension.contains(QLatin1Char('='));
+}
+
 void checkCommand(const Command& command, const QString& name, QStringList& descriptions)
 {
     const QString extension = QStringLiteral("extension of ") + name;
@@ -173,19 +192,21 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
         descriptions.clear();
         checkCaption(item.caption, entry.depth == 0, descriptions);
         const MenuItem* source = &item;
-        QString copiedFrom;
         if (item.copiesCommands) {
             // A link naming no item writes nothing: the writer fails on it with its own error.
             const qint32 target = indexOfKey.value(item.copyKey, -1);
             source = target >= 0 ? &items.at(target) : nullptr;
-            if (source != nullptr) {
-                copiedFrom = QStringLiteral(" (copied from %1)").arg(shownCaption(source->caption));
-            }
         }
         if (source != nullptr) {
             for (qsizetype slot = 1; slot < source->commands.size(); ++slot) {
-                checkCommand(source->commands.at(slot), QStringLiteral("command %1").arg(slot) + copiedFrom,
-                             descriptions);
+                if (!needsCheck(source->commands.at(slot))) {
+                    continue;
+                }
+                QString name = QStringLiteral("command %1").arg(slot);
+                if (source != &item) {
+                    name += QStringLiteral(" (copied from %1)").arg(shownCaption(source->caption));
+                }
+                checkCommand(source->commands.at(slot), name, descriptions);
             }
         }
         if (descriptions.isEmpty()) {
