@@ -40,7 +40,7 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
     m_itemEntries += { mnuNewItem, mnuRename };
     m_treeEntries += { mnuNewItem, mnuRename };
 
-    QMenu* mnuSpecial = m_menu->addMenu(QStringLiteral("Spec&ial items"));
+    QMenu* mnuSpecial = m_menu->addMenu(QStringLiteral("Special &items"));
     mnuSpecial->setObjectName(QStringLiteral("mnuSpecial"));
     mnuSpecial->menuAction()->setObjectName(QStringLiteral("mnuSpecial"));
     const QStringList specialCaptions

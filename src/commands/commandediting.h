@@ -25,10 +25,14 @@ QString commandSlotRefusal(const EditContext& context);
 TreeUpdate markSpecialItem(EditContext& context);
 
 namespace EditOperations {
-inline constexpr EditOperation storeCommand { "store-command",      EditOperation::Needs::ItemNode,
-                                              EditOperation::Recording::SnapshotAfter, &commandSlotRefusal,
-                                              &::storeCommand,     nullptr,
-                                              nullptr,             false };
+inline constexpr EditOperation storeCommand { "store-command",
+                                              EditOperation::Needs::ItemNode,
+                                              EditOperation::Recording::SnapshotAfter,
+                                              &commandSlotRefusal,
+                                              &::storeCommand,
+                                              nullptr,
+                                              nullptr,
+                                              false };
 inline constexpr EditOperation removeCommand { "remove-command", EditOperation::Needs::ItemNode,
                                                EditOperation::Recording::SnapshotBefore, &commandSlotRefusal,
                                                &::removeCommand };

@@ -80,11 +80,13 @@ QString richHelp()
                          "execution)\\par")
         + QStringLiteral("\r\n")
         + QStringLiteral(
-            "Comments : Replace the Tolvexer parameter value by this : tolvexer.exe myscript.tvp 001=#pop:$datetime$#. "
-            "Useful to let the user enter a value once even if Tolvexer is executed a lot of times. \\cf2 ATTENTION : "
-            "If you want to use this parameter more than once, add a number inside : #pop:$datetime$\\cf3\\ul\\b "
-            "here\\cf2\\ulnone\\b0 # otherwise the second one wont pop and will take the first entered "
-            "value\\cf1 .\\cf0\\par}");
+               "Comments : Replace the Tolvexer parameter value by this : tolvexer.exe myscript.tvp "
+               "001=#pop:$datetime$#. "
+               "Useful to let the user enter a value once even if Tolvexer is executed a lot of times. \\cf2 ATTENTION "
+               ": "
+               "If you want to use this parameter more than once, add a number inside : #pop:$datetime$\\cf3\\ul\\b "
+               "here\\cf2\\ulnone\\b0 # otherwise the second one wont pop and will take the first entered "
+               "value\\cf1 .\\cf0\\par}");
 }
 
 } // namespace

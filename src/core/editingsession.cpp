@@ -105,36 +105,39 @@ bool EditingSession::runDrop(qint16 sourceIndex, qint16 targetIndex, const DropR
     const bool sameDocument = sourceIndex == targetIndex;
     QList<qint16> recorded;
     bool refused = false;
-    const bool completed = targetView != nullptr && sourceView != nullptr && m_host.runGuardedUndoing([&] {
-        MenuDocument& source = m_state.document(sourceIndex);
-        MenuDocument& target = m_state.document(targetIndex);
-        if (sameDocument) {
-            const QString refusal = dropRefusal(target, request);
-            if (!refusal.isEmpty()) {
-                refused = true;
-                m_host.showRefusal(refusal);
-                return;
-            }
-        }
-        if (!sameDocument) {
-            m_host.recordSnapshot(sourceIndex);
-            recorded.append(sourceIndex);
-        }
-        m_host.recordSnapshot(targetIndex);
-        recorded.append(targetIndex);
-        DropUpdates updates;
-        if (request.copy) {
-            updates = dropCopy(source, target, request);
-        } else if (!sameDocument) {
-            updates = dropMoveBetween(source, target, request, m_state.editing());
-        } else {
-            updates.target = dropMoveWithin(target, request);
-        }
-        targetView->applyUpdate(updates.target);
-        if (!updates.source.isEmpty()) {
-            sourceView->applyUpdate(updates.source);
-        }
-    }, recorded);
+    const bool completed = targetView != nullptr && sourceView != nullptr
+        && m_host.runGuardedUndoing(
+            [&] {
+                MenuDocument& source = m_state.document(sourceIndex);
+                MenuDocument& target = m_state.document(targetIndex);
+                if (sameDocument) {
+                    const QString refusal = dropRefusal(target, request);
+                    if (!refusal.isEmpty()) {
+                        refused = true;
+                        m_host.showRefusal(refusal);
+                        return;
+                    }
+                }
+                if (!sameDocument) {
+                    m_host.recordSnapshot(sourceIndex);
+                    recorded.append(sourceIndex);
+                }
+                m_host.recordSnapshot(targetIndex);
+                recorded.append(targetIndex);
+                DropUpdates updates;
+                if (request.copy) {
+                    updates = dropCopy(source, target, request);
+                } else if (!sameDocument) {
+                    updates = dropMoveBetween(source, target, request, m_state.editing());
+                } else {
+                    updates.target = dropMoveWithin(target, request);
+                }
+                targetView->applyUpdate(updates.target);
+                if (!updates.source.isEmpty()) {
+                    sourceView->applyUpdate(updates.source);
+                }
+            },
+            recorded);
     drag.active = false;
     drag.nodeKey.clear();
     return completed && !refused;
