@@ -3,7 +3,9 @@
 # the editor. Packages already present are left alone, so a second run costs nothing.
 set -euo pipefail
 
-packages=(cmake g++ make qt6-base-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils)
+# clang, its sanitizer and libFuzzer runtimes (libclang-rt-dev) and llvm's symbolizer serve the
+# sanitizer build and the fuzz targets.
+packages=(cmake g++ make qt6-base-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils clang libclang-rt-dev llvm)
 missing=()
 for package in "${packages[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
