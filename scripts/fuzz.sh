@@ -33,7 +33,7 @@ for target in "${targets[@]}"; do
     if nice -n 10 "$build_dir/fuzz/$target" -max_total_time="$seconds" -timeout=25 -print_final_stats=1 \
         -dict="$root/fuzz/$target.dict" -artifact_prefix="$build_dir/fuzz/findings/$target-" \
         "$work" "$root/fuzz/corpus/$target" >"$log" 2>&1; then
-        grep -E '^(#[0-9]+ +DONE|stat::number_of_executed_units|stat::peak_rss_mb)' "$log" || true
+        grep -E '^(#[0-9]+[[:space:]]+DONE|stat::number_of_executed_units|stat::average_exec_per_sec|stat::peak_rss_mb)' "$log" || true
     else
         failed=1
         echo "fuzz: $target found a failing input; the end of its log:" >&2
