@@ -1,6 +1,9 @@
 #include "documentsavability.h"
+#include "menucomparison.h"
 
 #include "editing/menuopening.h"
+#include "menufile/menufilereader.h"
+#include "menufile/menufilewriter.h"
 #include "model/menudocument.h"
 
 #include <QFile>
@@ -56,6 +59,14 @@ MenuDocument withText(Place place, const QString& text)
         break;
     }
     return document;
+}
+
+/// Whether writing `document` and reading the file back gives the tree that was written.
+bool fileKeepsWhole(const MenuDocument& document)
+{
+    MenuDocument reread;
+    return readMenuBytes(menuFileBytes(document), reread).ok()
+        && menuDifference(document, reread, ComparedDetail::WrittenTree).isEmpty();
 }
 
 } // namespace
@@ -128,7 +139,10 @@ private Q_SLOTS:
         QFETCH(int, place);
         QFETCH(QString, text);
         QFETCH(bool, savable);
-        QCOMPARE(documentIsSavable(withText(Place(place), text)), savable);
+        const MenuDocument document = withText(Place(place), text);
+        QCOMPARE(documentIsSavable(document), savable);
+        // The check refuses exactly what the file would not keep.
+        QCOMPARE(fileKeepsWhole(document), savable);
     }
 
     void onlyTheCommandsWrittenCount()
@@ -139,10 +153,12 @@ private Q_SLOTS:
         document.items[2].copyKey = QStringLiteral("E0");
         document.items[2].commands[1].command = QStringLiteral("a\nb");
         QVERIFY(documentIsSavable(document));
+        QVERIFY(fileKeepsWhole(document));
 
         // The target's commands are written for both.
         document.items[0].commands[1].extension = QStringLiteral("a=b");
         QVERIFY(!documentIsSavable(document));
+        QVERIFY(!fileKeepsWhole(document));
     }
 };
 
