@@ -60,7 +60,13 @@ bool documentIsSavable(const MenuDocument& document)
 {
     // Only what the writer writes matters: the items of the tree walk, each with the commands it
     // is written with (a link's are its target's).
-    for (const SaveOrderEntry& entry : saveOrder(document)) {
+    const QList<SaveOrderEntry> order = saveOrder(document);
+    // A file without items does not open. Items can be left unreached: a pasted record keeps the
+    // parent it was copied under, which may be gone or be the item itself.
+    if (order.isEmpty()) {
+        return false;
+    }
+    for (const SaveOrderEntry& entry : order) {
         const MenuItem& item = document.items.at(entry.index);
         if (!captionIsWritable(item)) {
             return false;

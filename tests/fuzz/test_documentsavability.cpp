@@ -145,6 +145,21 @@ private Q_SLOTS:
         QCOMPARE(fileKeepsWhole(document), savable);
     }
 
+    void menuWithoutAnItemTheWriterReaches()
+    {
+        // Child alone, its parent index now naming itself, as after pasting a record copied under an
+        // item deleted since: the walk reaches nothing and the file would hold no item.
+        MenuDocument document = smallDocument();
+        document.items.removeFirst();
+        document.items.removeLast();
+        document.items[0].key = QStringLiteral("E0");
+        QVERIFY(!documentIsSavable(document));
+        QVERIFY(!fileKeepsWhole(document));
+
+        MenuDocument reread;
+        QCOMPARE(readMenuBytes(menuFileBytes(document), reread).reason, QStringLiteral("holds no item"));
+    }
+
     void onlyTheCommandsWrittenCount()
     {
         // Other links to Top: its own commands are not written, whatever they hold.
