@@ -52,7 +52,7 @@ const QByteArray
 constexpr qsizetype operationLimit = 48;
 constexpr qsizetype itemLimit = 2000;
 
-/// Pieces of captions, extensions and search texts that the menu file format handles specially.
+/// Pieces of captions, extensions and search texts that mean something to the menu file format.
 const std::array<const char*, 26> textPieces { {
     "",
     "x",
