@@ -3,9 +3,12 @@
 # the editor. Packages already present are left alone, so a second run costs nothing.
 set -euo pipefail
 
+# the manual pages, and the checks of the installed files and of the package (scripts/check-package.sh);
+# clang, its sanitizer and libFuzzer runtimes (libclang-rt-dev) and llvm's symbolizer serve the
+# sanitizer build and the fuzz targets.
 packages=(cmake g++ make qt6-base-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils
-    # the manual pages, and the checks of the installed files and of the package (scripts/check-package.sh)
-    help2man gzip desktop-file-utils appstream shared-mime-info xdg-utils libglib2.0-bin dpkg-dev file)
+    help2man gzip desktop-file-utils appstream shared-mime-info xdg-utils libglib2.0-bin dpkg-dev file
+    clang libclang-rt-dev llvm)
 missing=()
 for package in "${packages[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
