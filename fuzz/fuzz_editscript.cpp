@@ -216,6 +216,9 @@ void checkEditedMenu(const MenuDocument& edited, const QByteArray& script)
     const QString scriptLine = QStringLiteral("\nscript: ") + QString::fromUtf8(script);
     (void)menuDocumentJson(edited); // what --dump prints
     if (writesBrokenLink(edited)) {
+        if (documentIsSavable(edited)) {
+            failFuzzCase(QStringLiteral("the save check lets a link to a deleted item through%1").arg(scriptLine));
+        }
         try {
             (void)menuFileBytes(edited);
         } catch (const RunTimeError&) {

@@ -3,7 +3,7 @@
 # the editor. Packages already present are left alone, so a second run costs nothing.
 set -euo pipefail
 
-# the manual pages, and the checks of the installed files and of the package (scripts/check-package.sh);
+# Besides the build and the tests: the manual pages, and the checks of the installed files and of the package (scripts/check-package.sh);
 # clang, its sanitizer and libFuzzer runtimes (libclang-rt-dev) and llvm's symbolizer serve the
 # sanitizer build and the fuzz targets.
 packages=(cmake g++ make qt6-base-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils

@@ -335,7 +335,7 @@ int KelvMenuTool::writeOrReport(const MenuDocument& document, const QString& out
     const QList<SaveProblem> problems = findSaveProblems(document);
     if (!problems.isEmpty()) {
         for (const SaveProblem& problem : problems) {
-            printError(QStringLiteral("%1: %2: %3\n").arg(outputPath, problem.itemPath, problem.description));
+            printError(QStringLiteral("%1: %2\n").arg(outputPath, problem.text()));
         }
         printError(QStringLiteral("%1: nothing written: a menu file cannot hold the values above\n").arg(outputPath));
         return ExitCode::WriteError;

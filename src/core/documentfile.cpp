@@ -36,7 +36,7 @@ void appendProblems(QStringList& lines, int& listed, int& unlisted, const QList<
             ++unlisted;
             continue;
         }
-        lines.append(indent + problem.itemPath + QStringLiteral(": ") + problem.description);
+        lines.append(indent + problem.text());
         ++listed;
     }
 }

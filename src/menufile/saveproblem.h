@@ -14,6 +14,9 @@ struct SaveProblem
     /// The item's key, to find it in the menu; two problems compare by what they tell the user.
     QString itemKey = QString();
 
+    /// The path, ": " and the description; the description alone for a problem of the whole menu.
+    QString text() const { return itemPath.isEmpty() ? description : itemPath + QStringLiteral(": ") + description; }
+
     friend bool operator==(const SaveProblem& left, const SaveProblem& right)
     {
         return left.itemPath == right.itemPath && left.description == right.description;

@@ -181,10 +181,18 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
     }
 
     QList<SaveProblem> problems;
+    const QList<SaveOrderEntry> order = saveOrder(document);
+    if (order.isEmpty()) {
+        // Every item gone, or none reached from the top level (a pasted record keeps the parent it
+        // was copied under, which may be gone or be the item itself).
+        problems.append(SaveProblem { QString(),
+                                      QStringLiteral("the file would hold no item, and a menu file without "
+                                                     "items does not open") });
+    }
     // The items from the top level down to the current one: the walk is in pre-order.
     QList<qint32> chain;
     QStringList descriptions;
-    for (const SaveOrderEntry& entry : saveOrder(document)) {
+    for (const SaveOrderEntry& entry : order) {
         chain.resize(entry.depth);
         chain.append(entry.index);
         const MenuItem& item = items.at(entry.index);
@@ -196,6 +204,11 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
             // A link naming no item writes nothing: the writer fails on it with its own error.
             const qint32 target = indexOfKey.value(item.copyKey, -1);
             source = target >= 0 ? &items.at(target) : nullptr;
+            if (source == nullptr) {
+                // A pasted record may keep a link to an item deleted since.
+                descriptions.append(
+                    QStringLiteral("takes its commands from item %1, which no longer exists").arg(item.copyKey));
+            }
         }
         if (source != nullptr) {
             for (qsizetype slot = 1; slot < source->commands.size(); ++slot) {

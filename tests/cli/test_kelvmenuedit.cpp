@@ -467,6 +467,26 @@ private Q_SLOTS:
         QCOMPARE(edit(ops, { QStringLiteral("--dump") }).exitCode, 0);
     }
 
+    void pastedRecordsThatBreakTheFileAreListedAndNotWritten()
+    {
+        // Paste keeps the copied record's parent and link as they were. Pack's record pasted onto
+        // Delete after Archive's branch is gone: Delete becomes its own parent and the file would list
+        // no item. A link copied before its target was deleted: the pasted item names an item gone.
+        const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));
+        const RunResult noItem = edit(R"([{"op": "copy", "key": "E1"}, {"op": "delete", "key": "E0"},
+                                          {"op": "paste", "key": "E3"}])");
+        QCOMPARE(noItem.exitCode, 5);
+        QCOMPARE(noItem.err,
+                 QByteArray("archive.ini: the file would hold no item, and a menu file without items "
+                            "does not open\n"
+                            "archive.ini: nothing written: a menu file cannot hold the values above\n"));
+        const RunResult goneLink = edit(R"([{"op": "link", "key": "E3", "target": "E1"}, {"op": "copy", "key": "E3"},
+                       {"op": "delete", "key": "E1"}, {"op": "paste", "key": "E0"}])");
+        QCOMPARE(goneLink.exitCode, 5);
+        QVERIFY2(goneLink.err.contains("takes its commands from item E1, which no longer exists\n"), goneLink.err);
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), before);
+    }
+
     void malformedScriptsAreUsageErrors_data()
     {
         QTest::addColumn<QByteArray>("ops");

@@ -74,10 +74,10 @@ private Q_SLOTS:
 
     void itemLostByTheWriter()
     {
-        // A top-level item with an empty caption is written as an empty line, which the reader skips.
+        // A last top-level item captioned "[/Menu]" ends the list of items where it stands.
         // (Without commands: with them, the file would name an item it no longer holds.)
         MenuDocument document = readDocument();
-        document.items[3].caption.clear();
+        document.items[3].caption = QStringLiteral("[/Menu]");
         document.items[3].commands = MenuItem::placeholderCommands();
         QCOMPARE(menuDifference(document, writtenAndRead(document), ComparedDetail::WrittenTree),
                  QStringLiteral("4 items written, 3 read back"));

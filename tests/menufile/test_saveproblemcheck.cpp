@@ -188,9 +188,30 @@ private Q_SLOTS:
                                      QStringLiteral("extension of command 2 (copied from \"Pack\") holds \"=\", "
                                                     "where the file ends the extension") } }));
 
-        // A link that names no item: the writer refuses it on its own.
+        // A link that names no item (a pasted record keeps a link to an item deleted since): the
+        // writer would fail on it, so the check names it.
         document.items[2].copyKey = QStringLiteral("E99");
-        QCOMPARE(findSaveProblems(document).size(), 1);
+        QCOMPARE(findSaveProblems(document),
+                 QList<SaveProblem>(
+                     { pack(QStringLiteral("extension of command 2 holds \"=\", where the file ends the extension")),
+                       SaveProblem { QStringLiteral("\"Delete\""),
+                                     QStringLiteral("takes its commands from item E99, which no longer exists") } }));
+    }
+
+    void aMenuWhoseFileWouldHoldNoItem()
+    {
+        // Every item gone, or the only item its own parent (as a paste can leave it): the file would
+        // list no item, and a file without items does not open.
+        MenuDocument document;
+        const SaveProblem noItem { QString(),
+                                   QStringLiteral("the file would hold no item, and a menu file without items "
+                                                  "does not open") };
+        QCOMPARE(findSaveProblems(document), QList<SaveProblem>({ noItem }));
+        QCOMPARE(noItem.text(), noItem.description);
+        document.items = { makeItem(QStringLiteral("Alone"), 0, 0, 1) };
+        QCOMPARE(findSaveProblems(document), QList<SaveProblem>({ noItem }));
+        MenuDocument reread;
+        QVERIFY(!readMenuBytes(menuFileBytes(document), reread).ok());
     }
 
     void itemsTheFileDoesNotListAreNotChecked()
