@@ -151,6 +151,14 @@ QJsonObject builtOperation(FuzzedDataProvider& provider, const QStringList& name
         object.insert(QStringLiteral("place"),
                       QLatin1String(places.at(provider.ConsumeIntegralInRange<std::size_t>(0, places.size() - 1))));
         object.insert(QStringLiteral("copy"), provider.ConsumeBool());
+    } else if (op == QLatin1String("add-command") || op == QLatin1String("edit-command")) {
+        if (op == QLatin1String("edit-command")) {
+            object.insert(QStringLiteral("slot"), provider.ConsumeIntegralInRange<int>(1, 4));
+        }
+        object.insert(QStringLiteral("extension"), hostileText(provider));
+        object.insert(QStringLiteral("command"), hostileText(provider));
+    } else if (op == QLatin1String("remove-command")) {
+        object.insert(QStringLiteral("slot"), provider.ConsumeIntegralInRange<int>(1, 4));
     }
     return object;
 }
