@@ -72,10 +72,7 @@ class TestSaveProblemCheck : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aSavableMenuHasNoProblem()
-    {
-        QVERIFY(findSaveProblems(cleanDocument()).isEmpty());
-    }
+    void aSavableMenuHasNoProblem() { QVERIFY(findSaveProblems(cleanDocument()).isEmpty()); }
 
     void textsThatAFileHoldsAreNoProblem_data()
     {
