@@ -1,3 +1,4 @@
+#include "randomnode.h"
 #include "sessionfixture.h"
 
 #include "commands/commandediting.h"
@@ -21,30 +22,6 @@ namespace {
 const char* const captions[] = { "", "x", "New Item 1", "Ünïcode", " padded " };
 const char* const commandTexts[]
     = { "", "avi", "del $fs-001$||copy x", "$exepath$\\Tolvexer\\Tolvexer.exe 001=a", "ü" };
-
-/// A random node of a tree freshly built from the document, with its sibling nodes; now and then
-/// the root.
-SelectedNode randomNode(QRandomGenerator& random, const MenuDocument& document)
-{
-    const QList<PlannedNode> plan = planTree(document, 0);
-    if (plan.isEmpty() || random.bounded(12) == 0) {
-        return SelectedNode::of(SelectedNode::rootKey(), QString());
-    }
-    const int n = random.bounded(int(plan.size()));
-    const PlannedNode& node = plan.at(n);
-    SelectedNode selected = SelectedNode::of(node.key, node.parentKey);
-    for (int before = n - 1; before >= 0 && selected.previousSiblingKey.isEmpty(); --before) {
-        if (plan.at(before).parentKey == node.parentKey) {
-            selected.previousSiblingKey = plan.at(before).key;
-        }
-    }
-    for (int after = n + 1; after < plan.size() && selected.nextSiblingKey.isEmpty(); ++after) {
-        if (plan.at(after).parentKey == node.parentKey) {
-            selected.nextSiblingKey = plan.at(after).key;
-        }
-    }
-    return selected;
-}
 
 } // namespace
 

@@ -6,23 +6,14 @@
 #include "menufile/menufilewriter.h"
 #include "model/menudocument.h"
 
+#include "menufile/menufixtures.h"
 #include <QFile>
+
 #include <QTest>
 
 namespace {
 
 const QChar marker(0x00B7);
-
-MenuItem makeItem(const QString& caption, int index, qint16 parent, qint16 siblingOrder, qint16 childCount = 0)
-{
-    MenuItem item;
-    item.caption = caption;
-    item.key = QStringLiteral("E%1").arg(index);
-    item.parent = parent;
-    item.siblingOrder = siblingOrder;
-    item.childCount = childCount;
-    return item;
-}
 
 /// Top (one command) with the child Child (one command), and Other (one command).
 MenuDocument smallDocument()

@@ -5,20 +5,11 @@
 #include "menufile/menufilewriter.h"
 #include "model/menudocument.h"
 
+#include "menufile/menufixtures.h"
+
 #include <QTest>
 
 namespace {
-
-MenuItem makeItem(const QString& caption, int index, qint16 parent, qint16 siblingOrder, qint16 childCount = 0)
-{
-    MenuItem item;
-    item.caption = caption;
-    item.key = QStringLiteral("E%1").arg(index);
-    item.parent = parent;
-    item.siblingOrder = siblingOrder;
-    item.childCount = childCount;
-    return item;
-}
 
 /// Archive (Pack with two commands, Unpack with the same two) and Delete with one command, as the
 /// reader gives them.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "menufile/windows1252codec.h"
+#include "model/menudocument.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -47,4 +48,16 @@ inline QStringList exampleMenuLines()
              QStringLiteral("0004:=del $fs-001$"),
              QString(),
              QStringLiteral("[/Commands]") };
+}
+
+/// An item keyed "E" + `index`, with its caption and tree numbers and no command.
+inline MenuItem makeItem(const QString& caption, int index, qint16 parent, qint16 siblingOrder, qint16 childCount = 0)
+{
+    MenuItem item;
+    item.caption = caption;
+    item.key = QStringLiteral("E%1").arg(index);
+    item.parent = parent;
+    item.siblingOrder = siblingOrder;
+    item.childCount = childCount;
+    return item;
 }

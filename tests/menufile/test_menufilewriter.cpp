@@ -22,17 +22,6 @@
 
 namespace {
 
-MenuItem makeItem(const QString& caption, int index, qint16 parent, qint16 siblingOrder, qint16 childCount = 0)
-{
-    MenuItem item;
-    item.caption = caption;
-    item.key = QStringLiteral("E%1").arg(index);
-    item.parent = parent;
-    item.siblingOrder = siblingOrder;
-    item.childCount = childCount;
-    return item;
-}
-
 void addCommand(MenuItem& item, const QString& extension, const QString& command)
 {
     item.commands.append(Command { extension, command });

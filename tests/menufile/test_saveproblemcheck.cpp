@@ -1,22 +1,12 @@
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
+#include "menufile/menufixtures.h"
 #include "menufile/saveproblemcheck.h"
 #include "model/menudocument.h"
 
 #include <QTest>
 
 namespace {
-
-MenuItem makeItem(const QString& caption, int index, qint16 parent, qint16 siblingOrder, qint16 childCount = 0)
-{
-    MenuItem item;
-    item.caption = caption;
-    item.key = QStringLiteral("E%1").arg(index);
-    item.parent = parent;
-    item.siblingOrder = siblingOrder;
-    item.childCount = childCount;
-    return item;
-}
 
 /// Archive (Pack with two commands) and Delete with one command, all of it savable.
 MenuDocument cleanDocument()
