@@ -617,6 +617,7 @@ QString EditorWindow::nodeKey(int nodeIndex) const
 
 void EditorWindow::applyUpdate(const TreeUpdate& update)
 {
+    m_lstMenu->documentChanged();
     bool busy = false;
     const auto endBusy = [this, &busy] {
         if (busy) {

@@ -43,6 +43,23 @@ private:
     bool m_enabledAfter;
 };
 
+/// Counts a change of the tree's shape for the length of a scope.
+class ShapeChange
+{
+public:
+    explicit ShapeChange(int& depth)
+        : m_depth(depth)
+    {
+        ++m_depth;
+    }
+    ~ShapeChange() { --m_depth; }
+    ShapeChange(const ShapeChange&) = delete;
+    ShapeChange& operator=(const ShapeChange&) = delete;
+
+private:
+    int& m_depth;
+};
+
 } // namespace
 
 ItemTree::ItemTree(QWidget* parent)
@@ -131,19 +148,27 @@ NodeStyle ItemTree::styleOf(const QModelIndex& node) const
 
 QModelIndex ItemTree::addNode(const QString& parentKey, const QString& key, const QString& text)
 {
+    const ShapeChange changing(m_shapeChanges);
     m_model->nodes().documentChanged();
     return m_model->indexOf(m_model->nodes().addNode(parentKey, key, text, document()));
 }
 
 void ItemTree::addNodes(const QList<NewNode>& nodes)
 {
+    const ShapeChange changing(m_shapeChanges);
     NodeTree& tree = m_model->nodes();
     tree.documentChanged();
     const std::vector<TreeNode*> made = tree.addNodes(nodes, document());
-    // Copies arrive expanded like the rest of the tree, down to the same depth.
+    // Copies arrive expanded like the rest of the tree, down to the same depth, and so does the node
+    // they were added to.
     std::vector<TreeNode*> toExpand;
     for (TreeNode* node : made) {
-        if (!node->children.empty() && NodeTree::depthOf(node) < expandedLevels) {
+        TreeNode* parent = node->parent;
+        if (parent != nullptr && !parent->expanded && NodeTree::depthOf(parent) < expandedLevels) {
+            parent->expanded = true;
+            toExpand.push_back(parent);
+        }
+        if (!node->children.empty() && !node->expanded && NodeTree::depthOf(node) < expandedLevels) {
             node->expanded = true;
             toExpand.push_back(node);
         }
@@ -209,6 +234,7 @@ void ItemTree::setNodeColour(const QModelIndex& node, NodeStyle::Colour colour)
 
 void ItemTree::clearNodes()
 {
+    const ShapeChange changing(m_shapeChanges);
     // Nodes that go are collapsed on the way; that is not the user collapsing the root.
     const QSignalBlocker noCollapseSignals(this);
     m_model->nodes().clear();
@@ -249,8 +275,8 @@ void ItemTree::expandMarkedNodes()
     const NodeTree& tree = m_model->nodes();
     for (int n = 1; n <= tree.nodeCount(); ++n) {
         TreeNode* node = tree.node(n);
-        if (node->expanded && !node->children.empty()) {
-            marked.push_back(node);
+        if (node->expanded) {
+            marked.push_back(node); // a node without children now keeps its mark for the ones to come
         }
     }
     expandNodes(marked);
@@ -258,6 +284,7 @@ void ItemTree::expandMarkedNodes()
 
 void ItemTree::withExpandedStateAside(const std::function<void()>& change)
 {
+    const ShapeChange changing(m_shapeChanges);
     // The view remembers every expanded node, and removing or moving rows makes the model walk from
     // each remembered node up to the top: on a menu thousands of levels deep that costs far more than
     // the change itself, even for a single leaf. So the expanded state is set aside for the change and
@@ -282,6 +309,7 @@ void ItemTree::generate()
     // The rebuild always ends with painting on: opening a menu file suspends it before the file is
     // read and relies on the first rebuild to resume it.
     const PaintingSuspended suspended(this, true);
+    const ShapeChange changing(m_shapeChanges);
     m_editingKey.clear();
     m_labelCommitted = false;
     m_pressKey.clear();
@@ -310,6 +338,11 @@ void ItemTree::showRootText(int hideMode)
 void ItemTree::colorize()
 {
     m_model->nodes().colorize(document());
+}
+
+void ItemTree::documentChanged()
+{
+    m_model->nodes().documentChanged();
 }
 
 void ItemTree::setDropHighlight(const QModelIndex& node)
@@ -485,8 +518,13 @@ void ItemTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint h
         return;
     }
     // The edit is reported only once the editor is gone, so that whatever the report changes in the
-    // tree cannot pull the node from under an open editor.
+    // tree cannot pull the node from under an open editor. An editor closed because the tree changes
+    // shape under it is dropped with its node, unreported: the change that closes it is under way.
     const QString key = std::exchange(m_editingKey, QString());
+    if (m_shapeChanges > 0) {
+        m_labelCommitted = false;
+        return;
+    }
     if (std::exchange(m_labelCommitted, false)) {
         Q_EMIT labelEditCommitted(key, std::exchange(m_committedText, QString()));
     } else {

@@ -112,6 +112,8 @@ public:
     /// without rebuilding the tree. A node whose key names no item any more is left black and not
     /// bold.
     void colorize();
+    /// The document may have changed: what the nodes remember of it is checked again.
+    void documentChanged();
 
     /// Where the tooltip of a node comes from: asked with the node's key when the pointer rests on
     /// it, so that it tells how the item stands at that moment. An empty text shows no tooltip.
@@ -178,4 +180,6 @@ private:
     bool m_labelCommitted = false;
     QString m_committedText;
     std::function<QString(const QString& key)> m_toolTipSource;
+    /// How many changes of the tree's shape are under way.
+    int m_shapeChanges = 0;
 };

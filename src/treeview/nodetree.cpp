@@ -49,6 +49,12 @@ struct Target
 
 } // namespace
 
+bool NodeTree::shouldExpand(const TreeNode* node, int depth)
+{
+    // The root stays open even while it holds nothing, so that the first item added shows.
+    return node->parent == nullptr || (!node->children.empty() && depth < expandedLevels);
+}
+
 NodeTree::~NodeTree()
 {
     deleteAll();
@@ -83,11 +89,20 @@ int NodeTree::itemOf(const TreeNode* node, const MenuDocument& document) const
         return -1;
     }
     const auto& items = document.items;
-    const int hint = node->itemHint;
-    if (hint >= 0 && hint < int(items.size()) && items.at(hint).key == node->key) {
-        return hint;
+    const auto bears = [&items, node](int index) {
+        return index >= 0 && index < int(items.size()) && items.at(index).key == node->key;
+    };
+    if (bears(node->itemHint)) {
+        return node->itemHint;
     }
-    node->itemHint = itemIndex(document).value(node->key, -1);
+    // The key map is built once per change of the document; a position it gives is checked like a
+    // hint, and one that proves wrong shows that the document changed behind it.
+    int found = itemIndex(document).value(node->key, -1);
+    if (found >= 0 && !bears(found)) {
+        m_itemIndexFresh = false;
+        found = itemIndex(document).value(node->key, -1);
+    }
+    node->itemHint = bears(found) ? found : -1;
     return node->itemHint;
 }
 
@@ -229,7 +244,7 @@ void NodeTree::generate(const MenuDocument& document)
         depths.push_back(depths[size_t(parent->ordinal)] + 1);
     }
     for (TreeNode* node : m_nodes) {
-        node->expanded = !node->children.empty() && depths[size_t(node->ordinal)] < expandedLevels;
+        node->expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
     }
     m_itemIndexFresh = false;
     if (m_observer != nullptr) {
@@ -422,7 +437,7 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         depths[n] = depths[size_t(m_nodes[n]->parent->ordinal)] + 1;
     }
     for (TreeNode* node : m_nodes) {
-        const bool expanded = !node->children.empty() && depths[size_t(node->ordinal)] < expandedLevels;
+        const bool expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
         if (expanded && !node->expanded) {
             expandNow.push_back(node);
         }
@@ -627,7 +642,7 @@ void NodeTree::setColour(TreeNode* node, NodeStyle::Colour colour)
 
 void NodeTree::colorize(const MenuDocument& document)
 {
-    const KeyMap<int>& index = itemIndex(document);
+    documentChanged();
     const auto& items = document.items;
     std::vector<TreeNode*> changed;
     for (TreeNode* node : m_nodes) {
@@ -636,7 +651,7 @@ void NodeTree::colorize(const MenuDocument& document)
         }
         // Resetting to black and then applying the submenu and command rows ends in the item's style;
         // it is applied in one step so that each node changes at most once.
-        const int item = index.value(node->key, -1);
+        const int item = itemOf(node, document);
         const NodeStyle style = item >= 0 ? NodeStyle::forItem(items.at(item)) : NodeStyle();
         if (style != node->style) {
             node->style = style;

@@ -113,6 +113,10 @@ public:
     /// whose key names no item any more is black and not bold.
     void colorize(const MenuDocument& document);
 
+    /// Whether a rebuild marks `node`, `depth` levels below the root, expanded: the root always,
+    /// every other node that has children down to expandedLevels.
+    static bool shouldExpand(const TreeNode* node, int depth);
+
 private:
     TreeNode* newNode(const QString& key, TreeNode* parent);
     void attach(TreeNode* node, TreeNode* parent, int row);
