@@ -5,6 +5,7 @@
 // Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_commands [runs]
 
 #include "benchtiming.h"
+#include "silentprompts.h"
 
 #include "app/commandeditordialog.h"
 #include "app/commandtextbox.h"
@@ -25,14 +26,6 @@
 #include <cstdio>
 
 namespace {
-
-class SilentPrompts final : public UserPrompts
-{
-public:
-    Answer showMessage(const MessageRequest&) override { return Answer::Ok; }
-    QString askOpenFileName(const QString&, const QString&, const QString&) override { return QString(); }
-    QString askSaveFileName(const QString&, const QString&, const QString&) override { return QString(); }
-};
 
 /// 1,000 lines of about 60 characters each, with variables, parameter numbers, keywords and the
 /// script runner's call, as a long command would hold them.

@@ -7,6 +7,7 @@
 
 #include "benchtiming.h"
 #include "menugenerator.h"
+#include "silentprompts.h"
 
 #include "app/editorwindow.h"
 #include "app/findbar.h"
@@ -14,7 +15,6 @@
 #include "app/mainwindow.h"
 #include "core/editingsession.h"
 #include "core/optionsstore.h"
-#include "core/userprompts.h"
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
 #include "editing/subtreecopy.h"
@@ -41,23 +41,6 @@
 #include <vector>
 
 namespace {
-
-/// Answers every message with OK and every question with No; a benchmark has no one to ask.
-class SilentPrompts final : public UserPrompts
-{
-public:
-    Answer showMessage(const MessageRequest& request) override
-    {
-        ++messages;
-        lastText = request.text;
-        return request.buttons == MessageRequest::Buttons::Ok ? Answer::Ok : Answer::No;
-    }
-    QString askOpenFileName(const QString&, const QString&, const QString&) override { return QString(); }
-    QString askSaveFileName(const QString&, const QString&, const QString&) override { return QString(); }
-
-    int messages = 0;
-    QString lastText;
-};
 
 QString cell(double milliseconds)
 {

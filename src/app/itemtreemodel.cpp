@@ -6,19 +6,24 @@
 
 namespace {
 
-// Multiplying by an odd number and rotating are both undone exactly, so every node keeps an id of
-// its own, spread over all bits.
+// A node's id is its address mixed: each step (an odd multiplier, a shift of more than half the bits
+// folded back) is undone exactly, so every node keeps an id of its own, and the high bits of the
+// product, which depend on every bit of the address, reach the low ones.
 constexpr quint64 kSpread = 0x9E3779B97F4A7C15ULL;
 constexpr quint64 kSpreadInverse = 0xF1DE83E19937733DULL;
-constexpr int kRotation = 29;
+constexpr int kFold = 33;
+
+quint64 fold(quint64 value)
+{
+    return value ^ (value >> kFold); // its own inverse, as the shift exceeds half the bits
+}
 
 quintptr idOf(const TreeNode* node)
 {
     if constexpr (sizeof(quintptr) < sizeof(quint64)) {
-        return quintptr(node); // too few bits to scramble and undo
+        return quintptr(node); // too few bits to mix and undo
     }
-    const quint64 product = quint64(quintptr(node)) * kSpread;
-    return quintptr((product >> kRotation) | (product << (64 - kRotation)));
+    return quintptr(fold(fold(quint64(quintptr(node))) * kSpread));
 }
 
 TreeNode* nodeOfId(quintptr id)
@@ -26,8 +31,7 @@ TreeNode* nodeOfId(quintptr id)
     if constexpr (sizeof(quintptr) < sizeof(quint64)) {
         return reinterpret_cast<TreeNode*>(id);
     }
-    const quint64 rotated = (quint64(id) << kRotation) | (quint64(id) >> (64 - kRotation));
-    return reinterpret_cast<TreeNode*>(quintptr(rotated * kSpreadInverse));
+    return reinterpret_cast<TreeNode*>(quintptr(fold(fold(quint64(id)) * kSpreadInverse)));
 }
 
 QColor colourOf(NodeStyle::Colour colour)

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QtGlobal>
+
 struct MenuItem;
 
 /// How one node of the item tree is drawn. Colours are named rather than given as QColor so that
 /// the rule stays in the core; the tree widget maps them to the RGB values it paints.
 struct NodeStyle
 {
-    enum class Colour { Black, Navy, Maroon };
+    // One byte: every node of a tree of 32,767 items keeps one.
+    enum class Colour : quint8 { Black, Navy, Maroon };
 
     Colour colour = Colour::Black;
     bool bold = false;

@@ -112,7 +112,7 @@ QString NodeTree::textOf(const TreeNode* node, const MenuDocument& document) con
         return QString();
     }
     if (node->hasOwnText) {
-        return node->ownText;
+        return m_ownTexts.value(node);
     }
     const int item = itemOf(node, document);
     return item >= 0 ? document.items.at(item).caption : QString();
@@ -147,9 +147,25 @@ bool NodeTree::isWithin(const TreeNode* node, const TreeNode* ancestor)
     return false;
 }
 
+namespace {
+
+constexpr size_t kNodesPerBlock = 1024;
+
+} // namespace
+
 TreeNode* NodeTree::newNode(const QString& key, TreeNode* parent)
 {
-    auto* created = new TreeNode;
+    TreeNode* created = nullptr;
+    if (!m_freeNodes.empty()) {
+        created = m_freeNodes.back();
+        m_freeNodes.pop_back();
+    } else {
+        if (m_blocks.empty() || m_usedInLastBlock == kNodesPerBlock) {
+            m_blocks.push_back(std::make_unique<TreeNode[]>(kNodesPerBlock));
+            m_usedInLastBlock = 0;
+        }
+        created = &m_blocks.back()[m_usedInLastBlock++];
+    }
     created->key = key;
     if (parent != nullptr) {
         created->parent = parent;
@@ -157,6 +173,25 @@ TreeNode* NodeTree::newNode(const QString& key, TreeNode* parent)
         parent->children.push_back(created);
     }
     return created;
+}
+
+void NodeTree::deleteNode(TreeNode* node)
+{
+    if (node->hasOwnText) {
+        m_ownTexts.remove(node);
+    }
+    *node = TreeNode();
+    m_freeNodes.push_back(node);
+}
+
+void NodeTree::setOwnText(TreeNode* node, bool own, const QString& text)
+{
+    node->hasOwnText = own;
+    if (own) {
+        m_ownTexts.insert(node, text);
+    } else {
+        m_ownTexts.remove(node);
+    }
 }
 
 void NodeTree::registerNode(TreeNode* node)
@@ -194,11 +229,12 @@ void NodeTree::renumber()
 
 void NodeTree::deleteAll()
 {
-    for (TreeNode* node : m_nodes) {
-        delete node;
-    }
     m_nodes.clear();
     m_byKey.clear();
+    m_ownTexts.clear();
+    m_blocks.clear();
+    m_usedInLastBlock = 0;
+    m_freeNodes.clear();
 }
 
 void NodeTree::clear()
@@ -225,8 +261,7 @@ void NodeTree::generate(const MenuDocument& document)
     m_nodes.reserve(plan.size() + 1);
 
     TreeNode* rootNode = newNode(rootKey(), nullptr);
-    rootNode->hasOwnText = true;
-    rootNode->ownText = plainRootText();
+    setOwnText(rootNode, true, plainRootText());
     rootNode->style = NodeStyle::forRoot();
     registerNode(rootNode);
     std::vector<int> depths { 0 }; // by ordinal
@@ -399,8 +434,8 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     }
     std::vector<TreeNode*> changed;
     std::vector<TreeNode*> expandNow;
-    if (rootNode->ownText != plainRootText() || rootNode->style != NodeStyle::forRoot()) {
-        rootNode->ownText = plainRootText();
+    if (textOf(rootNode, document) != plainRootText() || rootNode->style != NodeStyle::forRoot()) {
+        setOwnText(rootNode, true, plainRootText());
         rootNode->style = NodeStyle::forRoot();
         changed.push_back(rootNode);
     }
@@ -420,8 +455,9 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
             differs = old < 0 || before->items.at(old).caption != item.caption;
         }
         node->itemHint = target.item;
-        node->hasOwnText = false;
-        node->ownText.clear();
+        if (node->hasOwnText) {
+            setOwnText(node, false);
+        }
         const NodeStyle style = NodeStyle::forItem(item);
         if (style != node->style) {
             node->style = style;
@@ -458,8 +494,7 @@ TreeNode* NodeTree::addNode(const QString& parentKey, const QString& key, const 
             m_observer->treeAboutToBeReset();
         }
         TreeNode* created = newNode(key, nullptr);
-        created->hasOwnText = true;
-        created->ownText = text;
+        setOwnText(created, true, text);
         created->style = NodeStyle::forRoot();
         registerNode(created);
         if (m_observer != nullptr) {
@@ -496,8 +531,7 @@ std::vector<TreeNode*> NodeTree::addNodes(const QList<NewNode>& nodes, const Men
         }
         const int item = itemOf(created, document);
         if (item < 0 || document.items.at(item).caption != wanted.text) {
-            created->hasOwnText = true;
-            created->ownText = wanted.text;
+            setOwnText(created, true, wanted.text);
         }
     }
     for (const auto& [parent, top] : branches) {
@@ -542,7 +576,7 @@ void NodeTree::finishRemovals(std::vector<TreeNode*>& gone)
         m_nodes.end());
     renumber();
     for (TreeNode* node : gone) {
-        delete node;
+        deleteNode(node);
     }
     gone.clear();
 }
@@ -598,8 +632,10 @@ TreeNode* NodeTree::moveAmongSiblings(TreeNode* node, int offset)
     std::swap(node->key, other->key);
     std::swap(node->itemHint, other->itemHint);
     std::swap(node->style, other->style);
-    std::swap(node->hasOwnText, other->hasOwnText);
-    std::swap(node->ownText, other->ownText);
+    const bool nodeHadText = node->hasOwnText;
+    const QString nodeText = m_ownTexts.value(node);
+    setOwnText(node, other->hasOwnText, m_ownTexts.value(other));
+    setOwnText(other, nodeHadText, nodeText);
     std::swap(node->ordinal, other->ordinal);
     m_nodes[size_t(node->ordinal)] = node;
     m_nodes[size_t(other->ordinal)] = other;
@@ -617,12 +653,10 @@ void NodeTree::setText(TreeNode* node, const QString& text, const MenuDocument& 
         return;
     }
     if (node == root()) {
-        node->hasOwnText = true;
-        node->ownText = text;
+        setOwnText(node, true, text);
     } else {
         const int item = itemOf(node, document);
-        node->hasOwnText = item < 0 || document.items.at(item).caption != text;
-        node->ownText = node->hasOwnText ? text : QString();
+        setOwnText(node, item < 0 || document.items.at(item).caption != text, text);
     }
     if (m_observer != nullptr) {
         m_observer->nodesChanged(node->parent, node->row, node->row);

@@ -4,9 +4,11 @@
 #include "nodestyle.h"
 #include "treenode.h"
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 class NodeTreeObserver;
@@ -119,6 +121,9 @@ public:
 
 private:
     TreeNode* newNode(const QString& key, TreeNode* parent);
+    void deleteNode(TreeNode* node);
+    /// Lets `node` show `text`, or its item's caption again when `own` is false.
+    void setOwnText(TreeNode* node, bool own, const QString& text = QString());
     void attach(TreeNode* node, TreeNode* parent, int row);
     void detach(TreeNode* node);
     void registerNode(TreeNode* node);
@@ -134,6 +139,12 @@ private:
 
     NodeTreeObserver* m_observer = nullptr;
     std::vector<TreeNode*> m_nodes;
+    /// The texts of the few nodes that show one of their own.
+    QHash<const TreeNode*, QString> m_ownTexts;
+    /// Nodes come from blocks rather than one allocation each; freed ones are used again.
+    std::vector<std::unique_ptr<TreeNode[]>> m_blocks;
+    size_t m_usedInLastBlock = 0;
+    std::vector<TreeNode*> m_freeNodes;
     KeyMap<TreeNode*> m_byKey;
     /// The first item bearing each key, built when a node's remembered position proves wrong.
     mutable KeyMap<int> m_itemIndex;

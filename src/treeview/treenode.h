@@ -8,7 +8,8 @@
 
 /// One node of an item tree (see NodeTree): the root "Root" or the node of one item, found again by
 /// the item's key. What the node shows is read from the document, except where the tree was told to
-/// show something else (a special item's name, the label a user typed, the root's text).
+/// show something else (a special item's name, the label a user typed, the root's text). A tree of
+/// 32,767 items keeps one per item, so it holds nothing that most nodes would leave empty.
 struct TreeNode
 {
     QString key;
@@ -25,7 +26,6 @@ struct TreeNode
     NodeStyle style;
     /// Whether the view shows the node's children.
     bool expanded = false;
-    /// The node shows `ownText` rather than its item's caption.
+    /// The node shows a text of its own (kept by its tree) rather than its item's caption.
     bool hasOwnText = false;
-    QString ownText;
 };
