@@ -683,6 +683,19 @@ void EditorWindow::moveSelectedNode(const TreeStep& step)
         const PaintingSuspended suspended(m_lstMenu);
         if (step.kind == TreeStep::Kind::MoveNodeUnder) {
             m_lstMenu->moveNode(node, m_lstMenu->nodeByKey(step.parentKey), 0);
+        } else if (step.kind == TreeStep::Kind::MoveNodeToLastChild) {
+            QTreeWidgetItem* parentNode = m_lstMenu->nodeByKey(step.parentKey);
+            m_lstMenu->moveNode(node, parentNode, parentNode != nullptr ? parentNode->childCount() : 0);
+        } else if (step.kind == TreeStep::Kind::MoveNodeAfter) {
+            QTreeWidgetItem* sibling = m_lstMenu->nodeByKey(step.siblingKey);
+            QTreeWidgetItem* parentNode = sibling != nullptr ? sibling->parent() : nullptr;
+            if (parentNode != nullptr) {
+                // The row counts the node itself when it comes before its new place among the same siblings.
+                int row = parentNode->indexOfChild(sibling) + 1;
+                const int current = parentNode->indexOfChild(node);
+                row -= current >= 0 && current < row ? 1 : 0;
+                m_lstMenu->moveNode(node, parentNode, row);
+            }
         } else {
             node = m_lstMenu->moveAmongSiblings(node, step.kind == TreeStep::Kind::MoveNodeUp ? -1 : 1);
         }
@@ -714,6 +727,8 @@ void EditorWindow::applyStep(const TreeStep& step)
     case TreeStep::Kind::MoveNodeUp:
     case TreeStep::Kind::MoveNodeDown:
     case TreeStep::Kind::MoveNodeUnder:
+    case TreeStep::Kind::MoveNodeToLastChild:
+    case TreeStep::Kind::MoveNodeAfter:
         moveSelectedNode(step);
         break;
     case TreeStep::Kind::SetNodeColour:
