@@ -294,8 +294,8 @@ void benchBranchCopies(QTextStream& out, int runs)
         // A left-button drag of the branch dropped on the last top-level item.
         EditorWindow* editor = bench.editor();
         ItemTree* tree = bench.tree();
-        QTreeWidgetItem* root = tree->node(1);
-        const QString lastTop = tree->keyOf(root->child(root->childCount() - 1));
+        const QModelIndex root = tree->node(1);
+        const QString lastTop = tree->keyOf(tree->model()->index(tree->model()->rowCount(root) - 1, 0, root));
         DragState& drag = bench.window->state().editing().drag;
         const auto startDrag = [&bench, &drag](DragState::Button button) {
             bench.select(QStringLiteral("E0"));
@@ -363,13 +363,12 @@ void benchMoves(QTextStream& out, int runs)
         QString leaf;
         QString submenu;
         for (int n = 2; n <= tree->nodeCount() && (leaf.isEmpty() || submenu.isEmpty()); ++n) {
-            QTreeWidgetItem* node = tree->node(n);
-            QTreeWidgetItem* parent = node->parent();
-            const int row = parent->indexOfChild(node);
-            if (row < 1 || row + 1 >= parent->childCount()) {
+            const QModelIndex node = tree->node(n);
+            const int row = node.row();
+            if (row < 1 || row + 1 >= tree->model()->rowCount(node.parent())) {
                 continue;
             }
-            QString& found = node->childCount() == 0 ? leaf : submenu;
+            QString& found = tree->model()->rowCount(node) == 0 ? leaf : submenu;
             if (found.isEmpty()) {
                 found = tree->keyOf(node);
             }

@@ -91,23 +91,24 @@ int main(int argc, char* argv[])
                 runs, [] {}, [&document] { (void)planTree(document, 1); });
 
             ItemTree tree;
+            tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
             tree.resize(400, 700);
             const double generate = medianMilliseconds(
-                runs, [] {}, [&tree, &document] { tree.generate(document); });
+                runs, [] {}, [&tree] { tree.generate(); });
             if (tree.nodeCount() != planned + 1) {
                 std::fputs("the tree does not hold the planned nodes\n", stderr);
                 return 1;
             }
             const double colorize = medianMilliseconds(
-                runs, [] {}, [&tree, &document] { tree.colorize(document); });
+                runs, [] {}, [&tree] { tree.colorize(); });
             const double clear = medianMilliseconds(
-                runs, [&tree, &document] { tree.generate(document); }, [&tree] { tree.clearNodes(); });
+                runs, [&tree] { tree.generate(); }, [&tree] { tree.clearNodes(); });
 
             tree.show();
             const double shown = medianMilliseconds(
                 runs, [] {},
-                [&tree, &document] {
-                    tree.generate(document);
+                [&tree] {
+                    tree.generate();
                     QApplication::processEvents();
                 });
             tree.hide();

@@ -133,9 +133,9 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
     setCaption(defaultCaption());
     buildLayout();
 
-    connect(m_lstMenu, &QTreeWidget::currentItemChanged, this,
-            [this](QTreeWidgetItem* current, QTreeWidgetItem*) { onCurrentNodeChanged(current); });
-    connect(m_lstMenu, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* node, int) { onNodeClicked(node); });
+    connect(m_lstMenu->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current, const QModelIndex&) { onCurrentNodeChanged(current); });
+    connect(m_lstMenu, &QTreeView::clicked, this, &EditorWindow::onNodeClicked);
     connect(m_lstMenu, &ItemTree::labelEditStarted, this, &EditorWindow::onLabelEditStarted);
     connect(m_lstMenu, &ItemTree::labelEditCommitted, this, &EditorWindow::onLabelEditCommitted);
     connect(m_lstMenu, &ItemTree::rootCollapsed, this, &EditorWindow::onRootCollapsed);
@@ -177,6 +177,7 @@ void EditorWindow::buildLayout()
 {
     m_lstMenu = new ItemTree(this);
     m_lstMenu->setObjectName(QStringLiteral("lstMenu"));
+    m_lstMenu->setDocumentSource([this]() -> const MenuDocument& { return document(); });
     m_lstMenu->setHeaderHidden(true);
 
     m_lblPath = new QLabel(this);
@@ -347,9 +348,31 @@ void EditorWindow::resizeEvent(QResizeEvent* event)
 void EditorWindow::generateTree()
 {
     BusyNotice notice(*this, QStringLiteral("Generating tree ..."));
+    {
+        FlagScope selecting(m_selectingNode);
+        m_shownByMove.clear();
+        m_lstMenu->generate();
+    }
+    showFirstItem();
+}
+
+void EditorWindow::showRestoredState(const MenuDocument& before)
+{
+    if (before.hideMode != document().hideMode) {
+        generateTree(); // another hide mode shows another tree: it is built anew
+        return;
+    }
+    {
+        FlagScope selecting(m_selectingNode);
+        m_shownByMove.clear();
+        m_lstMenu->syncTo(&before);
+    }
+    showFirstItem();
+}
+
+void EditorWindow::showFirstItem()
+{
     FlagScope selecting(m_selectingNode);
-    m_shownByMove = nullptr;
-    m_lstMenu->generate(document());
     refreshFindBar();
     // The first item is shown while the root still reads "KELV"; the root tells that items may be
     // hidden only once that is done, so the path shown right after a rebuild never carries it.
@@ -368,12 +391,12 @@ void EditorWindow::generateTree()
 
 void EditorWindow::ColorizeMenu()
 {
-    m_lstMenu->colorize(document());
+    m_lstMenu->colorize();
 }
 
-void EditorWindow::lstMenu_NodeClick(QTreeWidgetItem* node)
+void EditorWindow::lstMenu_NodeClick(const QModelIndex& node)
 {
-    m_shownByMove = nullptr;
+    m_shownByMove.clear();
     const int nodeIndex = m_lstMenu->indexOfNode(node);
     if (nodeIndex <= 1) {
         return; // the root node, or no node of this tree
@@ -396,18 +419,17 @@ void EditorWindow::lstMenu_NodeClick(QTreeWidgetItem* node)
     windowState().nodeClicked = true;
     {
         FlagScope selecting(m_selectingNode);
-        m_lstMenu->setCurrentItem(node);
-        node->setSelected(true);
+        selectNode(node);
     }
     SelectItem();
 }
 
 void EditorWindow::SelectItem()
 {
-    QTreeWidgetItem* node = m_lstMenu->currentItem();
-    m_lblPath->setText(node ? m_lstMenu->fullPath(node) : QString());
+    const QModelIndex node = m_lstMenu->currentIndex();
+    m_lblPath->setText(m_lstMenu->fullPath(node));
     m_lstCommand->clear();
-    if (node && m_lstMenu->keyOf(node) != rootKey()) {
+    if (node.isValid() && m_lstMenu->keyOf(node) != rootKey()) {
         const MenuDocument& menu = document();
         const ItemPanel panel = itemPanel(menu, itemIndexOf(menu, m_lstMenu->keyOf(node), "SelectItem"));
         m_txtItemIndexCopy->setText(panel.linkTarget);
@@ -467,7 +489,7 @@ void EditorWindow::cmdDown_Click()
     m_main.session().run(m_documentIndex, EditOperations::moveDown);
 }
 
-void EditorWindow::startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button)
+void EditorWindow::startNodeDrag(const QModelIndex& node, Qt::MouseButton button)
 {
     const QString key = m_lstMenu->keyOf(node);
     if (key.isEmpty() || key == rootKey() || isChoosingLinkTarget()) {
@@ -486,7 +508,7 @@ void EditorWindow::startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button)
         return;
     }
     // The node under the pointer becomes the selected node, and the one being dragged.
-    if (m_lstMenu->currentItem() != node) {
+    if (m_lstMenu->currentIndex() != node) {
         clickFromUser(node);
     }
     DragState& drag = m_main.state().editing().drag;
@@ -502,29 +524,29 @@ void EditorWindow::startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button)
     m_main.execDrag(nodeDrag);
 }
 
-void EditorWindow::onNodeDraggedOver(QTreeWidgetItem* node)
+void EditorWindow::onNodeDraggedOver(const QModelIndex& node)
 {
     // Only a drag this program started shows where it would land.
-    m_lstMenu->setDropHighlight(m_main.state().editing().drag.active ? node : nullptr);
+    m_lstMenu->setDropHighlight(m_main.state().editing().drag.active ? node : QModelIndex());
 }
 
-void EditorWindow::lstMenu_OLEDragDrop(QTreeWidgetItem* node, const QPoint& globalPos)
+void EditorWindow::lstMenu_OLEDragDrop(const QModelIndex& node, const QPoint& globalPos)
 {
-    m_lstMenu->setDropHighlight(nullptr);
+    m_lstMenu->setDropHighlight(QModelIndex());
     ApplicationState& state = m_main.state();
     DragState& drag = state.editing().drag;
     const QString targetKey = m_lstMenu->keyOf(node);
     if (isDropIgnored(drag, state.options().dragNDrop != 0, m_documentIndex, targetKey)) {
         return;
     }
-    const QString parentKey = node->parent() != nullptr ? m_lstMenu->keyOf(node->parent()) : QString();
+    const QString parentKey = m_lstMenu->keyOf(node.parent());
     if (drag.button == DragState::Button::Right) {
         drag.dropAsSibling = false;
         drag.dropAsChild = false;
         drag.dropCancelled = true;
         // Nothing can be placed beside the root.
-        m_main.popupDropMenu(node->text(0), node->parent() != nullptr ? node->parent()->text(0) : QString(),
-                             targetKey != rootKey(), globalPos);
+        m_main.popupDropMenu(m_lstMenu->textOf(node), m_lstMenu->textOf(node.parent()), targetKey != rootKey(),
+                             globalPos);
     } else {
         drag.dropAsChild = true;
         drag.dropAsSibling = false;
@@ -578,14 +600,12 @@ void EditorWindow::showNoItem()
 SelectedNode EditorWindow::selectedNode() const
 {
     SelectedNode selected;
-    QTreeWidgetItem* node = m_lstMenu->currentItem();
+    const QModelIndex node = m_lstMenu->currentIndex();
     selected.key = m_lstMenu->keyOf(node);
-    if (!selected.key.isEmpty() && node->parent() != nullptr) {
-        QTreeWidgetItem* parentNode = node->parent();
-        selected.parentKey = m_lstMenu->keyOf(parentNode);
-        const int row = parentNode->indexOfChild(node);
-        selected.previousSiblingKey = m_lstMenu->keyOf(parentNode->child(row - 1));
-        selected.nextSiblingKey = m_lstMenu->keyOf(parentNode->child(row + 1));
+    if (!selected.key.isEmpty() && node.parent().isValid()) {
+        selected.parentKey = m_lstMenu->keyOf(node.parent());
+        selected.previousSiblingKey = m_lstMenu->keyOf(node.siblingAtRow(node.row() - 1));
+        selected.nextSiblingKey = m_lstMenu->keyOf(node.siblingAtRow(node.row() + 1));
     }
     return selected;
 }
@@ -597,6 +617,7 @@ QString EditorWindow::nodeKey(int nodeIndex) const
 
 void EditorWindow::applyUpdate(const TreeUpdate& update)
 {
+    m_lstMenu->documentChanged();
     bool busy = false;
     const auto endBusy = [this, &busy] {
         if (busy) {
@@ -661,50 +682,54 @@ void EditorWindow::showFoundItem(const QString& key)
     if (isChoosingLinkTarget()) {
         return; // a click would choose the link's target
     }
-    QTreeWidgetItem* node = m_lstMenu->nodeByKey(key);
-    if (node == nullptr) {
+    const QModelIndex node = m_lstMenu->nodeByKey(key);
+    if (!node.isValid()) {
         m_findBar->search();
         return;
     }
-    m_lstMenu->scrollToItem(node);
+    m_lstMenu->scrollTo(node);
     clickFromUser(node);
 }
 
 void EditorWindow::moveSelectedNode(const TreeStep& step)
 {
-    QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key);
-    if (node == nullptr) {
+    QModelIndex node = m_lstMenu->nodeByKey(step.key);
+    if (!node.isValid()) {
         return;
     }
-    const bool wasCurrent = m_lstMenu->currentItem() == node;
+    const bool wasCurrent = m_lstMenu->currentIndex() == node;
     FlagScope selecting(m_selectingNode);
-    m_shownByMove = nullptr;
+    m_shownByMove.clear();
     {
         const PaintingSuspended suspended(m_lstMenu);
         if (step.kind == TreeStep::Kind::MoveNodeUnder) {
             m_lstMenu->moveNode(node, m_lstMenu->nodeByKey(step.parentKey), 0);
+            node = m_lstMenu->nodeByKey(step.key);
         } else if (step.kind == TreeStep::Kind::MoveNodeToLastChild) {
-            QTreeWidgetItem* parentNode = m_lstMenu->nodeByKey(step.parentKey);
-            m_lstMenu->moveNode(node, parentNode, parentNode != nullptr ? parentNode->childCount() : 0);
+            const QModelIndex parentNode = m_lstMenu->nodeByKey(step.parentKey);
+            m_lstMenu->moveNode(node, parentNode, m_lstMenu->model()->rowCount(parentNode));
+            node = m_lstMenu->nodeByKey(step.key);
         } else if (step.kind == TreeStep::Kind::MoveNodeAfter) {
-            QTreeWidgetItem* sibling = m_lstMenu->nodeByKey(step.siblingKey);
-            QTreeWidgetItem* parentNode = sibling != nullptr ? sibling->parent() : nullptr;
-            if (parentNode != nullptr) {
-                // The row counts the node itself when it comes before its new place among the same siblings.
-                int row = parentNode->indexOfChild(sibling) + 1;
-                const int current = parentNode->indexOfChild(node);
-                row -= current >= 0 && current < row ? 1 : 0;
-                m_lstMenu->moveNode(node, parentNode, row);
+            const QModelIndex sibling = m_lstMenu->nodeByKey(step.siblingKey);
+            if (sibling.isValid() && sibling.parent().isValid()) {
+                // The row is counted without the node itself, which may come before its new place.
+                const bool earlierSibling = node.parent() == sibling.parent() && node.row() < sibling.row();
+                m_lstMenu->moveNode(node, sibling.parent(), sibling.row() + (earlierSibling ? 0 : 1));
             }
+            node = m_lstMenu->nodeByKey(step.key);
         } else {
             node = m_lstMenu->moveAmongSiblings(node, step.kind == TreeStep::Kind::MoveNodeUp ? -1 : 1);
         }
     }
     if (wasCurrent) {
-        m_lstMenu->setCurrentItem(node);
-        node->setSelected(true);
-        m_lstMenu->scrollToItem(node);
+        selectNode(node);
+        m_lstMenu->scrollTo(node);
     }
+}
+
+void EditorWindow::selectNode(const QModelIndex& node)
+{
+    m_lstMenu->selectionModel()->setCurrentIndex(node, QItemSelectionModel::ClearAndSelect);
 }
 
 void EditorWindow::applyStep(const TreeStep& step)
@@ -715,14 +740,12 @@ void EditorWindow::applyStep(const TreeStep& step)
         break;
     case TreeStep::Kind::RemoveNode: {
         FlagScope selecting(m_selectingNode);
-        m_shownByMove = nullptr;
+        m_shownByMove.clear();
         m_lstMenu->removeNode(m_lstMenu->nodeByKey(step.key));
         break;
     }
     case TreeStep::Kind::SetNodeText:
-        if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
-            node->setText(0, step.text);
-        }
+        m_lstMenu->setNodeText(m_lstMenu->nodeByKey(step.key), step.text);
         break;
     case TreeStep::Kind::MoveNodeUp:
     case TreeStep::Kind::MoveNodeDown:
@@ -732,7 +755,7 @@ void EditorWindow::applyStep(const TreeStep& step)
         moveSelectedNode(step);
         break;
     case TreeStep::Kind::SetNodeColour:
-        ItemTree::setNodeColour(m_lstMenu->nodeByKey(step.key), step.colour);
+        m_lstMenu->setNodeColour(m_lstMenu->nodeByKey(step.key), step.colour);
         break;
     case TreeStep::Kind::AddNodeWhenOnlyRoot:
         if (m_lstMenu->nodeCount() == 1) {
@@ -761,20 +784,19 @@ void EditorWindow::applyStep(const TreeStep& step)
     case TreeStep::Kind::HideBusy:
         break; // carried out by applyUpdate, which knows when the work ends
     case TreeStep::Kind::SelectNode:
-        if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+        if (const QModelIndex node = m_lstMenu->nodeByKey(step.key); node.isValid()) {
             FlagScope selecting(m_selectingNode);
-            m_lstMenu->setCurrentItem(node);
-            node->setSelected(true);
+            selectNode(node);
         }
         break;
     case TreeStep::Kind::ClickNode:
         // A node that is not in the tree (a hidden target) cannot be clicked: nothing happens.
-        if (QTreeWidgetItem* node = m_lstMenu->nodeByKey(step.key)) {
+        if (const QModelIndex node = m_lstMenu->nodeByKey(step.key); node.isValid()) {
             lstMenu_NodeClick(node);
         }
         break;
     case TreeStep::Kind::ClickFirstItemNode:
-        if (QTreeWidgetItem* node = m_lstMenu->node(2)) {
+        if (const QModelIndex node = m_lstMenu->node(2); node.isValid()) {
             lstMenu_NodeClick(node);
         } else {
             showNoItem();
@@ -812,28 +834,29 @@ void EditorWindow::applyStep(const TreeStep& step)
     }
 }
 
-void EditorWindow::onCurrentNodeChanged(QTreeWidgetItem* current)
+void EditorWindow::onCurrentNodeChanged(const QModelIndex& current)
 {
     // Moving through the tree with the keyboard shows the item like a click does; the window's own
     // changes of the current node (rebuilds, selecting after a click) do not.
-    if (m_selectingNode || !current || isChoosingLinkTarget()) {
+    if (m_selectingNode || !current.isValid() || isChoosingLinkTarget()) {
         return;
     }
     clickFromUser(current);
-    m_shownByMove = current;
+    m_shownByMove = m_lstMenu->keyOf(current);
 }
 
-void EditorWindow::onNodeClicked(QTreeWidgetItem* node)
+void EditorWindow::onNodeClicked(const QModelIndex& node)
 {
-    if (node == m_shownByMove) {
+    const QString key = m_lstMenu->keyOf(node);
+    if (!key.isEmpty() && key == m_shownByMove) {
         // The press of this click already moved to the node and showed it.
-        m_shownByMove = nullptr;
+        m_shownByMove.clear();
         return;
     }
     clickFromUser(node);
 }
 
-void EditorWindow::clickFromUser(QTreeWidgetItem* node)
+void EditorWindow::clickFromUser(const QModelIndex& node)
 {
     try {
         lstMenu_NodeClick(node);
@@ -863,7 +886,7 @@ void EditorWindow::onLabelEditCommitted(const QString& key, const QString& text)
 void EditorWindow::onRootCollapsed()
 {
     // The root stays open; its first item is selected and shown instead.
-    if (QTreeWidgetItem* first = m_lstMenu->node(2)) {
+    if (const QModelIndex first = m_lstMenu->node(2); first.isValid()) {
         clickFromUser(first);
     }
 }
@@ -927,7 +950,7 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
         case QEvent::MouseButtonPress: {
             const auto* mouse = static_cast<QMouseEvent*>(event);
             if (mouse->button() == Qt::LeftButton) {
-                if (QTreeWidgetItem* node = m_lstMenu->itemAt(mouse->position().toPoint())) {
+                if (const QModelIndex node = m_lstMenu->indexAt(mouse->position().toPoint()); node.isValid()) {
                     clickFromUser(node);
                 }
             }

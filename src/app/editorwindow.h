@@ -2,6 +2,7 @@
 
 #include "core/editorview.h"
 
+#include <QModelIndex>
 #include <QWidget>
 #include <QtGlobal>
 
@@ -15,7 +16,6 @@ class QLineEdit;
 class QListWidget;
 class QPoint;
 class QPushButton;
-class QTreeWidgetItem;
 struct MenuDocument;
 struct TreeStep;
 struct WindowEditingState;
@@ -67,13 +67,17 @@ public:
     /// Rebuilds the tree from the document under its hide mode, then selects the first top-level
     /// item and shows it as a click on it would.
     void generateTree();
+    /// Shows the document as a rebuild would after it was replaced by an undone or redone state
+    /// (`before` is the state it replaced), changing only the rows that differ; then selects the first
+    /// top-level item and shows it as a click on it would.
+    void showRestoredState(const MenuDocument& before);
     /// Re-applies the node colours and bold type from the document without rebuilding the tree.
     void ColorizeMenu();
 
     /// A click on `node`. A plain click remembers it, shows its place and index in the status bar,
     /// selects it and shows its item; while a link target is being chosen, it chooses `node` as the
     /// target of the item clicked last. The root node does nothing.
-    void lstMenu_NodeClick(QTreeWidgetItem* node);
+    void lstMenu_NodeClick(const QModelIndex& node);
     /// Shows the selected node's item: its path, its copy-command link and its commands (or the
     /// link target's commands while the link is on).
     void SelectItem();
@@ -87,7 +91,7 @@ public:
     /// A node of this program dropped on `node` of this window's tree (null: no node under the
     /// pointer) at `globalPos`: a left-button drop moves the dragged branch under it; a right-button
     /// drop asks with the drop menu.
-    void lstMenu_OLEDragDrop(QTreeWidgetItem* node, const QPoint& globalPos);
+    void lstMenu_OLEDragDrop(const QModelIndex& node, const QPoint& globalPos);
 
     /// The selected line of the command list (0-based); -1 when none is selected or it is empty.
     int selectedCommandIndex() const;
@@ -121,23 +125,27 @@ protected:
 private:
     void buildLayout();
     void applyStep(const TreeStep& step);
+    /// Selects the first item node and shows it, and gives the root its text, as after a rebuild.
+    void showFirstItem();
     void moveSelectedNode(const TreeStep& step);
+    /// Makes `node` the current and only selected node of the tree.
+    void selectNode(const QModelIndex& node);
     void placeBusyNotice();
     void refreshFindBar();
     void showNoItem();
     void showStatusPanel(int panel, const QString& text);
     void updateLinkControls();
-    void startNodeDrag(QTreeWidgetItem* node, Qt::MouseButton button);
-    void onNodeDraggedOver(QTreeWidgetItem* node);
+    void startNodeDrag(const QModelIndex& node, Qt::MouseButton button);
+    void onNodeDraggedOver(const QModelIndex& node);
     void showChoosingColour(bool choosing);
     WindowEditingState& windowState() const;
-    void onCurrentNodeChanged(QTreeWidgetItem* current);
-    void onNodeClicked(QTreeWidgetItem* node);
+    void onCurrentNodeChanged(const QModelIndex& current);
+    void onNodeClicked(const QModelIndex& node);
     void onLabelEditStarted(const QString& key);
     void onLabelEditCommitted(const QString& key, const QString& text);
     void onRootCollapsed();
     /// Runs a click from the user, reporting a failure instead of passing it on.
-    void clickFromUser(QTreeWidgetItem* node);
+    void clickFromUser(const QModelIndex& node);
 
     MainWindow& m_main;
     const qint16 m_documentIndex;
@@ -145,9 +153,9 @@ private:
     /// True while the window itself changes the tree's current node, so that only the user's
     /// moves through the tree count as clicks.
     bool m_selectingNode = false;
-    /// The node a keyboard move already showed; the click that follows on the same node is not
-    /// shown twice.
-    QTreeWidgetItem* m_shownByMove = nullptr;
+    /// The key of the node a keyboard move already showed; the click that follows on the same node
+    /// is not shown twice.
+    QString m_shownByMove;
 
     ItemTree* m_lstMenu = nullptr;
     FindBar* m_findBar = nullptr;

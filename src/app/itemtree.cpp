@@ -1,10 +1,9 @@
 #include "itemtree.h"
 
+#include "app/itemtreemodel.h"
 #include "app/plaintooltip.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
-#include "treeview/nodestyle.h"
-#include "treeview/treeplan.h"
 
 #include <QApplication>
 #include <QBrush>
@@ -19,90 +18,10 @@
 #include <QMouseEvent>
 #include <QSignalBlocker>
 #include <QToolTip>
-#include <QVariant>
 
-#include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace {
-
-const int kKeyRole = Qt::UserRole;
-
-QString rootKey()
-{
-    return QStringLiteral("Root");
-}
-
-QColor colourOf(NodeStyle::Colour colour)
-{
-    switch (colour) {
-    case NodeStyle::Colour::Navy:
-        return QColor(0, 0, 128);
-    case NodeStyle::Colour::Maroon:
-        return QColor(128, 0, 0);
-    case NodeStyle::Colour::Black:
-        break;
-    }
-    return QColor(0, 0, 0);
-}
-
-/// A node of the item tree. Its place among its siblings can be given by a number of its own, so
-/// that a node moves among its siblings by sorting them: the view then keeps every expanded state and
-/// nothing leaves the tree.
-class TreeNode final : public QTreeWidgetItem
-{
-public:
-    int place = 0;
-
-    bool operator<(const QTreeWidgetItem& other) const override
-    {
-        return place < static_cast<const TreeNode&>(other).place;
-    }
-};
-
-/// `top` and everything below it, parents before children, without recursion: a menu can nest
-/// tens of thousands of levels deep.
-std::vector<QTreeWidgetItem*> subtreeInPreOrder(QTreeWidgetItem* top)
-{
-    std::vector<QTreeWidgetItem*> result;
-    std::vector<QTreeWidgetItem*> stack { top };
-    while (!stack.empty()) {
-        QTreeWidgetItem* current = stack.back();
-        stack.pop_back();
-        result.push_back(current);
-        for (int c = current->childCount() - 1; c >= 0; --c) {
-            stack.push_back(current->child(c));
-        }
-    }
-    return result;
-}
-
-/// Deletes a subtree that is no longer part of any tree widget. Deleting the top item alone would
-/// delete its descendants recursively, one stack frame per level, which a deep menu can overflow;
-/// so the items are unlinked from the bottom up first (each takeChildren then only touches leaves)
-/// and deleted one by one.
-void deleteDetachedSubtree(QTreeWidgetItem* top)
-{
-    const std::vector<QTreeWidgetItem*> items = subtreeInPreOrder(top);
-    for (auto it = items.rbegin(); it != items.rend(); ++it) {
-        (*it)->takeChildren();
-    }
-    for (QTreeWidgetItem* item : items) {
-        delete item;
-    }
-}
-
-/// Not bold means the tree's own font, so a node follows later font changes of the tree.
-void applyStyle(QTreeWidgetItem* node, const NodeStyle& style, const QFont& boldFont)
-{
-    node->setForeground(0, QBrush(colourOf(style.colour)));
-    if (style.bold) {
-        node->setFont(0, boldFont);
-    } else {
-        node->setData(0, Qt::FontRole, QVariant());
-    }
-}
 
 /// Suspends painting of a widget until the end of a scope, also when an error leaves it early.
 class PaintingSuspended
@@ -124,12 +43,30 @@ private:
     bool m_enabledAfter;
 };
 
+/// Counts a change of the tree's shape for the length of a scope.
+class ShapeChange
+{
+public:
+    explicit ShapeChange(int& depth)
+        : m_depth(depth)
+    {
+        ++m_depth;
+    }
+    ~ShapeChange() { --m_depth; }
+    ShapeChange(const ShapeChange&) = delete;
+    ShapeChange& operator=(const ShapeChange&) = delete;
+
+private:
+    int& m_depth;
+};
+
 } // namespace
 
 ItemTree::ItemTree(QWidget* parent)
-    : QTreeWidget(parent)
+    : QTreeView(parent)
+    , m_model(new ItemTreeModel(this))
 {
-    setColumnCount(1);
+    setModel(m_model);
     setHeaderHidden(true);
     setSelectionMode(QAbstractItemView::SingleSelection);
     // Every row is one line of text; letting the view assume so keeps layout of large menus fast.
@@ -146,251 +83,279 @@ ItemTree::ItemTree(QWidget* parent)
     // markers, on the root too. A narrower indentation leaves the markers as dots.
     resetIndentation();
     setRootIsDecorated(true);
-    connect(this, &QTreeWidget::itemCollapsed, this, &ItemTree::onItemCollapsed);
+    updateFonts();
+    connect(this, &QTreeView::collapsed, this, &ItemTree::onCollapsed);
+    connect(this, &QTreeView::expanded, this, &ItemTree::onExpanded);
 }
 
 ItemTree::~ItemTree()
 {
-    // The base class would delete the nodes recursively; a deep menu needs the flat teardown.
-    clearNodes();
+    // What the view signals while it goes must not reach the window any more.
+    disconnect(this, nullptr, nullptr, nullptr);
+}
+
+void ItemTree::setDocumentSource(std::function<const MenuDocument&()> source)
+{
+    m_model->setDocumentSource(std::move(source));
+}
+
+const MenuDocument& ItemTree::document() const
+{
+    return m_model->document();
+}
+
+TreeNode* ItemTree::treeNode(const QModelIndex& index) const
+{
+    return m_model->nodeOf(index);
 }
 
 int ItemTree::nodeCount() const
 {
-    return int(m_nodes.size());
+    return m_model->nodes().nodeCount();
 }
 
-QTreeWidgetItem* ItemTree::node(int index) const
+QModelIndex ItemTree::node(int index) const
 {
-    if (index < 1 || index > m_nodes.size()) {
-        return nullptr;
-    }
-    return m_nodes.at(index - 1);
+    return m_model->indexOf(m_model->nodes().node(index));
 }
 
-int ItemTree::indexOfNode(const QTreeWidgetItem* node) const
+int ItemTree::indexOfNode(const QModelIndex& node) const
 {
-    const auto it = m_index.constFind(node);
-    return it == m_index.constEnd() ? 0 : it.value() + 1;
+    return NodeTree::indexOf(treeNode(node));
 }
 
-QTreeWidgetItem* ItemTree::nodeByKey(const QString& key) const
+QModelIndex ItemTree::nodeByKey(const QString& key) const
 {
-    return m_byKey.value(key, nullptr);
+    return m_model->indexOf(m_model->nodes().nodeByKey(key));
 }
 
-QString ItemTree::keyOf(const QTreeWidgetItem* node) const
+QString ItemTree::keyOf(const QModelIndex& node) const
 {
-    if (node == nullptr || !m_index.contains(node)) {
-        return QString();
-    }
-    return node->data(0, kKeyRole).toString();
+    const TreeNode* found = treeNode(node);
+    return found != nullptr ? found->key : QString();
 }
 
-QTreeWidgetItem* ItemTree::addNode(const QString& parentKey, const QString& key, const QString& text)
+QString ItemTree::textOf(const QModelIndex& node) const
 {
-    QTreeWidgetItem* parentNode = nullptr;
-    if (!parentKey.isEmpty()) {
-        parentNode = nodeByKey(parentKey);
-        if (parentNode == nullptr) {
-            return nullptr;
-        }
-    }
-    if (!key.isEmpty() && m_byKey.contains(key)) {
-        return nullptr;
-    }
-    auto* created = new TreeNode;
-    created->setText(0, text);
-    created->setData(0, kKeyRole, key);
-    if (key != rootKey()) {
-        created->setFlags(created->flags() | Qt::ItemIsEditable);
-    }
-    if (parentNode != nullptr) {
-        parentNode->addChild(created);
-    } else {
-        addTopLevelItem(created);
-    }
-    registerNode(created, key);
-    return created;
+    return m_model->nodes().textOf(treeNode(node), document());
+}
+
+NodeStyle ItemTree::styleOf(const QModelIndex& node) const
+{
+    const TreeNode* found = treeNode(node);
+    return found != nullptr ? found->style : NodeStyle();
+}
+
+QModelIndex ItemTree::addNode(const QString& parentKey, const QString& key, const QString& text)
+{
+    const ShapeChange changing(m_shapeChanges);
+    m_model->nodes().documentChanged();
+    return m_model->indexOf(m_model->nodes().addNode(parentKey, key, text, document()));
 }
 
 void ItemTree::addNodes(const QList<NewNode>& nodes)
 {
-    // Nodes whose parent is new hang on it while it is not in the tree yet; a node whose parent is
-    // in the tree starts a branch that joins the tree once it is complete.
-    QHash<QString, QTreeWidgetItem*> created;
-    std::vector<std::pair<QTreeWidgetItem*, QTreeWidgetItem*>> branches; // (parent in the tree, top)
-    for (const NewNode& node : nodes) {
-        if (node.key.isEmpty() || m_byKey.contains(node.key)) {
-            continue; // the tree keeps one node per key, as addNode does
+    const ShapeChange changing(m_shapeChanges);
+    NodeTree& tree = m_model->nodes();
+    tree.documentChanged();
+    const std::vector<TreeNode*> made = tree.addNodes(nodes, document());
+    // Copies arrive expanded like the rest of the tree, down to the same depth, and so does the node
+    // they were added to.
+    std::vector<TreeNode*> toExpand;
+    for (TreeNode* node : made) {
+        TreeNode* parent = node->parent;
+        if (parent != nullptr && !parent->expanded && NodeTree::depthOf(parent) < expandedLevels) {
+            parent->expanded = true;
+            toExpand.push_back(parent);
         }
-        QTreeWidgetItem* newParent = created.value(node.parentKey, nullptr);
-        QTreeWidgetItem* treeParent = newParent != nullptr ? nullptr : nodeByKey(node.parentKey);
-        if (newParent == nullptr && treeParent == nullptr) {
-            continue;
+        if (!node->children.empty() && !node->expanded && NodeTree::depthOf(node) < expandedLevels) {
+            node->expanded = true;
+            toExpand.push_back(node);
         }
-        auto* item = new TreeNode;
-        item->setText(0, node.text);
-        item->setData(0, kKeyRole, node.key);
-        item->setFlags(item->flags() | Qt::ItemIsEditable);
-        if (newParent != nullptr) {
-            newParent->addChild(item);
-        } else {
-            branches.emplace_back(treeParent, item);
-        }
-        registerNode(item, node.key);
-        created.insert(node.key, item);
     }
-    for (const auto& [treeParent, top] : branches) {
-        treeParent->addChild(top);
+    expandNodes(toExpand);
+}
+
+void ItemTree::removeNode(const QModelIndex& node)
+{
+    TreeNode* found = treeNode(node);
+    if (found == nullptr) {
+        return;
+    }
+    if (found->parent == nullptr) {
+        clearNodes(); // the root goes with everything
+        return;
+    }
+    withExpandedStateAside([this, found] { m_model->nodes().removeNode(found); });
+    forgetGoneNodes();
+}
+
+void ItemTree::moveNode(const QModelIndex& node, const QModelIndex& parentNode, int row)
+{
+    TreeNode* moving = treeNode(node);
+    TreeNode* parent = treeNode(parentNode);
+    if (moving == nullptr || parent == nullptr || NodeTree::isWithin(parent, moving)) {
+        return; // a node cannot move into its own branch
+    }
+    withExpandedStateAside([this, moving, parent, row] { m_model->nodes().moveNode(moving, parent, row); });
+}
+
+QModelIndex ItemTree::moveAmongSiblings(const QModelIndex& node, int offset)
+{
+    TreeNode* moving = treeNode(node);
+    if (moving == nullptr || moving->parent == nullptr) {
+        return node;
+    }
+    const int newRow = moving->row + offset;
+    if (newRow < 0 || newRow >= int(moving->parent->children.size())) {
+        return node;
+    }
+    const TreeNode* other = moving->parent->children[size_t(newRow)];
+    TreeNode* result = nullptr;
+    if (moving->children.empty() && other->children.empty()) {
+        result = m_model->nodes().moveAmongSiblings(moving, offset);
+    } else {
+        withExpandedStateAside(
+            [this, moving, offset, &result] { result = m_model->nodes().moveAmongSiblings(moving, offset); });
+    }
+    return m_model->indexOf(result);
+}
+
+void ItemTree::setNodeText(const QModelIndex& node, const QString& text)
+{
+    m_model->nodes().documentChanged();
+    m_model->nodes().setText(treeNode(node), text, document());
+}
+
+void ItemTree::setNodeColour(const QModelIndex& node, NodeStyle::Colour colour)
+{
+    m_model->nodes().setColour(treeNode(node), colour);
+}
+
+void ItemTree::clearNodes()
+{
+    const ShapeChange changing(m_shapeChanges);
+    // Nodes that go are collapsed on the way; that is not the user collapsing the root.
+    const QSignalBlocker noCollapseSignals(this);
+    m_model->nodes().clear();
+    forgetGoneNodes();
+}
+
+void ItemTree::forgetGoneNodes()
+{
+    const NodeTree& tree = m_model->nodes();
+    if (!m_editingKey.isEmpty() && tree.nodeByKey(m_editingKey) == nullptr) {
+        m_editingKey.clear(); // an edit whose node goes is dropped with it
+        m_labelCommitted = false;
+    }
+    if (!m_pressKey.isEmpty() && tree.nodeByKey(m_pressKey) == nullptr) {
+        m_pressKey.clear();
+    }
+    if (!m_model->highlightedKey().isEmpty() && tree.nodeByKey(m_model->highlightedKey()) == nullptr) {
+        m_model->setHighlightedKey(QString());
     }
 }
 
-void ItemTree::forgetNodes(const std::vector<QTreeWidgetItem*>& nodes)
+void ItemTree::expandNodes(const std::vector<TreeNode*>& nodes)
 {
-    for (QTreeWidgetItem* removed : nodes) {
-        const QString key = removed->data(0, kKeyRole).toString();
-        if (m_byKey.value(key, nullptr) == removed) {
-            m_byKey.remove(key);
-        }
-        if (key == m_editingKey) {
-            m_editingKey.clear(); // an edit whose node goes is dropped with it
-            m_labelCommitted = false;
-        }
-        if (removed == m_pressNode) {
-            m_pressNode = nullptr;
-        }
-        if (removed == m_dropHighlight) {
-            m_dropHighlight = nullptr;
-        }
-        m_index.remove(removed);
+    if (nodes.empty()) {
+        return;
     }
+    // With a layout pending, expanding only notes each node; the layout then runs once.
+    scheduleDelayedItemsLayout();
+    const QSignalBlocker noExpandSignals(this);
+    for (const TreeNode* node : nodes) {
+        expand(m_model->indexOf(node));
+    }
+}
+
+void ItemTree::expandMarkedNodes()
+{
+    std::vector<TreeNode*> marked;
+    const NodeTree& tree = m_model->nodes();
+    for (int n = 1; n <= tree.nodeCount(); ++n) {
+        TreeNode* node = tree.node(n);
+        if (node->expanded) {
+            marked.push_back(node); // a node without children now keeps its mark for the ones to come
+        }
+    }
+    expandNodes(marked);
 }
 
 void ItemTree::withExpandedStateAside(const std::function<void()>& change)
 {
-    // The view remembers every expanded node, and removing rows makes the model walk from each
-    // remembered node up to the top: on a menu thousands of levels deep that costs far more than the
-    // change itself, even for a single leaf. So the expanded state is set aside for the change and
-    // given back afterwards, children before their parents, so that the view lays the tree out once.
-    // Nodes collapsed and expanded on the way are not the user doing so.
-    const QSignalBlocker noCollapseSignals(this);
-    std::vector<QTreeWidgetItem*> expanded;
-    for (QTreeWidgetItem* node : std::as_const(m_nodes)) {
-        if (node->isExpanded()) {
-            expanded.push_back(node);
-        }
+    const ShapeChange changing(m_shapeChanges);
+    // The view remembers every expanded node, and removing or moving rows makes the model walk from
+    // each remembered node up to the top: on a menu thousands of levels deep that costs far more than
+    // the change itself, even for a single leaf. So the expanded state is set aside for the change and
+    // given back afterwards, and the view lays the tree out once. The nodes keep their marks, as it is
+    // not the user collapsing them.
+    {
+        const QSignalBlocker noCollapseSignals(this);
+        collapseAll();
     }
-    collapseAll();
     change();
-    for (auto it = expanded.rbegin(); it != expanded.rend(); ++it) {
-        if (m_index.contains(*it)) {
-            (*it)->setExpanded(true);
-        }
-    }
+    expandMarkedNodes();
 }
 
-void ItemTree::removeNode(QTreeWidgetItem* node)
+QString ItemTree::fullPath(const QModelIndex& node) const
 {
-    if (node == nullptr || !m_index.contains(node)) {
-        return;
-    }
-    const std::vector<QTreeWidgetItem*> subtree = subtreeInPreOrder(node);
-    forgetNodes(subtree);
-    m_nodes.removeIf([this](QTreeWidgetItem* candidate) { return !m_index.contains(candidate); });
-    renumber();
-    withExpandedStateAside([this, node] {
-        if (QTreeWidgetItem* parentNode = node->parent()) {
-            parentNode->takeChild(parentNode->indexOfChild(node));
-        } else {
-            takeTopLevelItem(indexOfTopLevelItem(node));
-        }
-    });
-    deleteDetachedSubtree(node);
+    const TreeNode* found = treeNode(node);
+    return found != nullptr ? m_model->nodes().fullPath(found, document()) : QString();
 }
 
-void ItemTree::moveNode(QTreeWidgetItem* node, QTreeWidgetItem* parentNode, int row)
+void ItemTree::generate()
 {
-    if (node == nullptr || parentNode == nullptr || !m_index.contains(node) || !m_index.contains(parentNode)) {
-        return;
+    // The rebuild always ends with painting on: opening a menu file suspends it before the file is
+    // read and relies on the first rebuild to resume it.
+    const PaintingSuspended suspended(this, true);
+    const ShapeChange changing(m_shapeChanges);
+    m_editingKey.clear();
+    m_labelCommitted = false;
+    m_pressKey.clear();
+    m_model->setHighlightedKey(QString());
+    {
+        const QSignalBlocker noCollapseSignals(this);
+        m_model->nodes().generate(document());
     }
-    for (const QTreeWidgetItem* ancestor = parentNode; ancestor != nullptr; ancestor = ancestor->parent()) {
-        if (ancestor == node) {
-            return; // a node cannot move into its own branch
-        }
-    }
-    withExpandedStateAside([node, parentNode, row] {
-        if (QTreeWidgetItem* oldParent = node->parent()) {
-            oldParent->takeChild(oldParent->indexOfChild(node));
-        }
-        parentNode->insertChild(std::clamp(row, 0, parentNode->childCount()), node);
-    });
+    expandMarkedNodes();
 }
 
-QTreeWidgetItem* ItemTree::moveAmongSiblings(QTreeWidgetItem* node, int offset)
+void ItemTree::syncTo(const MenuDocument* before)
 {
-    QTreeWidgetItem* parentNode = node != nullptr ? node->parent() : nullptr;
-    if (parentNode == nullptr || !m_index.contains(node)) {
-        return node;
-    }
-    const int row = parentNode->indexOfChild(node);
-    const int newRow = row + offset;
-    if (newRow < 0 || newRow >= parentNode->childCount()) {
-        return node;
-    }
-    QTreeWidgetItem* other = parentNode->child(newRow);
-    if (node->childCount() > 0 || other->childCount() > 0) {
-        // A branch moves by sorting its siblings into their new order: no row leaves the tree, so
-        // the model need not look at every expanded node, and every node keeps its state.
-        for (int c = 0; c < parentNode->childCount(); ++c) {
-            static_cast<TreeNode*>(parentNode->child(c))->place = c;
-        }
-        static_cast<TreeNode*>(node)->place = newRow;
-        static_cast<TreeNode*>(other)->place = row;
-        parentNode->sortChildren(0, Qt::AscendingOrder);
-        return node;
-    }
-    // Two leaves trade everything they show and their places in the collection, so that every key
-    // keeps its node number.
-    const int nodeSlot = m_index.value(node);
-    const int otherSlot = m_index.value(other);
-    const QString nodeKey = keyOf(node);
-    const QString otherKey = keyOf(other);
-    for (const int role : { int(Qt::DisplayRole), kKeyRole, int(Qt::ForegroundRole), int(Qt::FontRole),
-                            int(Qt::BackgroundRole), int(Qt::ToolTipRole) }) {
-        const QVariant nodeValue = node->data(0, role);
-        node->setData(0, role, other->data(0, role));
-        other->setData(0, role, nodeValue);
-    }
-    m_nodes[nodeSlot] = other;
-    m_nodes[otherSlot] = node;
-    m_index.insert(other, nodeSlot);
-    m_index.insert(node, otherSlot);
-    m_byKey.insert(nodeKey, other);
-    m_byKey.insert(otherKey, node);
-    if (m_dropHighlight == node || m_dropHighlight == other) {
-        m_dropHighlight = m_dropHighlight == node ? other : node;
-    }
-    return other;
+    const PaintingSuspended suspended(this, updatesEnabled());
+    std::vector<TreeNode*> toExpand;
+    withExpandedStateAside([this, before, &toExpand] { toExpand = m_model->nodes().syncTo(document(), before); });
+    forgetGoneNodes();
+    expandNodes(toExpand);
 }
 
-void ItemTree::setDropHighlight(QTreeWidgetItem* node)
+void ItemTree::showRootText(int hideMode)
 {
-    if (node == m_dropHighlight) {
-        return;
-    }
-    if (m_dropHighlight != nullptr) {
-        m_dropHighlight->setData(0, Qt::BackgroundRole, QVariant());
-    }
-    m_dropHighlight = node != nullptr && m_index.contains(node) ? node : nullptr;
-    if (m_dropHighlight != nullptr) {
-        QColor colour = palette().color(QPalette::Highlight);
-        colour.setAlpha(90);
-        m_dropHighlight->setBackground(0, QBrush(colour));
-    }
+    m_model->nodes().setText(m_model->nodes().root(), HideMode::rootText(hideMode), document());
 }
 
-QString ItemTree::toolTipOf(const QTreeWidgetItem* node) const
+void ItemTree::colorize()
+{
+    m_model->nodes().colorize(document());
+}
+
+void ItemTree::documentChanged()
+{
+    m_model->nodes().documentChanged();
+}
+
+void ItemTree::setDropHighlight(const QModelIndex& node)
+{
+    m_model->setHighlightedKey(keyOf(node));
+}
+
+QModelIndex ItemTree::dropHighlight() const
+{
+    return nodeByKey(m_model->highlightedKey());
+}
+
+QString ItemTree::toolTipOf(const QModelIndex& node) const
 {
     const QString key = keyOf(node);
     if (key.isEmpty() || !m_toolTipSource) {
@@ -402,45 +367,65 @@ QString ItemTree::toolTipOf(const QTreeWidgetItem* node) const
 bool ItemTree::viewportEvent(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip) {
-        return QTreeWidget::viewportEvent(event);
+        return QTreeView::viewportEvent(event);
     }
     const auto* help = static_cast<QHelpEvent*>(event);
-    QTreeWidgetItem* node = itemAt(help->pos());
+    const QModelIndex node = indexAt(help->pos());
     const QString text = toolTipOf(node);
     if (text.isEmpty()) {
         QToolTip::hideText();
         event->ignore();
     } else {
         // The tip stays while the pointer is on the same node and goes when it leaves it.
-        QToolTip::showText(help->globalPos(), plainToolTip(text), viewport(), visualItemRect(node));
+        QToolTip::showText(help->globalPos(), plainToolTip(text), viewport(), visualRect(node));
     }
     return true;
+}
+
+void ItemTree::changeEvent(QEvent* event)
+{
+    QTreeView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange) {
+        updateFonts();
+    }
+}
+
+void ItemTree::updateFonts()
+{
+    QFont bold = font();
+    bold.setBold(true);
+    m_model->setBoldFont(bold);
+    QColor colour = palette().color(QPalette::Highlight);
+    colour.setAlpha(90);
+    m_model->setHighlightBrush(QBrush(colour));
 }
 
 void ItemTree::mousePressEvent(QMouseEvent* event)
 {
     m_pressPos = event->position().toPoint();
     m_pressButton = event->button();
-    m_pressNode = itemAt(m_pressPos);
-    QTreeWidget::mousePressEvent(event);
+    m_pressKey = keyOf(indexAt(m_pressPos));
+    QTreeView::mousePressEvent(event);
 }
 
 void ItemTree::mouseMoveEvent(QMouseEvent* event)
 {
     const QPoint position = event->position().toPoint();
-    if (m_pressNode != nullptr && (event->buttons() & m_pressButton) != 0 && !isEditingLabel()
+    if (!m_pressKey.isEmpty() && (event->buttons() & m_pressButton) != 0 && !isEditingLabel()
         && (position - m_pressPos).manhattanLength() >= QApplication::startDragDistance()) {
-        QTreeWidgetItem* dragged = std::exchange(m_pressNode, nullptr);
-        Q_EMIT dragStartRequested(dragged, m_pressButton);
+        const QModelIndex dragged = nodeByKey(std::exchange(m_pressKey, QString()));
+        if (dragged.isValid()) {
+            Q_EMIT dragStartRequested(dragged, m_pressButton);
+        }
         return;
     }
-    QTreeWidget::mouseMoveEvent(event);
+    QTreeView::mouseMoveEvent(event);
 }
 
 void ItemTree::mouseReleaseEvent(QMouseEvent* event)
 {
-    m_pressNode = nullptr;
-    QTreeWidget::mouseReleaseEvent(event);
+    m_pressKey.clear();
+    QTreeView::mouseReleaseEvent(event);
 }
 
 void ItemTree::dragEnterEvent(QDragEnterEvent* event)
@@ -450,7 +435,7 @@ void ItemTree::dragEnterEvent(QDragEnterEvent* event)
         return;
     }
     event->acceptProposedAction();
-    Q_EMIT nodeDraggedOver(itemAt(event->position().toPoint()));
+    Q_EMIT nodeDraggedOver(indexAt(event->position().toPoint()));
 }
 
 void ItemTree::dragMoveEvent(QDragMoveEvent* event)
@@ -461,7 +446,7 @@ void ItemTree::dragMoveEvent(QDragMoveEvent* event)
     }
     event->acceptProposedAction();
     const QPoint position = event->position().toPoint();
-    Q_EMIT nodeDraggedOver(itemAt(position));
+    Q_EMIT nodeDraggedOver(indexAt(position));
     // Near the top or the bottom the tree scrolls, so that every node can be reached.
     const int margin = autoScrollMargin();
     const QRect area = viewport()->rect();
@@ -472,7 +457,7 @@ void ItemTree::dragMoveEvent(QDragMoveEvent* event)
 
 void ItemTree::dragLeaveEvent(QDragLeaveEvent* event)
 {
-    setDropHighlight(nullptr);
+    setDropHighlight(QModelIndex());
     stopAutoScroll();
     event->accept();
 }
@@ -485,142 +470,26 @@ void ItemTree::dropEvent(QDropEvent* event)
         return;
     }
     event->acceptProposedAction();
-    QTreeWidgetItem* node = itemAt(event->position().toPoint());
+    const QModelIndex node = indexAt(event->position().toPoint());
     Q_EMIT nodeDropped(node, viewport()->mapToGlobal(event->position().toPoint()));
 }
 
-void ItemTree::clearNodes()
+bool ItemTree::startLabelEdit(const QModelIndex& node)
 {
-    // Nodes that go are collapsed on the way; that is not the user collapsing the root.
-    const QSignalBlocker noCollapseSignals(this);
-    // An edit, a press or a highlight whose node goes is dropped with it.
-    m_editingKey.clear();
-    m_labelCommitted = false;
-    m_pressNode = nullptr;
-    m_dropHighlight = nullptr;
-    // Dropping the expanded state first spares the model from adjusting one remembered index per
-    // expanded submenu while the nodes go.
-    collapseAll();
-    std::vector<QTreeWidgetItem*> tops;
-    for (int t = topLevelItemCount() - 1; t >= 0; --t) {
-        tops.push_back(takeTopLevelItem(t));
-    }
-    m_nodes.clear();
-    m_byKey.clear();
-    m_index.clear();
-    for (QTreeWidgetItem* top : tops) {
-        deleteDetachedSubtree(top);
-    }
-}
-
-QString ItemTree::fullPath(const QTreeWidgetItem* node) const
-{
-    if (node == nullptr || !m_index.contains(node)) {
-        return QString();
-    }
-    QStringList texts;
-    for (const QTreeWidgetItem* current = node; current != nullptr; current = current->parent()) {
-        texts.prepend(current->text(0));
-    }
-    return texts.join(QLatin1Char('\\'));
-}
-
-void ItemTree::generate(const MenuDocument& document)
-{
-    // The rebuild always ends with painting on: opening a menu file suspends it before the file is
-    // read and relies on the first rebuild to resume it.
-    const PaintingSuspended suspended(this, true);
-    clearNodes();
-    const QList<PlannedNode> plan = planTree(document, document.hideMode);
-
-    // The nodes are linked to each other before the root joins the widget, so the view lays the
-    // tree out once instead of once per node.
-    const QFont bold = boldFont();
-    auto* root = new TreeNode;
-    root->setText(0, QStringLiteral("KELV"));
-    root->setData(0, kKeyRole, rootKey());
-    registerNode(root, rootKey());
-    applyStyle(root, NodeStyle::forRoot(), bold);
-    m_nodes.reserve(plan.size() + 1);
-    std::vector<int> levels { 0 }; // aligned with m_nodes
-    levels.reserve(size_t(plan.size()) + 1);
-    for (const PlannedNode& planned : plan) {
-        QTreeWidgetItem* parentNode = m_byKey.value(planned.parentKey, nullptr);
-        if (parentNode == nullptr || m_byKey.contains(planned.key)) {
-            continue; // the tree refuses the node, as addNode would
-        }
-        auto* created = new TreeNode;
-        created->setText(0, planned.caption);
-        created->setData(0, kKeyRole, planned.key);
-        created->setFlags(created->flags() | Qt::ItemIsEditable);
-        parentNode->addChild(created);
-        levels.push_back(levels[size_t(m_index.value(parentNode))] + 1);
-        registerNode(created, planned.key);
-        applyStyle(created, NodeStyle::forItem(document.items.at(planned.itemIndex)), bold);
-    }
-    addTopLevelItem(root);
-    // Deepest submenus first: while their parents are still collapsed the view only notes each one,
-    // and expanding the root last lays the whole tree out once.
-    for (int n = int(m_nodes.size()) - 1; n >= 0; --n) {
-        QTreeWidgetItem* current = m_nodes.at(n);
-        if (levels[size_t(n)] < expandedLevels && current->childCount() > 0) {
-            current->setExpanded(true);
-        }
-    }
-}
-
-void ItemTree::showRootText(int hideMode)
-{
-    if (QTreeWidgetItem* root = node(1)) {
-        root->setText(0, HideMode::rootText(hideMode));
-    }
-}
-
-void ItemTree::colorize(const MenuDocument& document)
-{
-    const PaintingSuspended suspended(this, updatesEnabled());
-    const QFont bold = boldFont();
-    // The first item bearing a key wins, as with every other lookup from a node key.
-    QHash<QString, int> itemOfKey;
-    itemOfKey.reserve(document.items.size());
-    for (int i = int(document.items.size()) - 1; i >= 0; --i) {
-        itemOfKey.insert(document.items.at(i).key, i);
-    }
-    for (QTreeWidgetItem* node : std::as_const(m_nodes)) {
-        const QString key = node->data(0, kKeyRole).toString();
-        if (key == rootKey()) {
-            continue;
-        }
-        // Resetting to black and then applying the submenu and command rows ends in the item's
-        // style; it is applied in one step so each node changes at most once.
-        const auto it = itemOfKey.constFind(key);
-        applyStyle(node, it == itemOfKey.constEnd() ? NodeStyle() : NodeStyle::forItem(document.items.at(it.value())),
-                   bold);
-    }
-}
-
-void ItemTree::setNodeColour(QTreeWidgetItem* node, NodeStyle::Colour colour)
-{
-    if (node != nullptr) {
-        node->setForeground(0, QBrush(colourOf(colour)));
-    }
-}
-
-bool ItemTree::startLabelEdit(QTreeWidgetItem* node)
-{
-    if (node == nullptr || keyOf(node).isEmpty() || keyOf(node) == rootKey()) {
+    const QString key = keyOf(node);
+    if (key.isEmpty() || key == NodeTree::rootKey()) {
         return false;
     }
-    scrollToItem(node);
-    editItem(node, 0);
+    scrollTo(node);
+    QTreeView::edit(node);
     return isEditingLabel();
 }
 
 bool ItemTree::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
 {
     // The root belongs to no item and is never editable; only item nodes carry the editable flag.
-    const QString key = keyOf(itemFromIndex(index));
-    const bool opened = QTreeWidget::edit(index, trigger, event);
+    const QString key = keyOf(index);
+    const bool opened = QTreeView::edit(index, trigger, event);
     if (opened && !key.isEmpty() && state() == QAbstractItemView::EditingState && m_editingKey != key) {
         m_editingKey = key;
         m_labelCommitted = false;
@@ -632,24 +501,30 @@ bool ItemTree::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event
 
 void ItemTree::commitData(QWidget* editor)
 {
-    QTreeWidget::commitData(editor);
+    QTreeView::commitData(editor);
     if (!m_editingKey.isEmpty()) {
-        if (QTreeWidgetItem* node = nodeByKey(m_editingKey)) {
+        const QModelIndex node = nodeByKey(m_editingKey);
+        if (node.isValid()) {
             m_labelCommitted = true;
-            m_committedText = node->text(0);
+            m_committedText = textOf(node);
         }
     }
 }
 
 void ItemTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
 {
-    QTreeWidget::closeEditor(editor, hint);
+    QTreeView::closeEditor(editor, hint);
     if (m_editingKey.isEmpty()) {
         return;
     }
     // The edit is reported only once the editor is gone, so that whatever the report changes in the
-    // tree cannot pull the node from under an open editor.
+    // tree cannot pull the node from under an open editor. An editor closed because the tree changes
+    // shape under it is dropped with its node, unreported: the change that closes it is under way.
     const QString key = std::exchange(m_editingKey, QString());
+    if (m_shapeChanges > 0) {
+        m_labelCommitted = false;
+        return;
+    }
     if (std::exchange(m_labelCommitted, false)) {
         Q_EMIT labelEditCommitted(key, std::exchange(m_committedText, QString()));
     } else {
@@ -657,33 +532,23 @@ void ItemTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint h
     }
 }
 
-void ItemTree::onItemCollapsed(QTreeWidgetItem* node)
+void ItemTree::onCollapsed(const QModelIndex& index)
 {
-    if (keyOf(node) == rootKey()) {
-        node->setExpanded(true);
+    TreeNode* node = treeNode(index);
+    if (node == nullptr) {
+        return;
+    }
+    if (node == m_model->nodes().root()) {
+        expand(index);
         Q_EMIT rootCollapsed();
+        return;
     }
+    node->expanded = false;
 }
 
-QFont ItemTree::boldFont() const
+void ItemTree::onExpanded(const QModelIndex& index)
 {
-    QFont bold = font();
-    bold.setBold(true);
-    return bold;
-}
-
-void ItemTree::registerNode(QTreeWidgetItem* node, const QString& key)
-{
-    m_index.insert(node, int(m_nodes.size()));
-    m_nodes.append(node);
-    if (!key.isEmpty()) {
-        m_byKey.insert(key, node);
-    }
-}
-
-void ItemTree::renumber()
-{
-    for (int i = 0; i < m_nodes.size(); ++i) {
-        m_index.insert(m_nodes.at(i), i);
+    if (TreeNode* node = treeNode(index)) {
+        node->expanded = true;
     }
 }

@@ -527,6 +527,21 @@ void MainWindow::regenerateTree(qint16 index)
         return;
     }
     editor->generateTree();
+    showTreeState(index);
+}
+
+void MainWindow::showRestoredState(qint16 index, const MenuDocument& before)
+{
+    EditorWindow* editor = this->editor(index);
+    if (!editor) {
+        return;
+    }
+    editor->showRestoredState(before);
+    showTreeState(index);
+}
+
+void MainWindow::showTreeState(qint16 index)
+{
     if (index == m_state.activeDocumentIndex()) {
         updateHideMarks();
         showItemCount(int(m_state.document(index).items.size()));

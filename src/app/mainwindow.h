@@ -90,6 +90,7 @@ public:
     /// (see EditorWindow::generateTree) and, when it is the active document, brings the Hide check
     /// marks and the item count up to date.
     void regenerateTree(qint16 index) override;
+    void showRestoredState(qint16 index, const MenuDocument& before) override;
     /// Shows `count` in the item-count panel (panel 4) of the status bar.
     void showItemCount(int count) override;
     /// Shows the active editor window's selected item and item count in the status bar (panels 2, 4
@@ -204,6 +205,9 @@ private:
     EditorWindow* createEditor(qint16 index);
     void discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow, qint16 previousIndex);
     void activateEditor(qint16 index);
+    /// After the tree of document `index` was rebuilt: the Hide marks and the item count follow
+    /// when it is the active document.
+    void showTreeState(qint16 index);
     void setEditorCaption(qint16 index, const QString& caption);
     QMdiSubWindow* frameOf(const EditorWindow* editor) const;
     void tileWindows(Qt::Orientation orientation);

@@ -12,7 +12,7 @@ struct TreeStep
 {
     enum class Kind {
         /// Add a node `key` with `text` as the last child of the node `parentKey` ("Root" for the
-        /// root node). New nodes are collapsed.
+        /// root node). A new branch shows expanded, as the rest of the tree.
         AddNode,
         /// Remove the node `key` with its whole subtree.
         RemoveNode,

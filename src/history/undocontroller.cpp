@@ -42,7 +42,8 @@ void UndoController::step(qint16 index, Direction direction)
     runEditingOperation(m_report, [this, index, direction] {
         // The tree generation combines the hideMode from before the step with the restored one:
         // 0 and 3 are kept, 1 and 2 are added to it.
-        const qint32 hideMode = m_documents.document(index).hideMode;
+        const MenuDocument before = m_documents.document(index);
+        const qint32 hideMode = before.hideMode;
         if (direction == Direction::Undo) {
             m_undoManager.undoDocument(index);
         } else {
@@ -50,7 +51,7 @@ void UndoController::step(qint16 index, Direction direction)
         }
         MenuDocument& restored = m_documents.document(index);
         restored.hideMode = HideMode::applyModeChange(restored.hideMode, hideMode);
-        m_host.regenerateTree(index);
+        m_host.showRestoredState(index, before);
         if (index == m_host.activeDocumentIndex()) {
             m_host.showItemCount(int(m_documents.document(index).items.size()));
         }

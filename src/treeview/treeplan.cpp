@@ -19,7 +19,7 @@ struct ChildBuckets
     std::vector<int> children;
 };
 
-ChildBuckets bucketChildren(const QList<MenuItem>& items)
+template <typename Items> ChildBuckets bucketChildren(const Items& items)
 {
     const int count = int(items.size());
     std::vector<int> reachable;
@@ -69,7 +69,7 @@ ChildBuckets bucketChildren(const QList<MenuItem>& items)
 
 /// The top-level items in the order shown: for siblingOrder 1, 2, 3 ... the first item in array
 /// order, up to the first order no top-level item has.
-std::vector<int> topLevelItems(const QList<MenuItem>& items)
+template <typename Items> std::vector<int> topLevelItems(const Items& items)
 {
     std::vector<int> firstOfOrder;
     for (int j = 0; j < int(items.size()); ++j) {
@@ -101,41 +101,54 @@ struct Visit
 
 } // namespace
 
-QList<PlannedNode> planTree(const MenuDocument& document, int hideMode)
+std::vector<PlannedItem> planTreeItems(const MenuDocument& document, int hideMode)
 {
-    const QList<MenuItem>& items = document.items;
+    const auto& items = document.items;
     const ChildBuckets buckets = bucketChildren(items);
     const std::vector<int> topLevel = topLevelItems(items);
-    const QString rootKey = QStringLiteral("Root");
 
-    QList<PlannedNode> plan;
-    plan.reserve(items.size());
+    std::vector<PlannedItem> plan;
+    plan.reserve(size_t(items.size()));
 
     // Pre-order walk with an explicit stack: siblings are pushed last-first so they come off in
     // order, each with its whole subtree before the next.
     std::vector<Visit> stack;
-    stack.reserve(items.size());
+    stack.reserve(size_t(items.size()));
     for (auto it = topLevel.rbegin(); it != topLevel.rend(); ++it) {
         stack.push_back(Visit { *it, -1 });
     }
     while (!stack.empty()) {
         const Visit visit = stack.back();
         stack.pop_back();
-        const MenuItem& item = items.at(visit.item);
         int childAncestor = visit.shownAncestor;
-        if (HideMode::isVisible(item, hideMode)) {
-            PlannedNode node;
-            node.key = item.key;
-            node.parentKey = visit.shownAncestor < 0 ? rootKey : items.at(visit.shownAncestor).key;
-            node.caption = item.caption;
-            node.itemIndex = Int16::checked(visit.item, kSource);
-            plan.append(node);
+        if (HideMode::isVisible(items.at(visit.item), hideMode)) {
+            // A node's index is a 16-bit number, as every index of the model.
+            plan.push_back(PlannedItem { Int16::checked(visit.item, kSource), visit.shownAncestor });
             childAncestor = visit.item;
         }
         const int first = buckets.start[size_t(visit.item)];
         for (int c = buckets.start[size_t(visit.item) + 1] - 1; c >= first; --c) {
             stack.push_back(Visit { buckets.children[size_t(c)], childAncestor });
         }
+    }
+    return plan;
+}
+
+QList<PlannedNode> planTree(const MenuDocument& document, int hideMode)
+{
+    const auto& items = document.items;
+    const std::vector<PlannedItem> planned = planTreeItems(document, hideMode);
+    const QString rootKey = QStringLiteral("Root");
+    QList<PlannedNode> plan;
+    plan.reserve(qsizetype(planned.size()));
+    for (const PlannedItem& entry : planned) {
+        PlannedNode node;
+        const MenuItem& item = items.at(entry.item);
+        node.key = item.key;
+        node.parentKey = entry.parentItem < 0 ? rootKey : items.at(entry.parentItem).key;
+        node.caption = item.caption;
+        node.itemIndex = qint16(entry.item);
+        plan.append(node);
     }
     return plan;
 }

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <vector>
+
 struct MenuDocument;
 
 /// One node that the tree rebuild adds to the item tree.
@@ -24,6 +26,15 @@ struct PlannedNode
     friend bool operator!=(const PlannedNode& left, const PlannedNode& right) { return !(left == right); }
 };
 
+/// One node of planTreeItems: the item it shows and the item of its parent node.
+struct PlannedItem
+{
+    /// The item's index in the document's item array.
+    int item = -1;
+    /// The index of the item whose node is the parent node; -1 for the root node.
+    int parentItem = -1;
+};
+
 /// The nodes the item tree shows for `document` under `hideMode`, in the order they are added, each
 /// parent before its children.
 ///
@@ -40,3 +51,7 @@ struct PlannedNode
 ///
 /// Runs in linear time and without recursion, so a chain 32,767 items deep is fine.
 QList<PlannedNode> planTree(const MenuDocument& document, int hideMode);
+
+/// The same plan by item indices only, without a copy of any text: what a rebuild of a large tree
+/// walks.
+std::vector<PlannedItem> planTreeItems(const MenuDocument& document, int hideMode);

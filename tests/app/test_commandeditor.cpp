@@ -428,7 +428,7 @@ private Q_SLOTS:
             QAction* special = sandbox().action(QStringLiteral("mnuSpecialItems%1").arg(entry));
             QCOMPARE(special->text().remove(QLatin1Char('&')), captions.at(entry));
             special->trigger();
-            QCOMPARE(tree(index).nodeByKey(key)->text(0), captions.at(entry));
+            QCOMPARE(tree(index).textOf(tree(index).nodeByKey(key)), captions.at(entry));
         }
         QCOMPARE(document(index).items.at(0).caption, QStringLiteral("A"));
         QCOMPARE(document(index).items.at(2).caption, QStringLiteral("C"));
@@ -438,7 +438,7 @@ private Q_SLOTS:
     void theRootOrNoItemLeavesTheEntriesOff()
     {
         const qint16 index = sandbox().openMenu(QStringLiteral("menu.ini"), texts({ "A" }), texts({ "0001:a=1" }));
-        tree(index).setCurrentItem(tree(index).node(1));
+        tree(index).setCurrentIndex(tree(index).node(1));
         for (const char* name :
              { "mnuAddCommand", "mnuEditCommand", "mnuRemoveCommand", "mnuClearCommands", "mnuSpecialItems0" }) {
             QVERIFY2(!sandbox().action(QString::fromLatin1(name))->isEnabled(), name);

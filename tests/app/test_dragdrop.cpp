@@ -74,9 +74,9 @@ private:
     /// Presses `button` on the node `key` and moves the pointer far enough to drag it.
     void startDrag(ItemTree& from, const QString& key, Qt::MouseButton button)
     {
-        QTreeWidgetItem* node = from.nodeByKey(key);
-        QVERIFY2(node, qPrintable(key));
-        const QPoint start = from.visualItemRect(node).center();
+        const QModelIndex node = from.nodeByKey(key);
+        QVERIFY2(node.isValid(), qPrintable(key));
+        const QPoint start = from.visualRect(node).center();
         QWidget* viewport = from.viewport();
         QMouseEvent press(QEvent::MouseButtonPress, start, viewport->mapToGlobal(start), button, button,
                           Qt::NoModifier);
@@ -92,10 +92,10 @@ private:
         QVERIFY2(m_dragData, "no drag was started");
         QPoint where(5, to.viewport()->height() - 3);
         if (!key.isEmpty()) {
-            QTreeWidgetItem* node = to.nodeByKey(key);
-            QVERIFY2(node, qPrintable(key));
-            to.scrollToItem(node);
-            where = to.visualItemRect(node).center();
+            const QModelIndex node = to.nodeByKey(key);
+            QVERIFY2(node.isValid(), qPrintable(key));
+            to.scrollTo(node);
+            where = to.visualRect(node).center();
         }
         const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
         QDragEnterEvent enter(where, actions, m_dragData.get(), button, Qt::NoModifier);
@@ -104,11 +104,11 @@ private:
         QApplication::sendEvent(to.viewport(), &move);
         if (!key.isEmpty()) {
             // Only a drag of this program shows where it would land.
-            QCOMPARE(to.dropHighlight(), highlighted ? to.nodeByKey(key) : nullptr);
+            QCOMPARE(to.dropHighlight(), highlighted ? to.nodeByKey(key) : QModelIndex());
         }
         QDropEvent drop(where, actions, m_dragData.get(), button, Qt::NoModifier);
         QApplication::sendEvent(to.viewport(), &drop);
-        QVERIFY(!to.dropHighlight());
+        QVERIFY(!to.dropHighlight().isValid());
     }
 
     void drag(ItemTree& from, const QString& key, ItemTree& to, const QString& targetKey, Qt::MouseButton button)
@@ -161,7 +161,7 @@ private Q_SLOTS:
     {
         setDragAndDropOption(true);
         const qint16 index = open(QStringLiteral("menu.ini"), texts({ "P", "···p1", "···p2", "Q", "···q1", "R" }));
-        tree(index).nodeByKey(QStringLiteral("E3"))->setExpanded(true);
+        tree(index).expand(tree(index).nodeByKey(QStringLiteral("E3")));
         drag(tree(index), QStringLiteral("E3"), tree(index), QStringLiteral("E0"), Qt::LeftButton);
         QCOMPARE(m_dragsStarted, 1);
 
@@ -175,7 +175,7 @@ private Q_SLOTS:
         QCOMPARE(moved.items[5].siblingOrder, qint16(2));
         // The nodes moved without a rebuild: every node keeps its expanded state.
         QCOMPARE(nodeOutline(tree(index)), texts({ "KELV", "  P", "    Q", "      q1", "    p1", "    p2", "  R" }));
-        QVERIFY(tree(index).nodeByKey(QStringLiteral("E3"))->isExpanded());
+        QVERIFY(tree(index).isExpanded(tree(index).nodeByKey(QStringLiteral("E3"))));
         QCOMPARE(undoCount(index), 1);
         QVERIFY(!window().state().editing().drag.active);
         QVERIFY(m_shownMenus.isEmpty());
@@ -277,8 +277,8 @@ private Q_SLOTS:
 
         QCOMPARE(document(target).items.size(), 4);
         QCOMPARE(nodeOutline(tree(target)), texts({ "KELV", "  Mine", "    Tools", "      Zip", "      Unzip" }));
-        // The copies arrive collapsed.
-        QVERIFY(!tree(target).nodeByKey(QStringLiteral("E1"))->isExpanded());
+        // The copies arrive expanded, as the rest of the tree.
+        QVERIFY(tree(target).isExpanded(tree(target).nodeByKey(QStringLiteral("E1"))));
         QCOMPARE(document(target).items[1].parent, qint16(0));
         QCOMPARE(document(target).items[2].commands.size(), 2);
         QCOMPARE(document(source).items.size(), 3);

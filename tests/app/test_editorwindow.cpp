@@ -130,8 +130,8 @@ private Q_SLOTS:
         EditorWindow* editor = showDocument(sandbox, linkedDocument());
         ItemTree* tree = editor->tree();
         QCOMPARE(tree->nodeCount(), 5);
-        QCOMPARE(tree->currentItem(), tree->node(2));
-        QCOMPARE(tree->keyOf(tree->currentItem()), QStringLiteral("E0"));
+        QCOMPARE(tree->currentIndex(), tree->node(2));
+        QCOMPARE(tree->keyOf(tree->currentIndex()), QStringLiteral("E0"));
         QVERIFY(editor->nodeClicked());
         QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Archive"));
         QVERIFY(control<QFrame>(editor, "frm01")->isHidden());
@@ -148,8 +148,8 @@ private Q_SLOTS:
         sandbox.window().state().document(editor->documentIndex()).hideMode = 1;
         sandbox.window().regenerateTree(editor->documentIndex());
 
-        QCOMPARE(tree->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
-        QCOMPARE(tree->currentItem(), tree->nodeByKey(QStringLiteral("E0")));
+        QCOMPARE(tree->textOf(tree->node(1)), QStringLiteral("KELV (Some items may be hidded)"));
+        QCOMPARE(tree->currentIndex(), tree->nodeByKey(QStringLiteral("E0")));
         QCOMPARE(path->text(), QStringLiteral("KELV\\Archive"));
         // A click afterwards shows the path as the tree now reads.
         editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E1")));
@@ -161,7 +161,7 @@ private Q_SLOTS:
         GuiSandbox sandbox;
         EditorWindow* editor = showDocument(sandbox, MenuDocument());
         QCOMPARE(editor->tree()->nodeCount(), 1);
-        QVERIFY(editor->tree()->selectedItems().isEmpty());
+        QVERIFY(editor->tree()->selectionModel()->selectedIndexes().isEmpty());
         QVERIFY(control<QListWidget>(editor, "lstCommand")->count() == 0);
         QVERIFY(control<QLabel>(editor, "lblPath")->text().isEmpty());
         QVERIFY(sandbox.prompts().messages.isEmpty());
@@ -179,8 +179,8 @@ private Q_SLOTS:
         QCOMPARE(panelText(sandbox, 6), QStringLiteral("(1 ; 0)"));
         QCOMPARE(sandbox.window().state().lastNodeIndex(),
                  qint16(tree->indexOfNode(tree->nodeByKey(QStringLiteral("E1")))));
-        QCOMPARE(tree->currentItem(), tree->nodeByKey(QStringLiteral("E1")));
-        QVERIFY(tree->currentItem()->isSelected());
+        QCOMPARE(tree->currentIndex(), tree->nodeByKey(QStringLiteral("E1")));
+        QVERIFY(tree->selectionModel()->isSelected(tree->currentIndex()));
         QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Archive\\Pack"));
         auto* commands = control<QListWidget>(editor, "lstCommand");
         QCOMPARE(listLines(commands),
@@ -236,9 +236,9 @@ private Q_SLOTS:
         GuiSandbox sandbox;
         EditorWindow* editor = showDocument(sandbox, linkedDocument());
         ItemTree* tree = editor->tree();
-        QTreeWidgetItem* unpack = tree->nodeByKey(QStringLiteral("E2"));
+        const QModelIndex unpack = tree->nodeByKey(QStringLiteral("E2"));
         editor->lstMenu_NodeClick(unpack);
-        QCOMPARE(unpack->foreground(0).color(), QColor(0, 0, 0));
+        QCOMPARE(unpack.data(Qt::ForegroundRole).value<QBrush>().color(), QColor(0, 0, 0));
         auto* box = control<QCheckBox>(editor, "chkCopyCommand");
         auto* target = control<QLineEdit>(editor, "txtItemIndexCopy");
         auto* commands = control<QListWidget>(editor, "lstCommand");
@@ -253,7 +253,7 @@ private Q_SLOTS:
         QVERIFY(commands->isEnabled());
         QVERIFY(!target->isEnabled());
         QCOMPARE(target->text(), QStringLiteral("1"));
-        QCOMPARE(unpack->foreground(0).color(), QColor(128, 0, 0));
+        QCOMPARE(unpack.data(Qt::ForegroundRole).value<QBrush>().color(), QColor(128, 0, 0));
 
         // On again: the same target, without choosing it anew.
         box->setChecked(true);
@@ -315,7 +315,7 @@ private Q_SLOTS:
         ItemTree* tree = editor->tree();
         editor->lstMenu_NodeClick(tree->nodeByKey(QStringLiteral("E1")));
         editor->lstMenu_NodeClick(tree->node(1));
-        QCOMPARE(tree->currentItem(), tree->nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(tree->currentIndex(), tree->nodeByKey(QStringLiteral("E1")));
         QCOMPARE(panelText(sandbox, 2), QStringLiteral("1"));
         QCOMPARE(control<QListWidget>(editor, "lstCommand")->count(), 2);
     }
@@ -328,15 +328,15 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&sandbox.window()));
         ItemTree* tree = editor->tree();
 
-        QTreeWidgetItem* erase = tree->nodeByKey(QStringLiteral("E3"));
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::NoModifier, tree->visualItemRect(erase).center());
-        QCOMPARE(tree->currentItem(), erase);
+        const QModelIndex erase = tree->nodeByKey(QStringLiteral("E3"));
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::NoModifier, tree->visualRect(erase).center());
+        QCOMPARE(tree->currentIndex(), erase);
         QCOMPARE(panelText(sandbox, 2), QStringLiteral("3"));
         QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Delete"));
 
         tree->setFocus();
         QTest::keyClick(tree, Qt::Key_Up);
-        QCOMPARE(tree->keyOf(tree->currentItem()), QStringLiteral("E2"));
+        QCOMPARE(tree->keyOf(tree->currentIndex()), QStringLiteral("E2"));
         QCOMPARE(panelText(sandbox, 2), QStringLiteral("2"));
         QCOMPARE(control<QLabel>(editor, "lblPath")->text(), QStringLiteral("KELV\\Archive\\Unpack"));
         QVERIFY(control<QCheckBox>(editor, "chkCopyCommand")->isChecked());
@@ -353,8 +353,8 @@ private Q_SLOTS:
         // The item behind the node goes away without the tree being rebuilt.
         sandbox.window().state().document(editor->documentIndex()).items[3].key = QStringLiteral("E7");
 
-        QTreeWidgetItem* erase = tree->nodeByKey(QStringLiteral("E3"));
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::NoModifier, tree->visualItemRect(erase).center());
+        const QModelIndex erase = tree->nodeByKey(QStringLiteral("E3"));
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::NoModifier, tree->visualRect(erase).center());
 
         QCOMPARE(sandbox.prompts().messages.size(), 1);
         const MessageRequest& shown = sandbox.prompts().messages.constFirst();
@@ -368,11 +368,12 @@ private Q_SLOTS:
         EditorWindow* editor = showDocument(sandbox, linkedDocument());
         ItemTree* tree = editor->tree();
         const QColor maroon(128, 0, 0);
-        QCOMPARE(tree->nodeByKey(QStringLiteral("E3"))->foreground(0).color(), maroon);
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E3")).data(Qt::ForegroundRole).value<QBrush>().color(), maroon);
         MenuDocument& document = sandbox.window().state().document(editor->documentIndex());
         document.items[3].commands = MenuItem::placeholderCommands();
         editor->ColorizeMenu();
-        QCOMPARE(tree->nodeByKey(QStringLiteral("E3"))->foreground(0).color(), QColor(0, 0, 0));
+        QCOMPARE(tree->nodeByKey(QStringLiteral("E3")).data(Qt::ForegroundRole).value<QBrush>().color(),
+                 QColor(0, 0, 0));
     }
 
     void nodeTooltipsTellPathCommandsAndLink()
@@ -388,8 +389,8 @@ private Q_SLOTS:
         // Asked when the pointer rests on the node, so it follows the menu as it stands.
         sandbox.window().state().document(editor->documentIndex()).items[1].caption = QStringLiteral("Pack all");
         QVERIFY(sandbox.showWindow());
-        QTreeWidgetItem* unpack = tree->nodeByKey(QStringLiteral("E2"));
-        const QPoint onNode = tree->visualItemRect(unpack).center();
+        const QModelIndex unpack = tree->nodeByKey(QStringLiteral("E2"));
+        const QPoint onNode = tree->visualRect(unpack).center();
         QHelpEvent help(QEvent::ToolTip, onNode, tree->viewport()->mapToGlobal(onNode));
         QApplication::sendEvent(tree->viewport(), &help);
         QTRY_VERIFY(QToolTip::isVisible());

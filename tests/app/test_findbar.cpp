@@ -32,7 +32,7 @@ private:
     FindBar& bar(qint16 index) { return *editor(index).findBar(); }
     QLineEdit* findText(qint16 index) { return bar(index).findChild<QLineEdit*>(QStringLiteral("txtFindItem")); }
     QString count(qint16 index) { return bar(index).findChild<QLabel*>(QStringLiteral("lblFindMatches"))->text(); }
-    QString selectedKey(qint16 index) { return tree(index).keyOf(tree(index).currentItem()); }
+    QString selectedKey(qint16 index) { return tree(index).keyOf(tree(index).currentIndex()); }
     QString panel(int number) { return window().findChild<QLabel*>(QStringLiteral("pnl%1").arg(number))->text(); }
 
     qint16 openSample()

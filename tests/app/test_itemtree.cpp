@@ -17,21 +17,28 @@ const QColor kNavy(0, 0, 128);
 const QColor kMaroon(128, 0, 0);
 const QColor kBlack(0, 0, 0);
 
-QColor colourOf(const QTreeWidgetItem* node)
+QColor colourOf(const QModelIndex& node)
 {
-    return node->foreground(0).color();
+    return node.data(Qt::ForegroundRole).value<QBrush>().color();
 }
 
-bool isBold(const QTreeWidgetItem* node)
+bool isBold(const QModelIndex& node)
 {
-    return node->font(0).bold();
+    return node.data(Qt::FontRole).value<QFont>().bold();
 }
 
-/// A rebuild as the editor asks for one: the hide-mode change goes to the document first.
+/// A rebuild as the editor asks for one: the hide-mode change goes to the document first. The tree
+/// shows `document` from then on.
 void generate(ItemTree& tree, MenuDocument& document, int modeChange)
 {
     document.hideMode = HideMode::applyModeChange(document.hideMode, modeChange);
-    tree.generate(document);
+    tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+    tree.generate();
+}
+
+int topLevelRows(const ItemTree& tree)
+{
+    return tree.model()->rowCount();
 }
 
 QStringList nodeKeys(const ItemTree& tree)
@@ -78,10 +85,10 @@ private Q_SLOTS:
         generate(tree, document, 0);
         QCOMPARE(tree.nodeCount(), 1);
         QCOMPARE(tree.keyOf(tree.node(1)), QStringLiteral("Root"));
-        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV"));
-        QCOMPARE(tree.topLevelItemCount(), 1);
-        QVERIFY(tree.selectedItems().isEmpty());
-        QVERIFY(tree.currentItem() == nullptr);
+        QCOMPARE(tree.textOf(tree.node(1)), QStringLiteral("KELV"));
+        QCOMPARE(topLevelRows(tree), 1);
+        QVERIFY(tree.selectionModel()->selectedIndexes().isEmpty());
+        QVERIFY(!tree.currentIndex().isValid());
         QVERIFY(tree.updatesEnabled());
     }
 
@@ -93,12 +100,12 @@ private Q_SLOTS:
         QCOMPARE(nodeKeys(tree),
                  QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1"), QStringLiteral("E2"),
                                QStringLiteral("E3"), QStringLiteral("E4"), QStringLiteral("E5") }));
-        QCOMPARE(tree.nodeByKey(QStringLiteral("E2"))->parent(), tree.nodeByKey(QStringLiteral("E1")));
-        QCOMPARE(tree.nodeByKey(QStringLiteral("E4"))->parent(), tree.node(1));
-        QCOMPARE(tree.nodeByKey(QStringLiteral("E3"))->text(0), QStringLiteral("Open"));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E2")).parent(), tree.nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E4")).parent(), tree.node(1));
+        QCOMPARE(tree.textOf(tree.nodeByKey(QStringLiteral("E3"))), QStringLiteral("Open"));
         for (int n = 1; n <= tree.nodeCount(); ++n) {
-            if (tree.node(n)->childCount() > 0) {
-                QVERIFY2(tree.node(n)->isExpanded(), qPrintable(tree.keyOf(tree.node(n))));
+            if (tree.model()->rowCount(tree.node(n)) > 0) {
+                QVERIFY2(tree.isExpanded(tree.node(n)), qPrintable(tree.keyOf(tree.node(n))));
             }
         }
         QCOMPARE(document.hideMode, 0);
@@ -120,8 +127,8 @@ private Q_SLOTS:
         QCOMPARE(tree.indentation(), styleIndentation);
         // A child sits one indentation to the right of its parent.
         tree.resize(300, 300);
-        const QRect parentRow = tree.visualItemRect(tree.nodeByKey(QStringLiteral("E0")));
-        const QRect childRow = tree.visualItemRect(tree.nodeByKey(QStringLiteral("E1")));
+        const QRect parentRow = tree.visualRect(tree.nodeByKey(QStringLiteral("E0")));
+        const QRect childRow = tree.visualRect(tree.nodeByKey(QStringLiteral("E1")));
         QCOMPARE(childRow.left() - parentRow.left(), styleIndentation);
     }
 
@@ -134,9 +141,9 @@ private Q_SLOTS:
         document.items[0].caption = QStringLiteral("Utilities");
         generate(tree, document, -3);
         QCOMPARE(tree.nodeCount(), 6);
-        QVERIFY(tree.nodeByKey(QStringLiteral("E5")) == nullptr);
-        QCOMPARE(tree.node(2)->text(0), QStringLiteral("Utilities"));
-        QCOMPARE(tree.topLevelItemCount(), 1);
+        QVERIFY(!tree.nodeByKey(QStringLiteral("E5")).isValid());
+        QCOMPARE(tree.textOf(tree.node(2)), QStringLiteral("Utilities"));
+        QCOMPARE(topLevelRows(tree), 1);
     }
 
     void hiddenLinkWithChildrenKeepsChildrenUnderNearestShownNode()
@@ -149,7 +156,7 @@ private Q_SLOTS:
         QCOMPARE(nodeKeys(tree),
                  QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E2"), QStringLiteral("E3"),
                                QStringLiteral("E4") }));
-        QCOMPARE(tree.nodeByKey(QStringLiteral("E2"))->parent(), tree.nodeByKey(QStringLiteral("E0")));
+        QCOMPARE(tree.nodeByKey(QStringLiteral("E2")).parent(), tree.nodeByKey(QStringLiteral("E0")));
         QCOMPARE(tree.fullPath(tree.nodeByKey(QStringLiteral("E2"))),
                  QStringLiteral("KELV (Some items may be hidded)\\Tools\\Zip"));
         QVERIFY(tree.updatesEnabled());
@@ -175,9 +182,9 @@ private Q_SLOTS:
                  QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E1"), QStringLiteral("E2"),
                                QStringLiteral("E3") }));
         // The rebuild leaves the root plain; its last step tells that items may be hidden.
-        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV"));
+        QCOMPARE(tree.textOf(tree.node(1)), QStringLiteral("KELV"));
         tree.showRootText(document.hideMode);
-        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QCOMPARE(tree.textOf(tree.node(1)), QStringLiteral("KELV (Some items may be hidded)"));
     }
 
     void hideBothThenShowCopiesLeavesModeTwoAndSuffix()
@@ -188,13 +195,13 @@ private Q_SLOTS:
         generate(tree, document, -1);
         tree.showRootText(document.hideMode);
         QCOMPARE(document.hideMode, 2);
-        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
-        QVERIFY(tree.nodeByKey(QStringLiteral("E5")) == nullptr);
-        QVERIFY(tree.nodeByKey(QStringLiteral("E4")) == nullptr);
+        QCOMPARE(tree.textOf(tree.node(1)), QStringLiteral("KELV (Some items may be hidded)"));
+        QVERIFY(!tree.nodeByKey(QStringLiteral("E5")).isValid());
+        QVERIFY(!tree.nodeByKey(QStringLiteral("E4")).isValid());
         generate(tree, document, -2);
         tree.showRootText(document.hideMode);
         QCOMPARE(document.hideMode, 0);
-        QCOMPARE(tree.node(1)->text(0), QStringLiteral("KELV"));
+        QCOMPARE(tree.textOf(tree.node(1)), QStringLiteral("KELV"));
         QCOMPARE(tree.nodeCount(), 7);
     }
 
@@ -213,7 +220,7 @@ private Q_SLOTS:
         ItemTree tree;
         MenuDocument document = toolsMenu();
         generate(tree, document, 0);
-        const QTreeWidgetItem* root = tree.node(1);
+        const QModelIndex root = tree.node(1);
         QCOMPARE(colourOf(root), kNavy);
         QVERIFY(isBold(root));
         // parent with commands of its own
@@ -247,12 +254,10 @@ private Q_SLOTS:
         document.items[0].childCount = 0;
         document.items[0].commands = MenuItem::placeholderCommands();
         document.items.removeLast();
-        tree.nodeByKey(QStringLiteral("E3"))->setForeground(0, QBrush(kNavy));
-        QFont bold = tree.font();
-        bold.setBold(true);
-        tree.nodeByKey(QStringLiteral("E3"))->setFont(0, bold);
+        tree.setNodeColour(tree.nodeByKey(QStringLiteral("E3")), NodeStyle::Colour::Navy);
+        QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E3"))), kNavy);
 
-        tree.colorize(document);
+        tree.colorize();
 
         QCOMPARE(colourOf(tree.nodeByKey(QStringLiteral("E0"))), kBlack);
         QVERIFY(!isBold(tree.nodeByKey(QStringLiteral("E0"))));
@@ -273,36 +278,41 @@ private Q_SLOTS:
     void nodeCollectionIsOneBasedInInsertionOrder()
     {
         ItemTree tree;
-        QTreeWidgetItem* root = tree.addNode(QString(), QStringLiteral("Root"), QStringLiteral("KELV"));
-        QTreeWidgetItem* first = tree.addNode(QStringLiteral("Root"), QStringLiteral("E4"), QStringLiteral("First"));
-        QTreeWidgetItem* child = tree.addNode(QStringLiteral("E4"), QStringLiteral("E1"), QStringLiteral("Child"));
-        QTreeWidgetItem* second = tree.addNode(QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("Second"));
+        MenuDocument document;
+        tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+        const QModelIndex root = tree.addNode(QString(), QStringLiteral("Root"), QStringLiteral("KELV"));
+        const QModelIndex first = tree.addNode(QStringLiteral("Root"), QStringLiteral("E4"), QStringLiteral("First"));
+        const QModelIndex child = tree.addNode(QStringLiteral("E4"), QStringLiteral("E1"), QStringLiteral("Child"));
+        const QModelIndex second = tree.addNode(QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("Second"));
         QCOMPARE(tree.nodeCount(), 4);
         QCOMPARE(tree.node(1), root);
         QCOMPARE(tree.node(2), first); // "the second node": the first item under the root
         QCOMPARE(tree.node(tree.nodeCount()), second); // "the last node": the newest
-        QVERIFY(tree.node(0) == nullptr);
-        QVERIFY(tree.node(5) == nullptr);
+        QVERIFY(!tree.node(0).isValid());
+        QVERIFY(!tree.node(5).isValid());
         QCOMPARE(tree.indexOfNode(child), 3);
-        QCOMPARE(tree.indexOfNode(nullptr), 0);
-        QCOMPARE(child->parent(), first);
+        QCOMPARE(tree.indexOfNode(QModelIndex()), 0);
+        QCOMPARE(child.parent(), first);
         QCOMPARE(tree.keyOf(child), QStringLiteral("E1"));
+        QCOMPARE(tree.textOf(child), QStringLiteral("Child"));
         QCOMPARE(tree.nodeByKey(QStringLiteral("E0")), second);
-        QCOMPARE(root->indexOfChild(second), 1);
+        QCOMPARE(second.row(), 1);
 
-        QTreeWidgetItem stranger;
-        QCOMPARE(tree.indexOfNode(&stranger), 0);
-        QCOMPARE(tree.keyOf(&stranger), QString());
+        ItemTree other;
+        other.addNode(QString(), QStringLiteral("Root"), QStringLiteral("KELV"));
+        const QModelIndex stranger = other.node(1);
+        QCOMPARE(tree.indexOfNode(stranger), 0);
+        QCOMPARE(tree.keyOf(stranger), QString());
     }
 
     void addNodeIsRefusedForMissingParentOrTakenKey()
     {
         ItemTree tree;
         tree.addNode(QString(), QStringLiteral("Root"), QStringLiteral("KELV"));
-        QVERIFY(tree.addNode(QStringLiteral("E9"), QStringLiteral("E1"), QStringLiteral("Orphan")) == nullptr);
-        QVERIFY(tree.addNode(QStringLiteral("Root"), QStringLiteral("Root"), QStringLiteral("Again")) == nullptr);
+        QVERIFY(!tree.addNode(QStringLiteral("E9"), QStringLiteral("E1"), QStringLiteral("Orphan")).isValid());
+        QVERIFY(!tree.addNode(QStringLiteral("Root"), QStringLiteral("Root"), QStringLiteral("Again")).isValid());
         QCOMPARE(tree.nodeCount(), 1);
-        QVERIFY(tree.nodeByKey(QStringLiteral("E1")) == nullptr);
+        QVERIFY(!tree.nodeByKey(QStringLiteral("E1")).isValid());
     }
 
     void fullPathJoinsTextsFromTheRoot()
@@ -312,7 +322,7 @@ private Q_SLOTS:
         generate(tree, document, 0);
         QCOMPARE(tree.fullPath(tree.nodeByKey(QStringLiteral("E2"))), QStringLiteral("KELV\\Tools\\Archive\\Zip"));
         QCOMPARE(tree.fullPath(tree.node(1)), QStringLiteral("KELV"));
-        QCOMPARE(tree.fullPath(nullptr), QString());
+        QCOMPARE(tree.fullPath(QModelIndex()), QString());
     }
 
     void removeNodeTakesItsSubtreeAndKeepsTheOrderOfTheRest()
@@ -320,25 +330,25 @@ private Q_SLOTS:
         ItemTree tree;
         MenuDocument document = toolsMenu();
         generate(tree, document, 0);
-        QTreeWidgetItem* open = tree.nodeByKey(QStringLiteral("E3"));
+        const QPersistentModelIndex open = tree.nodeByKey(QStringLiteral("E3"));
         tree.removeNode(tree.nodeByKey(QStringLiteral("E1")));
-        QVERIFY(tree.nodeByKey(QStringLiteral("E1")) == nullptr);
-        QVERIFY(tree.nodeByKey(QStringLiteral("E2")) == nullptr);
+        QVERIFY(!tree.nodeByKey(QStringLiteral("E1")).isValid());
+        QVERIFY(!tree.nodeByKey(QStringLiteral("E2")).isValid());
         QCOMPARE(nodeKeys(tree),
                  QStringList({ QStringLiteral("Root"), QStringLiteral("E0"), QStringLiteral("E3"), QStringLiteral("E4"),
                                QStringLiteral("E5") }));
-        QCOMPARE(tree.nodeByKey(QStringLiteral("E3")), open);
+        QCOMPARE(QPersistentModelIndex(tree.nodeByKey(QStringLiteral("E3"))), open);
         QCOMPARE(tree.indexOfNode(open), 3);
-        QCOMPARE(tree.nodeByKey(QStringLiteral("E0"))->childCount(), 1);
+        QCOMPARE(tree.model()->rowCount(tree.nodeByKey(QStringLiteral("E0"))), 1);
 
         tree.removeNode(tree.nodeByKey(QStringLiteral("E5")));
         QCOMPARE(tree.nodeCount(), 4);
-        QCOMPARE(tree.node(1)->childCount(), 2);
+        QCOMPARE(tree.model()->rowCount(tree.node(1)), 2);
 
         tree.removeNode(tree.node(1));
         QCOMPARE(tree.nodeCount(), 0);
-        QCOMPARE(tree.topLevelItemCount(), 0);
-        QVERIFY(tree.nodeByKey(QStringLiteral("Root")) == nullptr);
+        QCOMPARE(topLevelRows(tree), 0);
+        QVERIFY(!tree.nodeByKey(QStringLiteral("Root")).isValid());
     }
 
     void clearNodesEmptiesTheCollection()
@@ -348,8 +358,8 @@ private Q_SLOTS:
         generate(tree, document, 0);
         tree.clearNodes();
         QCOMPARE(tree.nodeCount(), 0);
-        QCOMPARE(tree.topLevelItemCount(), 0);
-        QVERIFY(tree.nodeByKey(QStringLiteral("E0")) == nullptr);
+        QCOMPARE(topLevelRows(tree), 0);
+        QVERIFY(!tree.nodeByKey(QStringLiteral("E0")).isValid());
     }
 
     void treeFollowsThePlanOnRandomMenus()
@@ -362,10 +372,10 @@ private Q_SLOTS:
             const QList<PlannedNode> plan = planTree(document, document.hideMode);
             QCOMPARE(tree.nodeCount(), int(plan.size()) + 1);
             for (int n = 0; n < plan.size(); ++n) {
-                const QTreeWidgetItem* shown = tree.node(n + 2);
+                const QModelIndex shown = tree.node(n + 2);
                 QCOMPARE(tree.keyOf(shown), plan.at(n).key);
-                QCOMPARE(tree.keyOf(shown->parent()), plan.at(n).parentKey);
-                QCOMPARE(shown->text(0), plan.at(n).caption);
+                QCOMPARE(tree.keyOf(shown.parent()), plan.at(n).parentKey);
+                QCOMPARE(tree.textOf(shown), plan.at(n).caption);
             }
         }
     }
@@ -377,12 +387,12 @@ private Q_SLOTS:
             ItemTree tree;
             generate(tree, document, 0);
             QCOMPARE(tree.nodeCount(), 32768);
-            QCOMPARE(tree.node(32768)->parent(), tree.node(32767));
+            QCOMPARE(tree.node(32768).parent(), tree.node(32767));
             // Node n lies n - 1 levels below the root.
-            QVERIFY(tree.node(1)->isExpanded());
-            QVERIFY(tree.node(ItemTree::expandedLevels)->isExpanded());
-            QVERIFY(!tree.node(ItemTree::expandedLevels + 1)->isExpanded());
-            tree.colorize(document);
+            QVERIFY(tree.isExpanded(tree.node(1)));
+            QVERIFY(tree.isExpanded(tree.node(ItemTree::expandedLevels)));
+            QVERIFY(!tree.isExpanded(tree.node(ItemTree::expandedLevels + 1)));
+            tree.colorize();
             QCOMPARE(colourOf(tree.node(2)), kNavy);
             generate(tree, document, -3);
             QCOMPARE(tree.nodeCount(), 32768);

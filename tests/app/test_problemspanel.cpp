@@ -117,12 +117,12 @@ private Q_SLOTS:
         const qint16 index
             = sandbox().openMenu(QStringLiteral("menu.ini"), texts({ "A", "B", "···C" }), texts({ "0003:=$x$" }));
         sandbox().trigger(QStringLiteral("mnuProblems"));
-        QCOMPARE(tree(index).keyOf(tree(index).currentItem()), QStringLiteral("E0"));
+        QCOMPARE(tree(index).keyOf(tree(index).currentIndex()), QStringLiteral("E0"));
         QTreeWidget* list = panel().list();
         const QRect row = list->visualItemRect(list->topLevelItem(0));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, row.center());
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, row.center());
-        QCOMPARE(tree(index).keyOf(tree(index).currentItem()), QStringLiteral("E2"));
+        QCOMPARE(tree(index).keyOf(tree(index).currentIndex()), QStringLiteral("E2"));
         QCOMPARE(window().findChild<QLabel*>(QStringLiteral("pnl2"))->text(), QStringLiteral("2"));
     }
 

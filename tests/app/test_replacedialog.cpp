@@ -147,7 +147,7 @@ private Q_SLOTS:
         QCOMPARE(document(index).items[3].commands[1].command, QStringLiteral("ca"));
         // The tree is rebuilt: the first item is selected again, the colours are right.
         QCOMPARE(nodeOutline(tree(index)), texts({ "KELV", "  ZZ", "    Z", "  bZb", "  lZ" }));
-        QCOMPARE(tree(index).currentItem(), tree(index).node(2));
+        QCOMPARE(tree(index).currentIndex(), tree(index).node(2));
         QCOMPARE(colourOf(tree(index), QStringLiteral("E1")), QColor(128, 0, 0));
         QVERIFY(dialog()->isVisible());
         QCOMPARE(undoCount(index), recorded + 1);
@@ -175,7 +175,7 @@ private Q_SLOTS:
 
         // With the root selected the branch is the whole menu.
         clickNode(tree(index), QStringLiteral("Root"));
-        tree(index).setCurrentItem(tree(index).node(1));
+        tree(index).setCurrentIndex(tree(index).node(1));
         replace(QStringLiteral("other"), QStringLiteral("another"), false);
         QCOMPARE(sandbox().prompts().messages.last(), plain(QStringLiteral("1 replacement were made.")));
         QCOMPARE(document(index).items[2].caption, QStringLiteral("another x"));

@@ -90,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(document().lastIndex, qint16(2));
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  Beta", "  Gamma" }));
         // The first item is selected and shown.
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E1")));
         QCOMPARE(panelText(sandbox(), 2), QStringLiteral("1"));
         QCOMPARE(panelText(sandbox(), 4), QStringLiteral("2"));
         QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(1 ; 0)"));
@@ -127,7 +127,7 @@ private Q_SLOTS:
 
         QCOMPARE(document().items.size(), before.items.size() - 5);
         for (const QString& gone : texts({ "E0", "E1", "E2", "E3", "E4" })) {
-            QVERIFY2(!tree().nodeByKey(gone), qPrintable(gone));
+            QVERIFY2(!tree().nodeByKey(gone).isValid(), qPrintable(gone));
             for (const MenuItem& item : document().items) {
                 QVERIFY(item.key != gone);
             }
@@ -160,7 +160,7 @@ private Q_SLOTS:
         // The tree spells it with a capital I.
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  New Item 1" }));
         QCOMPARE(tree().keyOf(tree().node(2)), QStringLiteral("E0"));
-        QCOMPARE(tree().currentItem(), tree().node(2));
+        QCOMPARE(tree().currentIndex(), tree().node(2));
         QCOMPARE(colourOf(tree(), QStringLiteral("E0")), black);
         QCOMPARE(panelText(sandbox(), 4), QStringLiteral("1"));
     }
@@ -230,7 +230,7 @@ private Q_SLOTS:
         QTRY_VERIFY(tree().hasFocus());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
         QCOMPARE(document().items.size(), 2);
-        QVERIFY(!tree().nodeByKey(QStringLiteral("E2")));
+        QVERIFY(!tree().nodeByKey(QStringLiteral("E2")).isValid());
 
         // The command list keeps the key to itself.
         auto* list = window().editor(m_index)->findChild<QListWidget*>(QStringLiteral("lstCommand"));
@@ -254,7 +254,7 @@ private Q_SLOTS:
     void nothingThatNeedsAnItemWorksOnTheRoot()
     {
         openThree();
-        tree().setCurrentItem(tree().node(1));
+        tree().setCurrentIndex(tree().node(1));
         for (const QString& name : texts({ "mnuDelete", "mnuNewItem", "mnuRename", "mnuSelectCopy" })) {
             QVERIFY2(!sandbox().action(name)->isEnabled(), qPrintable(name));
         }
@@ -286,7 +286,7 @@ private Q_SLOTS:
         QCOMPARE(document().lastIndex, qint16(3));
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  Alpha", "  Beta", "  Gamma", "  New Item 4" }));
         // Selected, shown and ready to be named.
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E3")));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E3")));
         QCOMPARE(window().state().lastNodeIndex(), qint16(tree().nodeCount()));
         QCOMPARE(panelText(sandbox(), 4), QStringLiteral("4"));
         QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(4 ; 0)"));
@@ -295,7 +295,7 @@ private Q_SLOTS:
 
         typeLabel(tree(), QStringLiteral("Zip tools"));
         QCOMPARE(document().items[3].caption, QStringLiteral("Zip tools"));
-        QCOMPARE(tree().nodeByKey(QStringLiteral("E3"))->text(0), QStringLiteral("Zip tools"));
+        QCOMPARE(tree().textOf(tree().nodeByKey(QStringLiteral("E3"))), QStringLiteral("Zip tools"));
         // Creating and naming it is one undo step.
         QCOMPARE(undoCount(sandbox(), m_index), 1);
         sandbox().trigger(QStringLiteral("mnuUndo"));
@@ -340,7 +340,7 @@ private Q_SLOTS:
 
         sandbox().trigger(QStringLiteral("mnuUndo"));
         QCOMPARE(document().items[1].caption, QStringLiteral("Beta"));
-        QCOMPARE(tree().nodeByKey(QStringLiteral("E1"))->text(0), QStringLiteral("Beta"));
+        QCOMPARE(tree().textOf(tree().nodeByKey(QStringLiteral("E1"))), QStringLiteral("Beta"));
         QCOMPARE(document().items[3].caption, QStringLiteral("Delta"));
         sandbox().trigger(QStringLiteral("mnuUndo"));
         QCOMPARE(document().items.size(), 3);
@@ -357,7 +357,7 @@ private Q_SLOTS:
         QTest::keyClick(editor, Qt::Key_Escape);
         QTRY_VERIFY(!tree().isEditingLabel());
         QCOMPARE(document().items[2].caption, QStringLiteral("Gamma"));
-        QCOMPARE(tree().nodeByKey(QStringLiteral("E2"))->text(0), QStringLiteral("Gamma"));
+        QCOMPARE(tree().textOf(tree().nodeByKey(QStringLiteral("E2"))), QStringLiteral("Gamma"));
         QCOMPARE(undoCount(sandbox(), m_index), 0);
         QVERIFY(document().saved);
         // The next edit records as usual.
@@ -437,7 +437,7 @@ private Q_SLOTS:
         QCOMPARE(pasted.commands.size(), 2);
         QCOMPARE(pasted.commands[1].command, QStringLiteral("notepad $fs-001$"));
         // Only the node's text changes; nothing is rebuilt or recoloured.
-        QCOMPARE(tree().nodeByKey(QStringLiteral("E2"))->text(0), QStringLiteral("Beta"));
+        QCOMPARE(tree().textOf(tree().nodeByKey(QStringLiteral("E2"))), QStringLiteral("Beta"));
         QCOMPARE(tree().nodeCount(), nodes);
         QCOMPARE(colourOf(tree(), QStringLiteral("E2")), black);
         QCOMPARE(undoCount(sandbox(), m_index), 1);
@@ -488,7 +488,7 @@ private Q_SLOTS:
         QVERIFY(!sandbox().action(QStringLiteral("mnuPaste"))->isEnabled());
         sandbox().trigger(QStringLiteral("mnuCut"));
         QCOMPARE(document().items.size(), 2);
-        QVERIFY(!tree().nodeByKey(QStringLiteral("E1")));
+        QVERIFY(!tree().nodeByKey(QStringLiteral("E1")).isValid());
         QVERIFY(sandbox().action(QStringLiteral("mnuPaste"))->isEnabled());
         QCOMPARE(undoCount(sandbox(), m_index), 2);
         sandbox().trigger(QStringLiteral("mnuUndo"));
@@ -521,11 +521,13 @@ private Q_SLOTS:
         QCOMPARE(document().items[13].childCount, qint16(2));
         QCOMPARE(document().items[14].parent, qint16(13));
         QCOMPARE(document().items[0].lastCopyKey, QStringLiteral("E11"));
-        // The copy follows the last sibling, its nodes added, coloured, and collapsed.
-        QTreeWidgetItem* copyNode = tree().nodeByKey(QStringLiteral("E11"));
-        QCOMPARE(copyNode->parent(), tree().node(1));
-        QCOMPARE(tree().node(1)->indexOfChild(copyNode), 4);
-        QCOMPARE(copyNode->childCount(), 2);
+        // The copy follows the last sibling, its nodes added, coloured, and expanded as the rest of
+        // the tree.
+        const QModelIndex copyNode = tree().nodeByKey(QStringLiteral("E11"));
+        QCOMPARE(copyNode.parent(), tree().node(1));
+        QCOMPARE(copyNode.row(), 4);
+        QCOMPARE(tree().model()->rowCount(copyNode), 2);
+        QVERIFY(tree().isExpanded(copyNode));
         QCOMPARE(colourOf(tree(), QStringLiteral("E12")), maroon);
         QCOMPARE(colourOf(tree(), QStringLiteral("E11")), navy);
         QVERIFY(window().editor(m_index)->findChild<QFrame*>(QStringLiteral("frm01"))->isHidden());
@@ -583,7 +585,7 @@ private Q_SLOTS:
     void moveUpExchangesPlacesAndKeepsTheTreesState()
     {
         open(texts({ "A", "···a1", "B", "···b1", "C" }));
-        tree().nodeByKey(QStringLiteral("E2"))->setExpanded(false);
+        tree().collapse(tree().nodeByKey(QStringLiteral("E2")));
         clickNode(tree(), QStringLiteral("E4"));
         auto* up = window().editor(m_index)->findChild<QPushButton*>(QStringLiteral("cmdUp"));
         auto* down = window().editor(m_index)->findChild<QPushButton*>(QStringLiteral("cmdDown"));
@@ -593,9 +595,9 @@ private Q_SLOTS:
         QCOMPARE(document().items[2].siblingOrder, qint16(3));
         QCOMPARE(document().items[4].key, QStringLiteral("E4"));
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  C", "  B", "    b1" }));
-        QVERIFY(!tree().nodeByKey(QStringLiteral("E2"))->isExpanded());
-        QVERIFY(tree().nodeByKey(QStringLiteral("E0"))->isExpanded());
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E4")));
+        QVERIFY(!tree().isExpanded(tree().nodeByKey(QStringLiteral("E2"))));
+        QVERIFY(tree().isExpanded(tree().nodeByKey(QStringLiteral("E0"))));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
         QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(2 ; 0)"));
         QCOMPARE(undoCount(sandbox(), m_index), 1);
 
@@ -605,8 +607,8 @@ private Q_SLOTS:
         QTest::keyClick(&tree(), Qt::Key_Up, Qt::ControlModifier);
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  C", "  A", "    a1", "  B", "    b1" }));
         QCOMPARE(document().items[4].siblingOrder, qint16(1));
-        QVERIFY(tree().nodeByKey(QStringLiteral("E0"))->isExpanded());
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E4")));
+        QVERIFY(tree().isExpanded(tree().nodeByKey(QStringLiteral("E0"))));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
 
         // Nothing moves past either end, and nothing is recorded.
         QTest::mouseClick(up, Qt::LeftButton);
@@ -628,29 +630,29 @@ private Q_SLOTS:
         // The Edit entries come with the tree's context menu; the window already carries out the
         // steps of the two operations.
         open(texts({ "A", "···a1", "B", "···b1", "C" }), texts({ "0002:=x" }));
-        tree().nodeByKey(QStringLiteral("E0"))->setExpanded(false);
-        tree().nodeByKey(QStringLiteral("E2"))->setExpanded(false);
+        tree().collapse(tree().nodeByKey(QStringLiteral("E0")));
+        tree().collapse(tree().nodeByKey(QStringLiteral("E2")));
         clickNode(tree(), QStringLiteral("E4"));
         QVERIFY(window().session().run(EditOperations::moveIntoItemAbove));
 
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  B", "    b1", "    C" }));
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E4")));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
         // The node it went into opens to show it; the rest keeps its state.
-        QVERIFY(tree().nodeByKey(QStringLiteral("E2"))->isExpanded());
-        QVERIFY(!tree().nodeByKey(QStringLiteral("E0"))->isExpanded());
+        QVERIFY(tree().isExpanded(tree().nodeByKey(QStringLiteral("E2"))));
+        QVERIFY(!tree().isExpanded(tree().nodeByKey(QStringLiteral("E0"))));
         QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(2 ; 0)"));
         QCOMPARE(undoCount(sandbox(), m_index), 1);
 
         QVERIFY(window().session().run(EditOperations::moveOutOfParent));
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  B", "    b1", "  C" }));
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E4")));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
         QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(3 ; 0)"));
 
         // a1 leaves A, which is then a plain leaf again; a1 comes right after it.
         clickNode(tree(), QStringLiteral("E1"));
         QVERIFY(window().session().run(EditOperations::moveOutOfParent));
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "  a1", "  B", "    b1", "  C" }));
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E1")));
         QVERIFY(!isBold(tree(), QStringLiteral("E0")));
         QCOMPARE(colourOf(tree(), QStringLiteral("E1")), maroon);
         QCOMPARE(undoCount(sandbox(), m_index), 3);
@@ -680,10 +682,10 @@ private Q_SLOTS:
         QCOMPARE(document().items[3].parent, qint16(0));
         QCOMPARE(undoCount(sandbox(), m_index), 1);
 
-        tree().setCurrentItem(tree().node(1));
+        tree().setCurrentIndex(tree().node(1));
         QVERIFY(window().session().run(EditOperations::newSubItem));
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  P", "    a", "    b", "  Q", "  New Item 5" }));
-        QCOMPARE(tree().currentItem(), tree().nodeByKey(QStringLiteral("E4")));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
         typeLabel(tree(), QStringLiteral("R"));
         QCOMPARE(document().items[4].parent, qint16(-1));
         QCOMPARE(undoCount(sandbox(), m_index), 2);
@@ -708,15 +710,15 @@ private Q_SLOTS:
     {
         openThree();
         clickNode(tree(), QStringLiteral("E2"));
-        tree().collapseItem(tree().node(1));
-        QVERIFY(tree().node(1)->isExpanded());
-        QCOMPARE(tree().currentItem(), tree().node(2));
+        tree().collapse(tree().node(1));
+        QVERIFY(tree().isExpanded(tree().node(1)));
+        QCOMPARE(tree().currentIndex(), tree().node(2));
         QCOMPARE(panelText(sandbox(), 2), QStringLiteral("0"));
         // Collapsing another node is left to the tree.
         const qint16 index = sandbox().openMenu(QStringLiteral("nested.ini"), texts({ "P", "···a" }));
         ItemTree* nested = window().editor(index)->tree();
-        nested->collapseItem(nested->nodeByKey(QStringLiteral("E0")));
-        QVERIFY(!nested->nodeByKey(QStringLiteral("E0"))->isExpanded());
+        nested->collapse(nested->nodeByKey(QStringLiteral("E0")));
+        QVERIFY(!nested->isExpanded(nested->nodeByKey(QStringLiteral("E0"))));
     }
 };
 

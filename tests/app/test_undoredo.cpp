@@ -110,7 +110,7 @@ private Q_SLOTS:
         sandbox.action(QStringLiteral("mnuUndo"))->trigger();
         QCOMPARE(window.state().document(index), before);
         QCOMPARE(window.editor(index)->tree()->nodeCount(), nodesBefore);
-        QVERIFY(window.editor(index)->tree()->nodeByKey(QStringLiteral("E0")));
+        QVERIFY(window.editor(index)->tree()->nodeByKey(QStringLiteral("E0")).isValid());
         QCOMPARE(panelText(window, 4), QString::number(before.items.size()));
         QVERIFY(!sandbox.action(QStringLiteral("mnuUndo"))->isEnabled());
         QVERIFY(sandbox.action(QStringLiteral("mnuRedo"))->isEnabled());
@@ -129,10 +129,10 @@ private Q_SLOTS:
 
         sandbox.action(QStringLiteral("mnuUndo"))->trigger();
         QCOMPARE(window.state().document(index).items.at(0).caption, QStringLiteral("one"));
-        QCOMPARE(window.editor(index)->tree()->node(2)->text(0), QStringLiteral("one"));
+        QCOMPARE(window.editor(index)->tree()->textOf(window.editor(index)->tree()->node(2)), QStringLiteral("one"));
         sandbox.action(QStringLiteral("mnuRedo"))->trigger();
         QCOMPARE(window.state().document(index), afterEdits);
-        QCOMPARE(window.editor(index)->tree()->node(2)->text(0), QStringLiteral("two"));
+        QCOMPARE(window.editor(index)->tree()->textOf(window.editor(index)->tree()->node(2)), QStringLiteral("two"));
         QVERIFY(sandbox.action(QStringLiteral("mnuUndo"))->isEnabled());
         QVERIFY(!sandbox.action(QStringLiteral("mnuRedo"))->isEnabled());
     }
@@ -240,7 +240,8 @@ private Q_SLOTS:
         QVERIFY(!sandbox.action(QStringLiteral("mnuHideCopies"))->isChecked());
         QVERIFY(sandbox.action(QStringLiteral("mnuHideWCommand"))->isChecked());
         QVERIFY(!sandbox.action(QStringLiteral("mnuHideBoth"))->isChecked());
-        QCOMPARE(window.editor(index)->tree()->node(1)->text(0), QStringLiteral("KELV (Some items may be hidded)"));
+        QCOMPARE(window.editor(index)->tree()->textOf(window.editor(index)->tree()->node(1)),
+                 QStringLiteral("KELV (Some items may be hidded)"));
     }
 
     void undoKeepsHideModesZeroAndThree()
@@ -261,7 +262,7 @@ private Q_SLOTS:
         QCOMPARE(window.state().document(index).hideMode, 0);
         sandbox.action(QStringLiteral("mnuUndo"))->trigger();
         QCOMPARE(window.state().document(index).hideMode, 0);
-        QCOMPARE(window.editor(index)->tree()->node(1)->text(0), QStringLiteral("KELV"));
+        QCOMPARE(window.editor(index)->tree()->textOf(window.editor(index)->tree()->node(1)), QStringLiteral("KELV"));
     }
 
     void undoOrRedoWithoutAnActiveEditorShowsBothMessages()

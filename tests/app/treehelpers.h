@@ -6,7 +6,6 @@
 #include <QString>
 #include <QStringList>
 #include <QTest>
-#include <QTreeWidgetItem>
 
 #include <functional>
 #include <initializer_list>
@@ -28,14 +27,16 @@ inline QStringList texts(std::initializer_list<const char*> list)
 inline QStringList nodeOutline(const ItemTree& tree)
 {
     QStringList lines;
-    std::function<void(const QTreeWidgetItem*, int)> walk = [&lines, &walk](const QTreeWidgetItem* node, int depth) {
-        lines.append(QString(depth * 2, QLatin1Char(' ')) + node->text(0));
-        for (int c = 0; c < node->childCount(); ++c) {
-            walk(node->child(c), depth + 1);
-        }
-    };
-    for (int t = 0; t < tree.topLevelItemCount(); ++t) {
-        walk(tree.topLevelItem(t), 0);
+    const QAbstractItemModel* model = tree.model();
+    std::function<void(const QModelIndex&, int)> walk
+        = [&lines, &walk, &tree, model](const QModelIndex& node, int depth) {
+              lines.append(QString(depth * 2, QLatin1Char(' ')) + tree.textOf(node));
+              for (int c = 0; c < model->rowCount(node); ++c) {
+                  walk(model->index(c, 0, node), depth + 1);
+              }
+          };
+    for (int t = 0; t < model->rowCount(); ++t) {
+        walk(model->index(t, 0), 0);
     }
     return lines;
 }
@@ -53,10 +54,10 @@ inline QStringList nodeKeys(const ItemTree& tree)
 /// A mouse click on the node `key`, as the user makes it.
 inline void clickNode(ItemTree& tree, const QString& key)
 {
-    QTreeWidgetItem* node = tree.nodeByKey(key);
-    QVERIFY2(node, qPrintable(key));
-    tree.scrollToItem(node);
-    QTest::mouseClick(tree.viewport(), Qt::LeftButton, Qt::NoModifier, tree.visualItemRect(node).center());
+    const QModelIndex node = tree.nodeByKey(key);
+    QVERIFY2(node.isValid(), qPrintable(key));
+    tree.scrollTo(node);
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, Qt::NoModifier, tree.visualRect(node).center());
 }
 
 /// The open label editor of the tree; null when no label is being edited.
@@ -73,12 +74,12 @@ inline QLineEdit* labelEditor(const ItemTree& tree)
 
 inline QColor colourOf(const ItemTree& tree, const QString& key)
 {
-    return tree.nodeByKey(key)->foreground(0).color();
+    return tree.nodeByKey(key).data(Qt::ForegroundRole).value<QBrush>().color();
 }
 
 inline bool isBold(const ItemTree& tree, const QString& key)
 {
-    return tree.nodeByKey(key)->font(0).bold();
+    return tree.nodeByKey(key).data(Qt::FontRole).value<QFont>().bold();
 }
 
 /// Types `text` into the open label editor of `tree` over what it holds and confirms it with Enter.

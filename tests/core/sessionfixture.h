@@ -93,6 +93,7 @@ public:
     // HistoryHost
     qint16 activeDocumentIndex() const override { return state.activeDocumentIndex(); }
     void regenerateTree(qint16) override { ++regenerations; }
+    void showRestoredState(qint16, const MenuDocument&) override { ++regenerations; }
     void showItemCount(int) override { }
 
     // HistoryMenu

@@ -28,6 +28,9 @@ public:
         }
     }
 
+    /// Showing a restored state is the rebuild of Undo and Redo: it is noted (and fails) as one.
+    void showRestoredState(qint16 index, const MenuDocument&) override { regenerateTree(index); }
+
     void showItemCount(int count) override { shownCounts.append(count); }
 
     struct Regeneration

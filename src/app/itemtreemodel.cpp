@@ -1,0 +1,240 @@
+#include "itemtreemodel.h"
+
+#include "model/menudocument.h"
+
+#include <QColor>
+
+namespace {
+
+// Multiplying by an odd number and rotating are both undone exactly, so every node keeps an id of
+// its own, spread over all bits.
+constexpr quint64 kSpread = 0x9E3779B97F4A7C15ULL;
+constexpr quint64 kSpreadInverse = 0xF1DE83E19937733DULL;
+constexpr int kRotation = 29;
+
+quintptr idOf(const TreeNode* node)
+{
+    if constexpr (sizeof(quintptr) < sizeof(quint64)) {
+        return quintptr(node); // too few bits to scramble and undo
+    }
+    const quint64 product = quint64(quintptr(node)) * kSpread;
+    return quintptr((product >> kRotation) | (product << (64 - kRotation)));
+}
+
+TreeNode* nodeOfId(quintptr id)
+{
+    if constexpr (sizeof(quintptr) < sizeof(quint64)) {
+        return reinterpret_cast<TreeNode*>(id);
+    }
+    const quint64 rotated = (quint64(id) << kRotation) | (quint64(id) >> (64 - kRotation));
+    return reinterpret_cast<TreeNode*>(quintptr(rotated * kSpreadInverse));
+}
+
+QColor colourOf(NodeStyle::Colour colour)
+{
+    switch (colour) {
+    case NodeStyle::Colour::Navy:
+        return QColor(0, 0, 128);
+    case NodeStyle::Colour::Maroon:
+        return QColor(128, 0, 0);
+    case NodeStyle::Colour::Black:
+        break;
+    }
+    return QColor(0, 0, 0);
+}
+
+const MenuDocument& noDocument()
+{
+    static const MenuDocument empty;
+    return empty;
+}
+
+} // namespace
+
+ItemTreeModel::ItemTreeModel(QObject* parent)
+    : QAbstractItemModel(parent)
+{
+    m_tree.setObserver(this);
+}
+
+ItemTreeModel::~ItemTreeModel()
+{
+    m_tree.setObserver(nullptr);
+}
+
+const MenuDocument& ItemTreeModel::document() const
+{
+    return m_documentSource ? m_documentSource() : noDocument();
+}
+
+QModelIndex ItemTreeModel::indexOf(const TreeNode* node) const
+{
+    if (node == nullptr) {
+        return QModelIndex();
+    }
+    return createIndex(node->row, 0, idOf(node));
+}
+
+TreeNode* ItemTreeModel::nodeOf(const QModelIndex& index) const
+{
+    if (!index.isValid() || index.model() != this) {
+        return nullptr;
+    }
+    return nodeOfId(index.internalId());
+}
+
+void ItemTreeModel::setHighlightedKey(const QString& key)
+{
+    if (key == m_highlightedKey) {
+        return;
+    }
+    const QModelIndex before = indexOf(m_tree.nodeByKey(m_highlightedKey));
+    m_highlightedKey = key;
+    if (before.isValid()) {
+        Q_EMIT dataChanged(before, before, { Qt::BackgroundRole });
+    }
+    const QModelIndex after = indexOf(m_tree.nodeByKey(key));
+    if (after.isValid()) {
+        Q_EMIT dataChanged(after, after, { Qt::BackgroundRole });
+    }
+}
+
+QModelIndex ItemTreeModel::index(int row, int column, const QModelIndex& parent) const
+{
+    if (column != 0 || row < 0) {
+        return QModelIndex();
+    }
+    if (!parent.isValid()) {
+        TreeNode* root = m_tree.root();
+        return row == 0 && root != nullptr ? indexOf(root) : QModelIndex();
+    }
+    const TreeNode* parentNode = nodeOf(parent);
+    if (parentNode == nullptr || row >= int(parentNode->children.size())) {
+        return QModelIndex();
+    }
+    return indexOf(parentNode->children[size_t(row)]);
+}
+
+QModelIndex ItemTreeModel::parent(const QModelIndex& child) const
+{
+    const TreeNode* node = nodeOf(child);
+    return node != nullptr ? indexOf(node->parent) : QModelIndex();
+}
+
+int ItemTreeModel::rowCount(const QModelIndex& parent) const
+{
+    if (!parent.isValid()) {
+        return m_tree.root() != nullptr ? 1 : 0;
+    }
+    if (parent.column() != 0) {
+        return 0;
+    }
+    const TreeNode* node = nodeOf(parent);
+    return node != nullptr ? int(node->children.size()) : 0;
+}
+
+int ItemTreeModel::columnCount(const QModelIndex&) const
+{
+    return 1;
+}
+
+bool ItemTreeModel::hasChildren(const QModelIndex& parent) const
+{
+    return rowCount(parent) > 0;
+}
+
+QVariant ItemTreeModel::data(const QModelIndex& index, int role) const
+{
+    const TreeNode* node = nodeOf(index);
+    if (node == nullptr) {
+        return QVariant();
+    }
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return m_tree.textOf(node, document());
+    case Qt::ForegroundRole:
+        return QBrush(colourOf(node->style.colour));
+    case Qt::FontRole:
+        // Not bold means the view's own font, so a node follows later font changes of the view.
+        return node->style.bold ? QVariant(m_boldFont) : QVariant();
+    case Qt::BackgroundRole:
+        return !m_highlightedKey.isEmpty() && node->key == m_highlightedKey ? QVariant(m_highlightBrush) : QVariant();
+    default:
+        break;
+    }
+    return QVariant();
+}
+
+bool ItemTreeModel::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    TreeNode* node = nodeOf(index);
+    if (node == nullptr || role != Qt::EditRole || node == m_tree.root()) {
+        return false;
+    }
+    // The node keeps the text the user typed; the editor then stores it as the item's caption.
+    m_tree.setText(node, value.toString(), document());
+    return true;
+}
+
+Qt::ItemFlags ItemTreeModel::flags(const QModelIndex& index) const
+{
+    const TreeNode* node = nodeOf(index);
+    if (node == nullptr) {
+        return Qt::NoItemFlags;
+    }
+    // The root belongs to no item and is never editable.
+    Qt::ItemFlags result = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    if (node != m_tree.root()) {
+        result |= Qt::ItemIsEditable;
+    }
+    return result;
+}
+
+void ItemTreeModel::nodesAboutToBeInserted(const TreeNode* parent, int first, int last)
+{
+    beginInsertRows(indexOf(parent), first, last);
+}
+
+void ItemTreeModel::nodesInserted()
+{
+    endInsertRows();
+}
+
+void ItemTreeModel::nodesAboutToBeRemoved(const TreeNode* parent, int first, int last)
+{
+    beginRemoveRows(indexOf(parent), first, last);
+}
+
+void ItemTreeModel::nodesRemoved()
+{
+    endRemoveRows();
+}
+
+void ItemTreeModel::nodeAboutToBeMoved(const TreeNode* parent, int row, const TreeNode* newParent, int newRow)
+{
+    // An item model counts the destination among the rows as they are before the move.
+    const int destination = parent == newParent && newRow > row ? newRow + 1 : newRow;
+    beginMoveRows(indexOf(parent), row, row, indexOf(newParent), destination);
+}
+
+void ItemTreeModel::nodeMoved()
+{
+    endMoveRows();
+}
+
+void ItemTreeModel::nodesChanged(const TreeNode* parent, int first, int last)
+{
+    const QModelIndex parentIndex = indexOf(parent);
+    Q_EMIT dataChanged(index(first, 0, parentIndex), index(last, 0, parentIndex));
+}
+
+void ItemTreeModel::treeAboutToBeReset()
+{
+    beginResetModel();
+}
+
+void ItemTreeModel::treeReset()
+{
+    endResetModel();
+}

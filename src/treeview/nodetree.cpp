@@ -1,0 +1,682 @@
+#include "nodetree.h"
+
+#include "model/menudocument.h"
+#include "nodetreeobserver.h"
+#include "treeplan.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace {
+
+/// `top` and everything below it, parents before children, without recursion.
+std::vector<TreeNode*> branchInPreOrder(TreeNode* top)
+{
+    std::vector<TreeNode*> result;
+    std::vector<TreeNode*> stack { top };
+    while (!stack.empty()) {
+        TreeNode* current = stack.back();
+        stack.pop_back();
+        result.push_back(current);
+        for (auto it = current->children.rbegin(); it != current->children.rend(); ++it) {
+            stack.push_back(*it);
+        }
+    }
+    return result;
+}
+
+/// The text a rebuilt tree's root shows until the editor tells it the hide mode.
+QString plainRootText()
+{
+    return QStringLiteral("KELV");
+}
+
+/// One node of the tree syncTo aims at: generate's result, in the order generate adds the nodes.
+struct Target
+{
+    /// The node that bears the key now; null when the key is new to the tree.
+    TreeNode* node = nullptr;
+    int item = -1;
+    /// The target that is the parent node; -1 for the root.
+    int parent = -1;
+    /// One past the last target of its branch (the branch is contiguous, in pre-order).
+    int end = 0;
+    /// Whether no node of the branch exists yet, so that it can join as one insertion.
+    bool allNew = false;
+    int depth = 1;
+};
+
+} // namespace
+
+bool NodeTree::shouldExpand(const TreeNode* node, int depth)
+{
+    // The root stays open even while it holds nothing, so that the first item added shows.
+    return node->parent == nullptr || (!node->children.empty() && depth < expandedLevels);
+}
+
+NodeTree::~NodeTree()
+{
+    deleteAll();
+}
+
+TreeNode* NodeTree::node(int index) const
+{
+    if (index < 1 || index > nodeCount()) {
+        return nullptr;
+    }
+    return m_nodes[size_t(index - 1)];
+}
+
+const KeyMap<int>& NodeTree::itemIndex(const MenuDocument& document) const
+{
+    if (!m_itemIndexFresh) {
+        m_itemIndex.clear();
+        m_itemIndex.reserve(int(document.lastIndex) + 1);
+        // Backwards, so that the first item bearing a key wins, as with every lookup from a key.
+        const auto& items = document.items;
+        for (int i = int(items.size()) - 1; i >= 0; --i) {
+            m_itemIndex.insert(items.at(i).key, i);
+        }
+        m_itemIndexFresh = true;
+    }
+    return m_itemIndex;
+}
+
+int NodeTree::itemOf(const TreeNode* node, const MenuDocument& document) const
+{
+    if (node == nullptr || node == root()) {
+        return -1;
+    }
+    const auto& items = document.items;
+    const auto bears = [&items, node](int index) {
+        return index >= 0 && index < int(items.size()) && items.at(index).key == node->key;
+    };
+    if (bears(node->itemHint)) {
+        return node->itemHint;
+    }
+    // The key map is built once per change of the document; a position it gives is checked like a
+    // hint, and one that proves wrong shows that the document changed behind it.
+    int found = itemIndex(document).value(node->key, -1);
+    if (found >= 0 && !bears(found)) {
+        m_itemIndexFresh = false;
+        found = itemIndex(document).value(node->key, -1);
+    }
+    node->itemHint = bears(found) ? found : -1;
+    return node->itemHint;
+}
+
+QString NodeTree::textOf(const TreeNode* node, const MenuDocument& document) const
+{
+    if (node == nullptr) {
+        return QString();
+    }
+    if (node->hasOwnText) {
+        return node->ownText;
+    }
+    const int item = itemOf(node, document);
+    return item >= 0 ? document.items.at(item).caption : QString();
+}
+
+QString NodeTree::fullPath(const TreeNode* node, const MenuDocument& document) const
+{
+    QStringList texts;
+    for (const TreeNode* current = node; current != nullptr; current = current->parent) {
+        texts.append(textOf(current, document));
+    }
+    std::reverse(texts.begin(), texts.end());
+    return texts.join(QLatin1Char('\\'));
+}
+
+int NodeTree::depthOf(const TreeNode* node)
+{
+    int depth = 0;
+    for (const TreeNode* current = node; current != nullptr && current->parent != nullptr; current = current->parent) {
+        ++depth;
+    }
+    return depth;
+}
+
+bool NodeTree::isWithin(const TreeNode* node, const TreeNode* ancestor)
+{
+    for (const TreeNode* current = node; current != nullptr; current = current->parent) {
+        if (current == ancestor) {
+            return true;
+        }
+    }
+    return false;
+}
+
+TreeNode* NodeTree::newNode(const QString& key, TreeNode* parent)
+{
+    auto* created = new TreeNode;
+    created->key = key;
+    if (parent != nullptr) {
+        created->parent = parent;
+        created->row = int(parent->children.size());
+        parent->children.push_back(created);
+    }
+    return created;
+}
+
+void NodeTree::registerNode(TreeNode* node)
+{
+    node->ordinal = int(m_nodes.size());
+    m_nodes.push_back(node);
+    m_byKey.insert(node->key, node);
+}
+
+void NodeTree::attach(TreeNode* node, TreeNode* parent, int row)
+{
+    node->parent = parent;
+    parent->children.insert(parent->children.begin() + row, node);
+    for (size_t r = size_t(row); r < parent->children.size(); ++r) {
+        parent->children[r]->row = int(r);
+    }
+}
+
+void NodeTree::detach(TreeNode* node)
+{
+    TreeNode* parent = node->parent;
+    parent->children.erase(parent->children.begin() + node->row);
+    for (size_t r = size_t(node->row); r < parent->children.size(); ++r) {
+        parent->children[r]->row = int(r);
+    }
+    node->parent = nullptr;
+}
+
+void NodeTree::renumber()
+{
+    for (size_t n = 0; n < m_nodes.size(); ++n) {
+        m_nodes[n]->ordinal = int(n);
+    }
+}
+
+void NodeTree::deleteAll()
+{
+    for (TreeNode* node : m_nodes) {
+        delete node;
+    }
+    m_nodes.clear();
+    m_byKey.clear();
+}
+
+void NodeTree::clear()
+{
+    if (m_observer != nullptr) {
+        m_observer->treeAboutToBeReset();
+    }
+    deleteAll();
+    if (m_observer != nullptr) {
+        m_observer->treeReset();
+    }
+}
+
+void NodeTree::generate(const MenuDocument& document)
+{
+    // Planned first: a plan that fails (a menu too large for 16-bit indices) leaves the tree as it was.
+    const std::vector<PlannedItem> plan = planTreeItems(document, document.hideMode);
+    const auto& items = document.items;
+    if (m_observer != nullptr) {
+        m_observer->treeAboutToBeReset();
+    }
+    deleteAll();
+    m_byKey.reserve(int(document.lastIndex) + 1);
+    m_nodes.reserve(plan.size() + 1);
+
+    TreeNode* rootNode = newNode(rootKey(), nullptr);
+    rootNode->hasOwnText = true;
+    rootNode->ownText = plainRootText();
+    rootNode->style = NodeStyle::forRoot();
+    registerNode(rootNode);
+    std::vector<int> depths { 0 }; // by ordinal
+    depths.reserve(plan.size() + 1);
+    for (const PlannedItem& planned : plan) {
+        const MenuItem& item = items.at(planned.item);
+        TreeNode* parent = planned.parentItem < 0 ? rootNode : m_byKey.value(items.at(planned.parentItem).key, nullptr);
+        if (parent == nullptr || m_byKey.contains(item.key)) {
+            continue; // the tree keeps one node per key, and a refused node takes its branch with it
+        }
+        TreeNode* created = newNode(item.key, parent);
+        created->itemHint = planned.item;
+        created->style = NodeStyle::forItem(item);
+        registerNode(created);
+        depths.push_back(depths[size_t(parent->ordinal)] + 1);
+    }
+    for (TreeNode* node : m_nodes) {
+        node->expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
+    }
+    m_itemIndexFresh = false;
+    if (m_observer != nullptr) {
+        m_observer->treeReset();
+    }
+}
+
+std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const MenuDocument* before)
+{
+    if (root() == nullptr) {
+        generate(document);
+        std::vector<TreeNode*> expanded;
+        for (TreeNode* node : m_nodes) {
+            if (node->expanded) {
+                expanded.push_back(node);
+            }
+        }
+        return expanded;
+    }
+    documentChanged();
+    const auto& items = document.items;
+    const std::vector<PlannedItem> plan = planTreeItems(document, document.hideMode);
+
+    // What generate would build, node by node, with the nodes that already bear the keys.
+    std::vector<Target> targets;
+    targets.reserve(plan.size());
+    KeyMap<int> targetOfKey;
+    targetOfKey.reserve(int(document.lastIndex) + 1);
+    targetOfKey.insert(rootKey(), -1);
+    for (const PlannedItem& planned : plan) {
+        const QString& key = items.at(planned.item).key;
+        if (targetOfKey.contains(key)) {
+            continue;
+        }
+        int parent = -1;
+        if (planned.parentItem >= 0) {
+            const QString& parentKey = items.at(planned.parentItem).key;
+            if (!targetOfKey.contains(parentKey)) {
+                continue;
+            }
+            parent = targetOfKey.value(parentKey, -1);
+        }
+        targetOfKey.insert(key, int(targets.size()));
+        Target target;
+        target.node = nodeByKey(key);
+        target.item = planned.item;
+        target.parent = parent;
+        target.end = int(targets.size()) + 1;
+        target.allNew = target.node == nullptr;
+        target.depth = parent < 0 ? 1 : targets[size_t(parent)].depth + 1;
+        targets.push_back(target);
+    }
+    for (int t = int(targets.size()) - 1; t >= 0; --t) {
+        const Target& target = targets[size_t(t)];
+        if (target.parent >= 0) {
+            Target& parent = targets[size_t(target.parent)];
+            parent.end = std::max(parent.end, target.end);
+            parent.allNew = parent.allNew && target.allNew;
+        }
+    }
+
+    // 1. Branches that hold no node of the target go first, each in one removal.
+    TreeNode* rootNode = root();
+    std::vector<char> kept(m_nodes.size(), 0);
+    std::vector<char> holdsKept(m_nodes.size(), 0);
+    kept[size_t(rootNode->ordinal)] = 1;
+    for (const Target& target : targets) {
+        if (target.node != nullptr) {
+            kept[size_t(target.node->ordinal)] = 1;
+        }
+    }
+    const std::vector<TreeNode*> current = branchInPreOrder(rootNode);
+    for (auto it = current.rbegin(); it != current.rend(); ++it) {
+        const TreeNode* node = *it;
+        if (kept[size_t(node->ordinal)] != 0) {
+            holdsKept[size_t(node->ordinal)] = 1;
+        }
+        if (holdsKept[size_t(node->ordinal)] != 0 && node->parent != nullptr) {
+            holdsKept[size_t(node->parent->ordinal)] = 1;
+        }
+    }
+    std::vector<TreeNode*> emptyBranches;
+    for (TreeNode* node : current) {
+        if (node != rootNode && holdsKept[size_t(node->ordinal)] == 0
+            && holdsKept[size_t(node->parent->ordinal)] != 0) {
+            emptyBranches.push_back(node);
+        }
+    }
+    std::vector<TreeNode*> gone;
+    for (TreeNode* top : emptyBranches) {
+        removeBranch(top, gone);
+    }
+
+    // 2. Every target node in its place, in the order generate adds them: a node's parent is in
+    // place before it, so nothing is ever moved into its own branch.
+    std::vector<int> nextRow(targets.size() + 1, 0); // by parent target + 1
+    std::vector<char> fresh(targets.size(), 0);
+    for (size_t t = 0; t < targets.size();) {
+        Target& target = targets[t];
+        TreeNode* parent = target.parent < 0 ? rootNode : targets[size_t(target.parent)].node;
+        const int row = nextRow[size_t(target.parent + 1)]++;
+        if (target.node != nullptr) {
+            if (target.node->parent != parent || target.node->row != row) {
+                moveNode(target.node, parent, row);
+            }
+            ++t;
+            continue;
+        }
+        // A new branch is built aside and joins in one insertion; a new node with old nodes below it
+        // joins alone, and they follow it.
+        const size_t end = target.allNew ? size_t(target.end) : t + 1;
+        for (size_t u = t; u < end; ++u) {
+            Target& made = targets[u];
+            made.node = newNode(items.at(made.item).key, u == t ? nullptr : targets[size_t(made.parent)].node);
+            made.node->itemHint = made.item;
+            made.node->style = NodeStyle::forItem(items.at(made.item));
+            registerNode(made.node);
+            fresh[u] = 1;
+        }
+        if (m_observer != nullptr) {
+            m_observer->nodesAboutToBeInserted(parent, row, row);
+        }
+        attach(target.node, parent, row);
+        if (m_observer != nullptr) {
+            m_observer->nodesInserted();
+        }
+        t = end;
+    }
+
+    // 3. What is left of the old tree holds no target node any more.
+    const auto isKept = [&targetOfKey, rootNode](const TreeNode* node) {
+        return node == rootNode || targetOfKey.value(node->key, -1) >= 0;
+    };
+    std::vector<TreeNode*> leftOver;
+    for (TreeNode* node : branchInPreOrder(rootNode)) {
+        if (!isKept(node) && isKept(node->parent)) {
+            leftOver.push_back(node);
+        }
+    }
+    for (TreeNode* top : leftOver) {
+        removeBranch(top, gone);
+    }
+    finishRemovals(gone);
+
+    // 4. Texts, styles and expanded marks as a rebuild sets them, and the collection in its order.
+    KeyMap<int> beforeIndex;
+    if (before != nullptr) {
+        beforeIndex.reserve(int(before->lastIndex) + 1);
+        for (int i = int(before->items.size()) - 1; i >= 0; --i) {
+            beforeIndex.insert(before->items.at(i).key, i);
+        }
+    }
+    std::vector<TreeNode*> changed;
+    std::vector<TreeNode*> expandNow;
+    if (rootNode->ownText != plainRootText() || rootNode->style != NodeStyle::forRoot()) {
+        rootNode->ownText = plainRootText();
+        rootNode->style = NodeStyle::forRoot();
+        changed.push_back(rootNode);
+    }
+    m_nodes.clear();
+    m_nodes.push_back(rootNode);
+    for (size_t t = 0; t < targets.size(); ++t) {
+        const Target& target = targets[t];
+        TreeNode* node = target.node;
+        m_nodes.push_back(node);
+        if (fresh[t] != 0) {
+            continue; // made from the document just now
+        }
+        const MenuItem& item = items.at(target.item);
+        bool differs = before == nullptr || node->hasOwnText;
+        if (!differs) {
+            const int old = beforeIndex.value(node->key, -1);
+            differs = old < 0 || before->items.at(old).caption != item.caption;
+        }
+        node->itemHint = target.item;
+        node->hasOwnText = false;
+        node->ownText.clear();
+        const NodeStyle style = NodeStyle::forItem(item);
+        if (style != node->style) {
+            node->style = style;
+            differs = true;
+        }
+        if (differs) {
+            changed.push_back(node);
+        }
+    }
+    renumber();
+    std::vector<int> depths(m_nodes.size(), 0);
+    for (size_t n = 1; n < m_nodes.size(); ++n) {
+        depths[n] = depths[size_t(m_nodes[n]->parent->ordinal)] + 1;
+    }
+    for (TreeNode* node : m_nodes) {
+        const bool expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
+        if (expanded && !node->expanded) {
+            expandNow.push_back(node);
+        }
+        node->expanded = expanded;
+    }
+    announceChanged(changed);
+    return expandNow;
+}
+
+TreeNode* NodeTree::addNode(const QString& parentKey, const QString& key, const QString& text,
+                            const MenuDocument& document)
+{
+    if (parentKey.isEmpty()) {
+        if (root() != nullptr) {
+            return nullptr; // the tree has one root
+        }
+        if (m_observer != nullptr) {
+            m_observer->treeAboutToBeReset();
+        }
+        TreeNode* created = newNode(key, nullptr);
+        created->hasOwnText = true;
+        created->ownText = text;
+        created->style = NodeStyle::forRoot();
+        registerNode(created);
+        if (m_observer != nullptr) {
+            m_observer->treeReset();
+        }
+        return created;
+    }
+    NewNode single { parentKey, key, text };
+    const std::vector<TreeNode*> made = addNodes({ single }, document);
+    return made.empty() ? nullptr : made.front();
+}
+
+std::vector<TreeNode*> NodeTree::addNodes(const QList<NewNode>& nodes, const MenuDocument& document)
+{
+    // Nodes whose parent is new hang on it while it is not in the tree yet; a node whose parent is in
+    // the tree starts a branch that joins the tree once every node is made.
+    std::vector<TreeNode*> made;
+    std::vector<std::pair<TreeNode*, TreeNode*>> branches; // (parent in the tree, top)
+    const int firstNew = nodeCount();
+    for (const NewNode& wanted : nodes) {
+        if (wanted.key.isEmpty() || m_byKey.contains(wanted.key)) {
+            continue; // the tree keeps one node per key, as addNode does
+        }
+        TreeNode* parent = nodeByKey(wanted.parentKey);
+        if (parent == nullptr) {
+            continue;
+        }
+        const bool parentIsNew = parent->ordinal >= firstNew;
+        TreeNode* created = newNode(wanted.key, parentIsNew ? parent : nullptr);
+        registerNode(created);
+        made.push_back(created);
+        if (!parentIsNew) {
+            branches.emplace_back(parent, created);
+        }
+        const int item = itemOf(created, document);
+        if (item < 0 || document.items.at(item).caption != wanted.text) {
+            created->hasOwnText = true;
+            created->ownText = wanted.text;
+        }
+    }
+    for (const auto& [parent, top] : branches) {
+        const int row = int(parent->children.size());
+        if (m_observer != nullptr) {
+            m_observer->nodesAboutToBeInserted(parent, row, row);
+        }
+        attach(top, parent, row);
+        if (m_observer != nullptr) {
+            m_observer->nodesInserted();
+        }
+    }
+    return made;
+}
+
+void NodeTree::removeBranch(TreeNode* top, std::vector<TreeNode*>& gone)
+{
+    if (m_observer != nullptr) {
+        m_observer->nodesAboutToBeRemoved(top->parent, top->row, top->row);
+    }
+    detach(top);
+    if (m_observer != nullptr) {
+        m_observer->nodesRemoved();
+    }
+    const std::vector<TreeNode*> branch = branchInPreOrder(top);
+    for (TreeNode* node : branch) {
+        if (m_byKey.value(node->key, nullptr) == node) {
+            m_byKey.remove(node->key);
+        }
+        node->ordinal = -1;
+    }
+    gone.insert(gone.end(), branch.begin(), branch.end());
+}
+
+void NodeTree::finishRemovals(std::vector<TreeNode*>& gone)
+{
+    if (gone.empty()) {
+        return;
+    }
+    m_nodes.erase(
+        std::remove_if(m_nodes.begin(), m_nodes.end(), [](const TreeNode* node) { return node->ordinal < 0; }),
+        m_nodes.end());
+    renumber();
+    for (TreeNode* node : gone) {
+        delete node;
+    }
+    gone.clear();
+}
+
+void NodeTree::removeNode(TreeNode* node)
+{
+    if (node == nullptr || node->parent == nullptr) {
+        return; // the root goes only with the whole tree
+    }
+    std::vector<TreeNode*> gone;
+    removeBranch(node, gone);
+    finishRemovals(gone);
+}
+
+void NodeTree::moveNode(TreeNode* node, TreeNode* parent, int row)
+{
+    if (node == nullptr || parent == nullptr || node->parent == nullptr || isWithin(parent, node)) {
+        return; // a node cannot move into its own branch
+    }
+    const bool sameParent = node->parent == parent;
+    const int lastRow = int(parent->children.size()) - (sameParent ? 1 : 0);
+    const int newRow = std::clamp(row, 0, lastRow);
+    if (sameParent && newRow == node->row) {
+        return;
+    }
+    if (m_observer != nullptr) {
+        m_observer->nodeAboutToBeMoved(node->parent, node->row, parent, newRow);
+    }
+    detach(node);
+    attach(node, parent, newRow);
+    if (m_observer != nullptr) {
+        m_observer->nodeMoved();
+    }
+}
+
+TreeNode* NodeTree::moveAmongSiblings(TreeNode* node, int offset)
+{
+    TreeNode* parent = node != nullptr ? node->parent : nullptr;
+    if (parent == nullptr) {
+        return node;
+    }
+    const int newRow = node->row + offset;
+    if (newRow < 0 || newRow >= int(parent->children.size())) {
+        return node;
+    }
+    TreeNode* other = parent->children[size_t(newRow)];
+    if (!node->children.empty() || !other->children.empty()) {
+        moveNode(node, parent, newRow);
+        return node;
+    }
+    // Two leaves trade what they show and their places in the collection, so that every key keeps
+    // its node number and the view lays nothing out again.
+    std::swap(node->key, other->key);
+    std::swap(node->itemHint, other->itemHint);
+    std::swap(node->style, other->style);
+    std::swap(node->hasOwnText, other->hasOwnText);
+    std::swap(node->ownText, other->ownText);
+    std::swap(node->ordinal, other->ordinal);
+    m_nodes[size_t(node->ordinal)] = node;
+    m_nodes[size_t(other->ordinal)] = other;
+    m_byKey.insert(node->key, node);
+    m_byKey.insert(other->key, other);
+    if (m_observer != nullptr) {
+        m_observer->nodesChanged(parent, std::min(node->row, other->row), std::max(node->row, other->row));
+    }
+    return other;
+}
+
+void NodeTree::setText(TreeNode* node, const QString& text, const MenuDocument& document)
+{
+    if (node == nullptr) {
+        return;
+    }
+    if (node == root()) {
+        node->hasOwnText = true;
+        node->ownText = text;
+    } else {
+        const int item = itemOf(node, document);
+        node->hasOwnText = item < 0 || document.items.at(item).caption != text;
+        node->ownText = node->hasOwnText ? text : QString();
+    }
+    if (m_observer != nullptr) {
+        m_observer->nodesChanged(node->parent, node->row, node->row);
+    }
+}
+
+void NodeTree::setColour(TreeNode* node, NodeStyle::Colour colour)
+{
+    if (node == nullptr || node->style.colour == colour) {
+        return;
+    }
+    node->style.colour = colour;
+    if (m_observer != nullptr) {
+        m_observer->nodesChanged(node->parent, node->row, node->row);
+    }
+}
+
+void NodeTree::colorize(const MenuDocument& document)
+{
+    documentChanged();
+    const auto& items = document.items;
+    std::vector<TreeNode*> changed;
+    for (TreeNode* node : m_nodes) {
+        if (node == root()) {
+            continue;
+        }
+        // Resetting to black and then applying the submenu and command rows ends in the item's style;
+        // it is applied in one step so that each node changes at most once.
+        const int item = itemOf(node, document);
+        const NodeStyle style = item >= 0 ? NodeStyle::forItem(items.at(item)) : NodeStyle();
+        if (style != node->style) {
+            node->style = style;
+            changed.push_back(node);
+        }
+    }
+    announceChanged(changed);
+}
+
+void NodeTree::announceChanged(std::vector<TreeNode*>& changed)
+{
+    if (m_observer == nullptr || changed.empty()) {
+        return;
+    }
+    // Siblings side by side are told of in one run.
+    std::sort(changed.begin(), changed.end(), [](const TreeNode* left, const TreeNode* right) {
+        return left->parent != right->parent ? std::less<const TreeNode*>()(left->parent, right->parent)
+                                             : left->row < right->row;
+    });
+    size_t start = 0;
+    for (size_t n = 1; n <= changed.size(); ++n) {
+        if (n == changed.size() || changed[n]->parent != changed[start]->parent
+            || changed[n]->row != changed[n - 1]->row + 1) {
+            m_observer->nodesChanged(changed[start]->parent, changed[start]->row, changed[n - 1]->row);
+            start = n;
+        }
+    }
+}

@@ -1,0 +1,141 @@
+#pragma once
+
+#include "keymap.h"
+#include "nodestyle.h"
+#include "treenode.h"
+
+#include <QList>
+#include <QString>
+
+#include <vector>
+
+class NodeTreeObserver;
+struct MenuDocument;
+
+/// The nodes of the item tree of one editor window, without any widget: their shape, their keys,
+/// the node collection and what each node shows. A view shows it through an item model (the
+/// observer hears every change in the order an item model must announce it).
+///
+/// The node collection numbers the nodes 1, 2, ... in the order they were added: the root is node
+/// 1 and, right after a rebuild, node 2 is the first top-level item. Removing nodes closes the gap.
+///
+/// A node shows its item's caption, read from the document, unless it was given a text of its own
+/// that differs from it; its colour and bold type are kept in the node and follow the document only
+/// when the tree is recoloured or rebuilt, because the editor recolours at chosen moments only.
+///
+/// Nothing recurses: a menu may nest 32,767 levels deep.
+class NodeTree final
+{
+public:
+    /// How many levels below the root a rebuild expands. The view lays expanded submenus out
+    /// recursively, one stack frame and a growing cost per level, so a pathologically deep menu
+    /// would overflow the stack; real menus are a handful of levels deep and show fully expanded.
+    static constexpr int expandedLevels = 1000;
+
+    static QString rootKey() { return QStringLiteral("Root"); }
+
+    NodeTree() = default;
+    ~NodeTree();
+    NodeTree(const NodeTree&) = delete;
+    NodeTree& operator=(const NodeTree&) = delete;
+
+    /// Who hears of the changes; may be null.
+    void setObserver(NodeTreeObserver* observer) { m_observer = observer; }
+
+    /// The root node; null while the tree is empty (before the first rebuild).
+    TreeNode* root() const { return m_nodes.empty() ? nullptr : m_nodes.front(); }
+    /// Number of nodes, the root included.
+    int nodeCount() const { return int(m_nodes.size()); }
+    /// Node `index` (1-based, in collection order); null outside 1 .. nodeCount().
+    TreeNode* node(int index) const;
+    /// The 1-based collection index of `node`, a node of this tree; 0 for null.
+    static int indexOf(const TreeNode* node) { return node != nullptr ? node->ordinal + 1 : 0; }
+    /// The node bearing `key`; null when none does.
+    TreeNode* nodeByKey(const QString& key) const { return m_byKey.value(key, nullptr); }
+    /// The index of the item `node` stands for in `document` (the first item bearing its key); -1
+    /// for the root or when no item bears it.
+    int itemOf(const TreeNode* node, const MenuDocument& document) const;
+    /// What `node` shows: its own text, or else its item's caption (empty when it has no item).
+    QString textOf(const TreeNode* node, const MenuDocument& document) const;
+    /// The texts of the nodes from the root down to `node`, joined by "\".
+    QString fullPath(const TreeNode* node, const MenuDocument& document) const;
+    /// The number of levels between `node` and the root (0 for the root).
+    static int depthOf(const TreeNode* node);
+    /// Whether `ancestor` is `node` or lies above it.
+    static bool isWithin(const TreeNode* node, const TreeNode* ancestor);
+
+    /// The document may have changed since nodes last looked for their items: positions found
+    /// before are checked again before they are used. Call before reading after any change.
+    void documentChanged() { m_itemIndexFresh = false; }
+
+    /// Rebuilds the tree from `document` under its hide mode (see planTreeItems): the root with the
+    /// text "KELV" and one node per shown item, styled, and marked expanded down to expandedLevels.
+    void generate(const MenuDocument& document);
+    /// Brings the tree to exactly what generate would make of `document`, changing only what
+    /// differs: nodes are removed, moved and inserted where the shape differs, and the rest keep
+    /// their place, so the view keeps what it laid out. `before`, when given, is the document the
+    /// tree showed until now: only nodes whose caption differs from it are repainted. Returns the
+    /// nodes whose expanded mark was set, which the view must expand.
+    std::vector<TreeNode*> syncTo(const MenuDocument& document, const MenuDocument* before = nullptr);
+    /// Removes every node.
+    void clear();
+
+    /// Adds a node with `key` and `text` as the last child of the node `parentKey`, or as the
+    /// root when `parentKey` is empty and the tree is empty. Refused (null) when `parentKey` names no
+    /// node or `key` is already taken, as the tree keeps one node per key.
+    TreeNode* addNode(const QString& parentKey, const QString& key, const QString& text, const MenuDocument& document);
+    /// One node of addNodes.
+    struct NewNode
+    {
+        QString parentKey;
+        QString key;
+        QString text;
+    };
+    /// Adds `nodes` in order, as addNode would one by one, but each new branch joins the tree at
+    /// once, so that the copies of a branch of thousands of items arrive as one insertion. Returns
+    /// the nodes made.
+    std::vector<TreeNode*> addNodes(const QList<NewNode>& nodes, const MenuDocument& document);
+    /// Removes `node` with its branch; the other nodes keep their order in the collection.
+    void removeNode(TreeNode* node);
+    /// Moves `node` with its branch to be child `row` of `parent` (clamped to its children); refused
+    /// when `parent` lies in the branch itself.
+    void moveNode(TreeNode* node, TreeNode* parent, int row);
+    /// Shows `node` one place earlier (`offset` -1) or later (+1) among its siblings, with its branch.
+    /// Two leaves trade what they show and their places in the collection instead, so nothing in the
+    /// view's layout moves; the node that bears `node`'s key afterwards is returned. Nothing moves past
+    /// either end.
+    TreeNode* moveAmongSiblings(TreeNode* node, int offset);
+    /// Lets `node` show `text` (its own text when it differs from its item's caption).
+    void setText(TreeNode* node, const QString& text, const MenuDocument& document);
+    /// Sets the colour of `node`; its bold type stays.
+    void setColour(TreeNode* node, NodeStyle::Colour colour);
+    /// Re-applies the node styles to every item node from `document`, without rebuilding. A node
+    /// whose key names no item any more is black and not bold.
+    void colorize(const MenuDocument& document);
+
+    /// Whether a rebuild marks `node`, `depth` levels below the root, expanded: the root always,
+    /// every other node that has children down to expandedLevels.
+    static bool shouldExpand(const TreeNode* node, int depth);
+
+private:
+    TreeNode* newNode(const QString& key, TreeNode* parent);
+    void attach(TreeNode* node, TreeNode* parent, int row);
+    void detach(TreeNode* node);
+    void registerNode(TreeNode* node);
+    /// Takes `top` with its branch out of the tree and the key map; the nodes are added to `gone`
+    /// and leave the collection, and memory, with finishRemovals.
+    void removeBranch(TreeNode* top, std::vector<TreeNode*>& gone);
+    void finishRemovals(std::vector<TreeNode*>& gone);
+    void renumber();
+    /// Emits nodesChanged for `changed`, in runs of siblings.
+    void announceChanged(std::vector<TreeNode*>& changed);
+    void deleteAll();
+    const KeyMap<int>& itemIndex(const MenuDocument& document) const;
+
+    NodeTreeObserver* m_observer = nullptr;
+    std::vector<TreeNode*> m_nodes;
+    KeyMap<TreeNode*> m_byKey;
+    /// The first item bearing each key, built when a node's remembered position proves wrong.
+    mutable KeyMap<int> m_itemIndex;
+    mutable bool m_itemIndexFresh = false;
+};

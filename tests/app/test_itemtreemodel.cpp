@@ -1,0 +1,314 @@
+#include "editing/randommenu.h"
+#include "guisandbox.h"
+#include "treeview/testmenus.h"
+
+#include "app/editorwindow.h"
+#include "app/itemtree.h"
+#include "app/itemtreemodel.h"
+#include "app/mainwindow.h"
+#include "commands/commandediting.h"
+#include "core/editingsession.h"
+#include "editing/itemcreation.h"
+#include "editing/itemdeletion.h"
+#include "editing/itemmoving.h"
+#include "editing/linkediting.h"
+#include "editing/subtreecopy.h"
+#include "editing/treedisplay.h"
+#include "model/menudocument.h"
+#include "treeview/hidemode.h"
+
+#include <QAbstractItemModelTester>
+#include <QBrush>
+#include <QFont>
+#include <QLineEdit>
+#include <QRandomGenerator>
+#include <QSet>
+#include <QTest>
+
+namespace {
+
+/// What the view shows of every node, in the node collection's order: key, parent, row, text,
+/// colour, bold type and, for a submenu, whether it is expanded. Read through the model and the
+/// view, as a user would see them.
+QStringList shown(const ItemTree& tree)
+{
+    QStringList lines;
+    for (int n = 1; n <= tree.nodeCount(); ++n) {
+        const QModelIndex node = tree.node(n);
+        const bool submenu = tree.model()->rowCount(node) > 0;
+        lines.append(
+            QStringLiteral("%1 < %2 @%3 '%4' %5 %6 %7")
+                .arg(tree.keyOf(node), tree.keyOf(node.parent()))
+                .arg(node.row())
+                .arg(node.data().toString(), node.data(Qt::ForegroundRole).value<QBrush>().color().name())
+                .arg(node.data(Qt::FontRole).value<QFont>().bold() ? QStringLiteral("bold") : QString())
+                .arg(submenu ? (tree.isExpanded(node) ? QStringLiteral("open") : QStringLiteral("shut")) : QString()));
+    }
+    return lines;
+}
+
+/// What a tree freshly rebuilt from `document` shows, its root told the hide mode.
+QStringList rebuilt(const MenuDocument& document)
+{
+    ItemTree fresh;
+    fresh.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+    fresh.generate();
+    fresh.showRootText(document.hideMode);
+    return shown(fresh);
+}
+
+/// Every node sits at its row under its parent, and the collection numbers it.
+QString shapeProblem(const ItemTree& tree)
+{
+    const NodeTree& nodes = tree.treeModel()->nodes();
+    for (int n = 1; n <= nodes.nodeCount(); ++n) {
+        const TreeNode* node = nodes.node(n);
+        if (NodeTree::indexOf(node) != n) {
+            return QStringLiteral("node %1 is numbered %2").arg(n).arg(NodeTree::indexOf(node));
+        }
+        if (node->parent != nullptr
+            && (node->row >= int(node->parent->children.size())
+                || node->parent->children.at(size_t(node->row)) != node)) {
+            return QStringLiteral("node %1 is not at its row %2").arg(node->key).arg(node->row);
+        }
+        if (nodes.nodeByKey(node->key) != node) {
+            return QStringLiteral("key %1 names another node").arg(node->key);
+        }
+    }
+    return QString();
+}
+
+/// The view's expanded nodes are exactly the nodes marked expanded.
+QString expandedStateProblem(const ItemTree& tree)
+{
+    for (int n = 1; n <= tree.nodeCount(); ++n) {
+        const QModelIndex node = tree.node(n);
+        const TreeNode* treeNode = tree.treeModel()->nodeOf(node);
+        if (tree.model()->rowCount(node) > 0 && tree.isExpanded(node) != treeNode->expanded) {
+            return QStringLiteral("node %1 is %2 in the view")
+                .arg(tree.keyOf(node), tree.isExpanded(node) ? QStringLiteral("open") : QStringLiteral("shut"));
+        }
+    }
+    return QString();
+}
+
+} // namespace
+
+class TestItemTreeModel : public QObject
+{
+    Q_OBJECT
+
+private:
+    /// One random editing operation of the editor window of document `index`, run as its menu
+    /// entries run it, on a node picked at random.
+    static void runRandomOperation(QRandomGenerator& random, GuiSandbox& sandbox, qint16 index)
+    {
+        MainWindow& window = sandbox.window();
+        EditorWindow* editor = window.editor(index);
+        ItemTree* tree = editor->tree();
+        EditingSession& session = window.session();
+        const QModelIndex picked = tree->node(1 + int(random.bounded(tree->nodeCount())));
+        editor->lstMenu_NodeClick(picked);
+        window.state().editing().copyCommandDup = random.bounded(2) == 0;
+        const int op = int(random.bounded(16));
+        switch (op) {
+        case 0:
+            session.run(EditOperations::newItem);
+            break;
+        case 1:
+            session.run(EditOperations::deleteItem);
+            break;
+        case 2:
+            session.run(EditOperations::duplicate);
+            break;
+        case 3:
+            session.run(EditOperations::copy);
+            break;
+        case 4:
+            session.run(EditOperations::cut);
+            break;
+        case 5:
+            session.run(EditOperations::paste);
+            break;
+        case 6:
+            session.run(EditOperations::moveUp);
+            break;
+        case 7:
+            session.run(EditOperations::moveDown);
+            break;
+        case 8: {
+            const QModelIndex target = tree->node(1 + int(random.bounded(tree->nodeCount())));
+            const SelectedNode dragged = editor->selectedNode();
+            if (!dragged.isItem() || tree->keyOf(target) == dragged.key) {
+                break;
+            }
+            DropRequest request;
+            request.draggedKey = dragged.key;
+            request.targetKey = tree->keyOf(target);
+            request.targetParentKey = tree->keyOf(target.parent());
+            request.place = !target.parent().isValid() || random.bounded(2) == 0 ? DropPlace::Child : DropPlace::Next;
+            request.copy = random.bounded(2) == 0;
+            window.state().editing().drag.active = true;
+            session.runDrop(index, index, request);
+            break;
+        }
+        case 9: {
+            EditArguments arguments;
+            arguments.checked = random.bounded(2) == 0;
+            session.run(EditOperations::switchLink, arguments);
+            break;
+        }
+        case 10:
+            session.run(EditOperations::lookForCopyCommand);
+            break;
+        case 11: {
+            EditArguments arguments;
+            arguments.text = QStringLiteral("renamed %1").arg(random.bounded(9));
+            window.state().window(index).labelEditTag = true;
+            session.runOn(index, editor->selectedNode(), EditOperations::storeLabelEdit, arguments);
+            tree->setNodeText(tree->currentIndex(), arguments.text);
+            break;
+        }
+        case 12: {
+            EditArguments arguments;
+            arguments.slot = int(random.bounded(3));
+            session.run(EditOperations::removeCommand, arguments);
+            break;
+        }
+        case 13:
+            session.run(EditOperations::clearCommands);
+            break;
+        case 14: {
+            EditArguments arguments;
+            arguments.slot = int(random.bounded(3));
+            session.run(EditOperations::specialItem, arguments);
+            break;
+        }
+        default:
+            sandbox.trigger(QStringLiteral("mnuRefresh"));
+            break;
+        }
+        // A new item waits for its name; it is left as it was made.
+        if (QLineEdit* label = tree->viewport()->findChild<QLineEdit*>(); label != nullptr && tree->isEditingLabel()) {
+            QTest::keyClick(label, Qt::Key_Escape);
+        }
+    }
+
+private Q_SLOTS:
+    void theModelStaysConsistentThroughPatchesAndSyncs()
+    {
+        QRandomGenerator random(71);
+        for (quint32 seed = 1; seed <= 120; ++seed) {
+            MenuDocument document = TestMenus::randomMenu(seed);
+            document.hideMode = int(random.bounded(4));
+            ItemTree tree;
+            QAbstractItemModelTester tester(tree.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+            tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+            tree.generate();
+            tree.showRootText(document.hideMode);
+            QCOMPARE(shown(tree), rebuilt(document));
+            int made = 0;
+            for (int step = 0; step < 6 && tree.nodeCount() > 0; ++step) {
+                const QModelIndex node = tree.node(1 + int(random.bounded(tree.nodeCount())));
+                switch (random.bounded(6)) {
+                case 0:
+                    tree.removeNode(node);
+                    break;
+                case 1:
+                    tree.moveNode(node, tree.node(1 + int(random.bounded(tree.nodeCount()))), int(random.bounded(3)));
+                    break;
+                case 2:
+                    tree.moveAmongSiblings(node, random.bounded(2) == 0 ? -1 : 1);
+                    break;
+                case 3:
+                    tree.addNodes({ { tree.keyOf(node), QStringLiteral("N%1").arg(made), QStringLiteral("copy") },
+                                    { QStringLiteral("N%1").arg(made), QStringLiteral("M%1").arg(made),
+                                      QStringLiteral("inner") } });
+                    ++made;
+                    break;
+                case 4:
+                    tree.setNodeColour(node, NodeStyle::Colour::Maroon);
+                    break;
+                default:
+                    tree.collapse(node);
+                    break;
+                }
+                QVERIFY2(expandedStateProblem(tree).isEmpty(), qPrintable(expandedStateProblem(tree)));
+            }
+            if (tree.nodeCount() == 0) {
+                continue; // the root itself was removed
+            }
+            const MenuDocument before = document;
+            document = TestMenus::randomMenu(seed + 1000 * random.bounded(1, 3));
+            document.hideMode = before.hideMode;
+            tree.syncTo(&before);
+            tree.showRootText(document.hideMode);
+            QCOMPARE(shown(tree), rebuilt(document));
+            QVERIFY2(expandedStateProblem(tree).isEmpty(), qPrintable(expandedStateProblem(tree)));
+        }
+    }
+
+    void undoAndRedoShowWhatARebuildShows()
+    {
+        QRandomGenerator random(20261124);
+        for (quint32 seed = 1; seed <= 25; ++seed) {
+            GuiSandbox sandbox;
+            MainWindow& window = sandbox.window();
+            window.mnuNew_Click();
+            const qint16 index = window.activeDocumentIndex();
+            MenuDocument& menu = window.state().document(index);
+            const MenuDocument generated = RandomMenu::generate(random, int(random.bounded(2, 40)));
+            menu.items = generated.items;
+            menu.lastIndex = generated.lastIndex;
+            window.regenerateTree(index);
+            ItemTree* tree = window.editor(index)->tree();
+            QAbstractItemModelTester tester(tree->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+            for (int step = 0; step < 30; ++step) {
+                const int choice = int(random.bounded(10));
+                if (choice < 6) {
+                    runRandomOperation(random, sandbox, index);
+                    QVERIFY2(shapeProblem(*tree).isEmpty(), qPrintable(shapeProblem(*tree)));
+                    QVERIFY2(expandedStateProblem(*tree).isEmpty(), qPrintable(expandedStateProblem(*tree)));
+                    continue;
+                }
+                if (choice < 8) {
+                    window.mnuUndo_Click();
+                } else {
+                    window.mnuRedo_Click();
+                }
+                const MenuDocument& document = window.state().document(index);
+                QVERIFY2(shapeProblem(*tree).isEmpty(), qPrintable(shapeProblem(*tree)));
+                QCOMPARE(shown(*tree), rebuilt(document));
+                QVERIFY2(expandedStateProblem(*tree).isEmpty(), qPrintable(expandedStateProblem(*tree)));
+                if (tree->nodeCount() > 1) {
+                    QCOMPARE(tree->currentIndex(), tree->node(2));
+                }
+            }
+            // Error reports would show in message boxes: the random edits may well be refused, but on a
+            // well-formed menu nothing may fail.
+            for (const MessageRequest& message : sandbox.prompts().messages) {
+                QVERIFY2(message.icon != MessageRequest::Icon::Critical, qPrintable(message.text));
+            }
+        }
+    }
+
+    void nodeIdsAreSpreadOverAHashsBuckets()
+    {
+        // Item views keep expanded nodes in hashes of their indexes: ids that differ only in a few
+        // high bits would land in a few buckets.
+        const MenuDocument document = TestMenus::chainMenu(2000);
+        ItemTree tree;
+        tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+        tree.generate();
+        QSet<quintptr> lowBits;
+        for (int n = 1; n <= tree.nodeCount(); ++n) {
+            lowBits.insert(tree.node(n).internalId() & 0x3ff);
+        }
+        // Random ids take about 880 of the 1,024 values of their low ten bits; node addresses a fixed
+        // distance apart take a few dozen.
+        QVERIFY2(lowBits.size() > 700, qPrintable(QString::number(lowBits.size())));
+    }
+};
+
+QTEST_MAIN(TestItemTreeModel)
+#include "test_itemtreemodel.moc"

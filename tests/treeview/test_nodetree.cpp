@@ -1,0 +1,495 @@
+#include "testmenus.h"
+
+#include "model/menudocument.h"
+#include "treeview/nodetree.h"
+#include "treeview/nodetreeobserver.h"
+#include "treeview/treeplan.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <map>
+#include <memory>
+
+using TestMenus::item;
+
+namespace {
+
+/// Rebuilds, from what it hears alone, the shape of the tree it observes: a view that follows the
+/// announcements must end with the tree's very shape. It also checks that every announced row
+/// exists when it is announced.
+class ShadowObserver final : public NodeTreeObserver
+{
+public:
+    explicit ShadowObserver(const NodeTree& tree)
+        : m_tree(tree)
+    {
+    }
+
+    /// The shadow's shape as lines of keys, each indented by its depth.
+    QStringList outline() const { return m_root ? outlineOf(m_root) : QStringList(); }
+    QStringList failures;
+
+    void nodesAboutToBeInserted(const TreeNode* parent, int first, int last) override
+    {
+        Shadow* shadow = find(parent);
+        check(shadow != nullptr && first >= 0 && first <= int(shadow->children.size()) && last == first,
+              QStringLiteral("insertion at a row that does not exist"));
+        m_pending = { shadow, parent, first };
+    }
+    void nodesInserted() override
+    {
+        auto [shadow, parent, row] = m_pending;
+        if (shadow == nullptr) {
+            return;
+        }
+        const TreeNode* made = parent->children.at(size_t(row));
+        shadow->children.insert(shadow->children.begin() + row, copyOf(made, shadow));
+    }
+    void nodesAboutToBeRemoved(const TreeNode* parent, int first, int last) override
+    {
+        Shadow* shadow = find(parent);
+        check(shadow != nullptr && first >= 0 && last < int(shadow->children.size()) && first <= last,
+              QStringLiteral("removal of rows that do not exist"));
+        if (shadow != nullptr && first >= 0 && last < int(shadow->children.size())) {
+            for (int row = last; row >= first; --row) {
+                forget(shadow->children.at(size_t(row)));
+                shadow->children.erase(shadow->children.begin() + row);
+            }
+        }
+    }
+    void nodesRemoved() override { }
+    void nodeAboutToBeMoved(const TreeNode* parent, int row, const TreeNode* newParent, int newRow) override
+    {
+        Shadow* from = find(parent);
+        Shadow* to = find(newParent);
+        check(from != nullptr && to != nullptr && row >= 0 && row < int(from->children.size()),
+              QStringLiteral("move of a row that does not exist"));
+        if (from == nullptr || to == nullptr || row < 0 || row >= int(from->children.size())) {
+            return;
+        }
+        Shadow* moving = from->children.at(size_t(row));
+        from->children.erase(from->children.begin() + row);
+        check(newRow >= 0 && newRow <= int(to->children.size()), QStringLiteral("move to a row that does not exist"));
+        to->children.insert(to->children.begin() + std::clamp(newRow, 0, int(to->children.size())), moving);
+        moving->parent = to;
+    }
+    void nodeMoved() override { }
+    void nodesChanged(const TreeNode* parent, int first, int last) override
+    {
+        if (parent == nullptr) {
+            check(first == 0 && last == 0 && m_root != nullptr,
+                  QStringLiteral("change of a top row that does not exist"));
+            return;
+        }
+        Shadow* shadow = find(parent);
+        check(shadow != nullptr && first >= 0 && first <= last && last < int(shadow->children.size()),
+              QStringLiteral("change of rows that do not exist"));
+        ++changes;
+    }
+    void treeAboutToBeReset() override { }
+    void treeReset() override
+    {
+        m_shadows.clear();
+        m_byNode.clear();
+        m_root = m_tree.root() ? copyOf(m_tree.root(), nullptr) : nullptr;
+    }
+
+    int changes = 0;
+
+private:
+    struct Shadow
+    {
+        const TreeNode* node = nullptr;
+        Shadow* parent = nullptr;
+        std::vector<Shadow*> children;
+    };
+    struct Pending
+    {
+        Shadow* shadow = nullptr;
+        const TreeNode* parent = nullptr;
+        int row = 0;
+    };
+
+    void check(bool condition, const QString& failure)
+    {
+        if (!condition) {
+            failures.append(failure);
+        }
+    }
+    Shadow* find(const TreeNode* node) const
+    {
+        const auto it = m_byNode.find(node);
+        return it == m_byNode.end() ? nullptr : it->second;
+    }
+    Shadow* copyOf(const TreeNode* node, Shadow* parent)
+    {
+        m_shadows.push_back(std::make_unique<Shadow>());
+        Shadow* copy = m_shadows.back().get();
+        copy->node = node;
+        copy->parent = parent;
+        m_byNode[node] = copy;
+        for (const TreeNode* child : node->children) {
+            copy->children.push_back(copyOf(child, copy));
+        }
+        return copy;
+    }
+    void forget(Shadow* shadow)
+    {
+        m_byNode.erase(shadow->node);
+        for (Shadow* child : shadow->children) {
+            forget(child);
+        }
+    }
+    /// The shadow's shape, each node named by the key its node bears now: what a view reads again
+    /// when it hears that a row changed.
+    static QStringList outlineOf(const Shadow* shadow, int depth = 0)
+    {
+        QStringList lines { QString(depth, QLatin1Char(' ')) + shadow->node->key };
+        for (const Shadow* child : shadow->children) {
+            lines += outlineOf(child, depth + 1);
+        }
+        return lines;
+    }
+
+    const NodeTree& m_tree;
+    std::vector<std::unique_ptr<Shadow>> m_shadows;
+    std::map<const TreeNode*, Shadow*> m_byNode;
+    Shadow* m_root = nullptr;
+    Pending m_pending;
+};
+
+QStringList outlineOf(const TreeNode* node, int depth = 0)
+{
+    QStringList lines { QString(depth, QLatin1Char(' ')) + node->key };
+    for (const TreeNode* child : node->children) {
+        lines += outlineOf(child, depth + 1);
+    }
+    return lines;
+}
+
+QStringList outlineOf(const NodeTree& tree)
+{
+    return tree.root() ? outlineOf(tree.root()) : QStringList();
+}
+
+/// Everything a rebuild decides, node by node in collection order: key, parent, row, text, style,
+/// expanded mark and whether the node shows a text of its own.
+QStringList describe(const NodeTree& tree, const MenuDocument& document)
+{
+    QStringList lines;
+    for (int n = 1; n <= tree.nodeCount(); ++n) {
+        const TreeNode* node = tree.node(n);
+        if (NodeTree::indexOf(node) != n) {
+            lines.append(QStringLiteral("node %1 is numbered %2").arg(n).arg(NodeTree::indexOf(node)));
+        }
+        if (node->parent != nullptr && node->parent->children.at(size_t(node->row)) != node) {
+            lines.append(QStringLiteral("node %1 is not at its row").arg(node->key));
+        }
+        lines.append(QStringLiteral("%1 < %2 @%3 '%4' %5%6 %7 %8")
+                         .arg(node->key, node->parent ? node->parent->key : QStringLiteral("-"))
+                         .arg(node->row)
+                         .arg(tree.textOf(node, document))
+                         .arg(int(node->style.colour))
+                         .arg(node->style.bold ? QStringLiteral("b") : QString())
+                         .arg(node->children.empty()
+                                  ? QStringLiteral("leaf")
+                                  : (node->expanded ? QStringLiteral("open") : QStringLiteral("shut")))
+                         .arg(node->hasOwnText ? QStringLiteral("own") : QString()));
+    }
+    return lines;
+}
+
+/// A random change of the tree alone, as the editor's patches make them between rebuilds.
+void patchAtRandom(NodeTree& tree, const MenuDocument& document, QRandomGenerator& random, int& made)
+{
+    const int count = tree.nodeCount();
+    if (count < 2) {
+        return;
+    }
+    TreeNode* node = tree.node(2 + int(random.bounded(count - 1)));
+    switch (random.bounded(7)) {
+    case 0:
+        tree.removeNode(node);
+        break;
+    case 1: {
+        TreeNode* parent = tree.node(1 + int(random.bounded(count)));
+        tree.moveNode(node, parent, int(random.bounded(4)));
+        break;
+    }
+    case 2:
+        tree.moveAmongSiblings(node, random.bounded(2) == 0 ? -1 : 1);
+        break;
+    case 3:
+        tree.setText(node, QStringLiteral("typed %1").arg(random.bounded(5)), document);
+        break;
+    case 4:
+        tree.setColour(node, NodeStyle::Colour(random.bounded(3)));
+        break;
+    case 5: {
+        const QString top = QStringLiteral("N%1").arg(made++);
+        tree.addNodes({ { node->key, top, QStringLiteral("copy") },
+                        { top, QStringLiteral("N%1").arg(made++), QStringLiteral("inner") },
+                        { node->key, QStringLiteral("E0"), QStringLiteral("taken") } },
+                      document);
+        break;
+    }
+    default:
+        tree.colorize(document);
+        break;
+    }
+}
+
+/// A second menu sharing keys with `document`: its own random menu, or `document` with some items
+/// gone, moved, renamed, relinked or hidden otherwise.
+MenuDocument otherMenu(const MenuDocument& document, quint32 seed, QRandomGenerator& random)
+{
+    if (random.bounded(3) == 0) {
+        MenuDocument other = TestMenus::randomMenu(seed + 7919);
+        other.hideMode = int(random.bounded(4));
+        return other;
+    }
+    MenuDocument other = document;
+    const int count = int(other.items.size());
+    for (int change = 0; change < 4 && count > 0; ++change) {
+        MenuItem& item = other.items[qsizetype(random.bounded(count))];
+        switch (random.bounded(5)) {
+        case 0:
+            item.caption += QStringLiteral(" renamed");
+            break;
+        case 1:
+            item.parent = qint16(int(random.bounded(count + 1)) - 1);
+            break;
+        case 2:
+            item.siblingOrder = qint16(1 + random.bounded(4));
+            break;
+        case 3:
+            item.copiesCommands = !item.copiesCommands;
+            break;
+        default:
+            item.commands = MenuItem::placeholderCommands();
+            break;
+        }
+    }
+    if (random.bounded(4) == 0 && count > 1) {
+        other.items.removeLast();
+    }
+    return other;
+}
+
+} // namespace
+
+class TestNodeTree : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void generateFollowsThePlan()
+    {
+        for (quint32 seed = 1; seed <= 300; ++seed) {
+            MenuDocument document = TestMenus::randomMenu(seed);
+            document.hideMode = int(seed % 4);
+            NodeTree tree;
+            tree.generate(document);
+            const QList<PlannedNode> plan = planTree(document, document.hideMode);
+            QCOMPARE(tree.nodeCount(), int(plan.size()) + 1);
+            QCOMPARE(tree.node(1)->key, NodeTree::rootKey());
+            QCOMPARE(tree.textOf(tree.node(1), document), QStringLiteral("KELV"));
+            QCOMPARE(tree.node(1)->style, NodeStyle::forRoot());
+            for (int n = 0; n < plan.size(); ++n) {
+                const TreeNode* node = tree.node(n + 2);
+                QCOMPARE(node->key, plan.at(n).key);
+                QCOMPARE(node->parent->key, plan.at(n).parentKey);
+                QCOMPARE(tree.textOf(node, document), plan.at(n).caption);
+                QCOMPARE(node->style, NodeStyle::forItem(document.items.at(plan.at(n).itemIndex)));
+                QCOMPARE(node->expanded, !node->children.empty());
+                QCOMPARE(tree.itemOf(node, document), int(plan.at(n).itemIndex));
+            }
+        }
+    }
+
+    void aNodeShowsItsItemsCaptionUnlessGivenAnotherText()
+    {
+        MenuDocument document;
+        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2) };
+        NodeTree tree;
+        tree.generate(document);
+        TreeNode* first = tree.nodeByKey(QStringLiteral("E0"));
+        QCOMPARE(tree.textOf(first, document), QStringLiteral("E0"));
+        document.items[0].caption = QStringLiteral("Renamed");
+        tree.documentChanged();
+        QCOMPARE(tree.textOf(first, document), QStringLiteral("Renamed"));
+
+        tree.setText(first, QStringLiteral("$audiostream$"), document);
+        QVERIFY(first->hasOwnText);
+        QCOMPARE(tree.textOf(first, document), QStringLiteral("$audiostream$"));
+        tree.setText(first, QStringLiteral("Renamed"), document);
+        QVERIFY(!first->hasOwnText);
+
+        // An item moved to another place in the array is found again by its key.
+        std::swap(document.items[0], document.items[1]);
+        tree.documentChanged();
+        QCOMPARE(tree.textOf(first, document), QStringLiteral("Renamed"));
+        QCOMPARE(tree.itemOf(first, document), 1);
+        document.items.removeLast();
+        tree.documentChanged();
+        QCOMPARE(tree.itemOf(first, document), -1);
+        QCOMPARE(tree.textOf(first, document), QString());
+    }
+
+    void keysOfAnyTextAreFound()
+    {
+        QCOMPARE(KeyMap<int>::numberOf(QStringLiteral("E0")), 0);
+        QCOMPARE(KeyMap<int>::numberOf(QStringLiteral("E32767")), 32767);
+        QCOMPARE(KeyMap<int>::numberOf(QStringLiteral("E01")), -1);
+        QCOMPARE(KeyMap<int>::numberOf(QStringLiteral("e1")), -1);
+        QCOMPARE(KeyMap<int>::numberOf(QStringLiteral("E")), -1);
+        QCOMPARE(KeyMap<int>::numberOf(QStringLiteral("E1x")), -1);
+        QCOMPARE(KeyMap<int>::numberOf(QStringLiteral("E1234567")), -1);
+        KeyMap<int> map;
+        const QStringList keys { QStringLiteral("E5"), QStringLiteral("E05"), QStringLiteral("Root"),
+                                 QStringLiteral("E999999"), QStringLiteral("") };
+        for (int k = 0; k < keys.size(); ++k) {
+            map.insert(keys.at(k), k);
+        }
+        for (int k = 0; k < keys.size(); ++k) {
+            QVERIFY(map.contains(keys.at(k)));
+            QCOMPARE(map.value(keys.at(k), -1), k);
+        }
+        QVERIFY(!map.contains(QStringLiteral("E6")));
+        map.remove(QStringLiteral("E5"));
+        map.remove(QStringLiteral("E05"));
+        QVERIFY(!map.contains(QStringLiteral("E5")));
+        QVERIFY(!map.contains(QStringLiteral("E05")));
+        QCOMPARE(map.value(QStringLiteral("E5"), -1), -1);
+    }
+
+    void twoLeavesTradePlacesAndKeepTheirNumbers()
+    {
+        MenuDocument document;
+        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
+                           item(QStringLiteral("E2"), -1, 1, 3), item(QStringLiteral("E3"), 2, 0, 1) };
+        NodeTree tree;
+        ShadowObserver shadow(tree);
+        tree.setObserver(&shadow);
+        tree.generate(document);
+        TreeNode* first = tree.nodeByKey(QStringLiteral("E0"));
+        TreeNode* moved = tree.moveAmongSiblings(first, 1);
+        QCOMPARE(moved->key, QStringLiteral("E0"));
+        QCOMPARE(moved->row, 1);
+        QCOMPARE(NodeTree::indexOf(moved), 2);
+        QCOMPARE(tree.node(3)->key, QStringLiteral("E1"));
+        QCOMPARE(tree.node(3)->row, 0);
+        QVERIFY(tree.moveAmongSiblings(moved, -2) == moved); // nothing moves past either end
+        // A branch moves as a whole.
+        TreeNode* branch = tree.nodeByKey(QStringLiteral("E2"));
+        QCOMPARE(tree.moveAmongSiblings(branch, -1), branch);
+        QCOMPARE(branch->row, 1);
+        QCOMPARE(outlineOf(tree),
+                 QStringList({ QStringLiteral("Root"), QStringLiteral(" E1"), QStringLiteral(" E2"),
+                               QStringLiteral("  E3"), QStringLiteral(" E0") }));
+        QCOMPARE(shadow.outline(), outlineOf(tree));
+        QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+    }
+
+    void aNodeNeverMovesIntoItsOwnBranch()
+    {
+        MenuDocument document = TestMenus::chainMenu(4);
+        NodeTree tree;
+        tree.generate(document);
+        const QStringList before = outlineOf(tree);
+        tree.moveNode(tree.nodeByKey(QStringLiteral("E1")), tree.nodeByKey(QStringLiteral("E3")), 0);
+        tree.moveNode(tree.nodeByKey(QStringLiteral("E1")), tree.nodeByKey(QStringLiteral("E1")), 0);
+        QCOMPARE(outlineOf(tree), before);
+    }
+
+    void syncEndsAsARebuildWouldOnRandomMenusAndPatches()
+    {
+        QRandomGenerator random(20261124);
+        int made = 0;
+        for (quint32 seed = 1; seed <= 600; ++seed) {
+            MenuDocument document = TestMenus::randomMenu(seed);
+            document.hideMode = int(random.bounded(4));
+            NodeTree tree;
+            ShadowObserver shadow(tree);
+            tree.setObserver(&shadow);
+            tree.generate(document);
+            const int patches = int(random.bounded(6));
+            for (int p = 0; p < patches; ++p) {
+                patchAtRandom(tree, document, random, made);
+            }
+            const MenuDocument other = otherMenu(document, seed, random);
+            const bool knowsBefore = random.bounded(2) == 0;
+            tree.syncTo(other, knowsBefore ? &document : nullptr);
+
+            NodeTree fresh;
+            fresh.generate(other);
+            QCOMPARE(describe(tree, other), describe(fresh, other));
+            QCOMPARE(shadow.outline(), outlineOf(tree));
+            QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+        }
+    }
+
+    void syncOfAnUnchangedMenuChangesNothing()
+    {
+        MenuDocument document = TestMenus::randomMenu(42);
+        NodeTree tree;
+        ShadowObserver shadow(tree);
+        tree.setObserver(&shadow);
+        tree.generate(document);
+        shadow.changes = 0;
+        QVERIFY(tree.syncTo(document, &document).empty());
+        QCOMPARE(shadow.changes, 0);
+    }
+
+    void syncRepaintsOnlyNodesWhoseCaptionOrStyleChanged()
+    {
+        MenuDocument document;
+        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
+                           item(QStringLiteral("E2"), -1, 0, 3) };
+        NodeTree tree;
+        ShadowObserver shadow(tree);
+        tree.setObserver(&shadow);
+        tree.generate(document);
+        MenuDocument renamed = document;
+        renamed.items[1].caption = QStringLiteral("New name");
+        shadow.changes = 0;
+        tree.syncTo(renamed, &document);
+        QCOMPARE(shadow.changes, 1);
+        QCOMPARE(tree.textOf(tree.nodeByKey(QStringLiteral("E1")), renamed), QStringLiteral("New name"));
+    }
+
+    void aDeletedBranchComesBackInOneInsertion()
+    {
+        MenuDocument document = TestMenus::chainMenu(2000);
+        NodeTree tree;
+        ShadowObserver shadow(tree);
+        tree.setObserver(&shadow);
+        tree.generate(document);
+        tree.removeNode(tree.nodeByKey(QStringLiteral("E1")));
+        QCOMPARE(tree.nodeCount(), 2);
+        const std::vector<TreeNode*> expanded = tree.syncTo(document, nullptr);
+        QCOMPARE(tree.nodeCount(), 2001);
+        QCOMPARE(int(expanded.size()), 998); // the new submenus down to the levels a rebuild expands
+        QCOMPARE(shadow.outline(), outlineOf(tree));
+        QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+    }
+
+    void aDeepChainIsSyncedWithoutRecursion()
+    {
+        MenuDocument document = TestMenus::chainMenu(32767);
+        NodeTree tree;
+        tree.generate(document);
+        QVERIFY(tree.node(NodeTree::expandedLevels)->expanded);
+        QVERIFY(!tree.node(NodeTree::expandedLevels + 1)->expanded);
+        MenuDocument shorter = document;
+        shorter.items[16000].childCount = 0; // the chain ends halfway
+        tree.syncTo(shorter, &document);
+        QCOMPARE(tree.nodeCount(), 16002);
+        tree.syncTo(document, &shorter);
+        QCOMPARE(tree.nodeCount(), 32768);
+    }
+};
+
+QTEST_MAIN(TestNodeTree)
+#include "test_nodetree.moc"
