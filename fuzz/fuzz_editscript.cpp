@@ -142,7 +142,8 @@ QJsonObject builtOperation(FuzzedDataProvider& provider, const QStringList& name
         return object;
     }
     object.insert(QStringLiteral("key"), itemKey(provider, document));
-    if (op == QLatin1String("rename") || (op == QLatin1String("new-item") && provider.ConsumeBool())) {
+    const bool creates = op == QLatin1String("new-item") || op == QLatin1String("new-sub-item");
+    if (op == QLatin1String("rename") || (creates && provider.ConsumeBool())) {
         object.insert(QStringLiteral("caption"), hostileText(provider));
     } else if (op == QLatin1String("link")) {
         object.insert(QStringLiteral("target"), itemKey(provider, document));

@@ -30,6 +30,10 @@ for program in KELVEditor kelvmenu; do
         fail "$program --version does not name the program and its version"
 done
 
+step "the installed example menus pass the strict check"
+"$stage/usr/bin/kelvmenu" check --strict "$stage"/usr/lib/kelveditor/examples/*.ini ||
+    fail "an installed example menu does not pass kelvmenu check --strict"
+
 # The editor runs off-screen for a moment on a copy of an example menu; opening it writes Recent.ini.
 run_editor() { # HOME, then the command prefix (e.g. runuser -u nobody --)
     local home=$1

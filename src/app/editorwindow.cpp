@@ -705,6 +705,18 @@ void EditorWindow::moveSelectedNode(const TreeStep& step)
         if (step.kind == TreeStep::Kind::MoveNodeUnder) {
             m_lstMenu->moveNode(node, m_lstMenu->nodeByKey(step.parentKey), 0);
             node = m_lstMenu->nodeByKey(step.key);
+        } else if (step.kind == TreeStep::Kind::MoveNodeToLastChild) {
+            const QModelIndex parentNode = m_lstMenu->nodeByKey(step.parentKey);
+            m_lstMenu->moveNode(node, parentNode, m_lstMenu->model()->rowCount(parentNode));
+            node = m_lstMenu->nodeByKey(step.key);
+        } else if (step.kind == TreeStep::Kind::MoveNodeAfter) {
+            const QModelIndex sibling = m_lstMenu->nodeByKey(step.siblingKey);
+            if (sibling.isValid() && sibling.parent().isValid()) {
+                // The row is counted without the node itself, which may come before its new place.
+                const bool earlierSibling = node.parent() == sibling.parent() && node.row() < sibling.row();
+                m_lstMenu->moveNode(node, sibling.parent(), sibling.row() + (earlierSibling ? 0 : 1));
+            }
+            node = m_lstMenu->nodeByKey(step.key);
         } else {
             node = m_lstMenu->moveAmongSiblings(node, step.kind == TreeStep::Kind::MoveNodeUp ? -1 : 1);
         }
@@ -738,6 +750,8 @@ void EditorWindow::applyStep(const TreeStep& step)
     case TreeStep::Kind::MoveNodeUp:
     case TreeStep::Kind::MoveNodeDown:
     case TreeStep::Kind::MoveNodeUnder:
+    case TreeStep::Kind::MoveNodeToLastChild:
+    case TreeStep::Kind::MoveNodeAfter:
         moveSelectedNode(step);
         break;
     case TreeStep::Kind::SetNodeColour:

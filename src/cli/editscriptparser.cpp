@@ -30,8 +30,9 @@ struct OperationSpec
 constexpr FieldSpec keyField { "key", FieldType::Text, true };
 
 // The operations and their fields, as the contract of `kelvmenu edit` lists them.
-constexpr std::array<OperationSpec, 20> operationSpecs { {
+constexpr std::array<OperationSpec, 23> operationSpecs { {
     { "new-item", { { keyField, { "caption", FieldType::Text, false } } }, 2 },
+    { "new-sub-item", { { keyField, { "caption", FieldType::Text, false } } }, 2 },
     { "rename", { { keyField, { "caption", FieldType::Text, true } } }, 2 },
     { "delete", { { keyField } }, 1 },
     { "copy", { { keyField } }, 1 },
@@ -40,6 +41,8 @@ constexpr std::array<OperationSpec, 20> operationSpecs { {
     { "duplicate", { { keyField } }, 1 },
     { "move-up", { { keyField } }, 1 },
     { "move-down", { { keyField } }, 1 },
+    { "indent", { { keyField } }, 1 },
+    { "outdent", { { keyField } }, 1 },
     { "drop",
       { { keyField,
           { "target", FieldType::Text, true },

@@ -34,7 +34,7 @@ const MenuDocument& ScriptedEditor::document() const
     return m_state.document(m_index);
 }
 
-bool ScriptedEditor::select(const QString& key)
+bool ScriptedEditor::select(const QString& key, bool rootAllowed)
 {
     const QList<PlannedNode> plan = planTree(document(), 0);
     m_view.nodeKeys = QStringList { SelectedNode::rootKey() };
@@ -70,6 +70,10 @@ bool ScriptedEditor::select(const QString& key)
     if (key.isEmpty()) {
         return true;
     }
+    if (rootAllowed && key == SelectedNode::rootKey()) {
+        m_view.selected.key = key;
+        return true;
+    }
     const qsizetype nodeIndex = m_view.nodeKeys.indexOf(key);
     if (nodeIndex > 0) {
         m_state.setLastNodeIndex(qint16(nodeIndex + 1));
@@ -100,11 +104,16 @@ bool ScriptedEditor::run(const ScriptOperation& operation)
     m_failure.clear();
     m_view.clear();
     const QString& op = operation.op;
-    if (!select(operation.key)) {
+    // New Sub-item alone acts on the root node too: it makes a top-level item there.
+    const bool onNode = op == QLatin1String("new-sub-item");
+    if (!select(operation.key, onNode)) {
         return false;
     }
     if (op == QLatin1String("new-item")) {
         return runOperation(EditOperations::newItem) && finishLabelEdit(operation.caption, operation.hasCaption);
+    }
+    if (onNode) {
+        return runOperation(EditOperations::newSubItem) && finishLabelEdit(operation.caption, operation.hasCaption);
     }
     if (op == QLatin1String("rename")) {
         return runOperation(EditOperations::rename) && finishLabelEdit(operation.caption, true);
@@ -129,6 +138,12 @@ bool ScriptedEditor::run(const ScriptOperation& operation)
     }
     if (op == QLatin1String("move-down")) {
         return runOperation(EditOperations::moveDown);
+    }
+    if (op == QLatin1String("indent")) {
+        return runOperation(EditOperations::moveIntoItemAbove);
+    }
+    if (op == QLatin1String("outdent")) {
+        return runOperation(EditOperations::moveOutOfParent);
     }
     if (op == QLatin1String("drop")) {
         return drop(operation);

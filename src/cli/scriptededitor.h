@@ -43,8 +43,8 @@ public:
 
 private:
     /// Selects the node of `key` in a tree freshly built from the document; false (with a failure)
-    /// when there is no such node.
-    bool select(const QString& key);
+    /// when there is no such node. The root node "Root" only when `rootAllowed`.
+    bool select(const QString& key, bool rootAllowed = false);
     /// The item node `key` names in that tree; false (with a failure) when there is none.
     bool requireItemNode(const QString& key);
     /// The end of the label edit an operation started: confirmed with `caption`, or cancelled.

@@ -53,6 +53,9 @@ bool EditingSession::runOn(qint16 index, const SelectedNode& selected, const Edi
     if (operation.needs == EditOperation::Needs::ItemNode && !selected.isItem()) {
         return false; // no node, or the root, which belongs to no item
     }
+    if (operation.needs == EditOperation::Needs::Node && selected.isNone()) {
+        return false;
+    }
     bool refused = false;
     bool applicable = true;
     const auto guarded = [this, &operation](const std::function<void()>& work) {

@@ -6,6 +6,8 @@ EditMenuState EditMenuState::decide(const Input& input)
     state.menus = !input.choosingLinkTarget;
     const bool open = state.menus;
     state.itemEntries = open && input.editorActive && input.itemSelected;
+    state.newSubItem = open && input.editorActive && (input.itemSelected || input.rootSelected);
+    state.nestingEntries = state.itemEntries;
     state.paste = open && input.clipboardFilled;
     state.documentEntries = open && input.editorActive;
     state.selectCopy = state.itemEntries;

@@ -16,6 +16,9 @@ struct EditOperation
     enum class Needs {
         /// Only an open document (the bulk link commands).
         Document,
+        /// A selected node, the root included (New Sub-item puts a top-level item under the root);
+        /// with no node selected the operation is refused without a word.
+        Node,
         /// A selected node that stands for an item; with no node or the root selected the operation
         /// is refused without a word.
         ItemNode,

@@ -9,11 +9,13 @@
 namespace {
 
 const char* const newItemSource = "mnuNewItem";
+const char* const newSubItemSource = "mnuNewSubItem";
 const char* const labelEditSource = "lstMenu_AfterLabelEdit";
 
-} // namespace
-
-TreeUpdate createItem(EditContext& context)
+/// Appends an item "New Item " + (item count) with a fresh key from the document's key counter as
+/// the last child of the item `parentKey` names, or last on the top level when it names none (the
+/// root node's key), adds its node there, shows and selects it and starts editing its label.
+TreeUpdate appendNewItem(EditContext& context, const QString& parentKey, const char* source)
 {
     MenuDocument& document = context.document;
 
@@ -24,19 +26,19 @@ TreeUpdate createItem(EditContext& context)
     item.level = 0;
     item.parent = 0;
     item.siblingOrder = 0;
-    item.caption = QStringLiteral("New Item ") + QString::number(Int16::checked(count + 1, newItemSource));
-    document.lastIndex = Int16::incremented(document.lastIndex, newItemSource);
+    item.caption = QStringLiteral("New Item ") + QString::number(Int16::checked(count + 1, source));
+    document.lastIndex = Int16::incremented(document.lastIndex, source);
     item.key = QLatin1Char('E') + QString::number(document.lastIndex);
     document.items.append(item);
     const qsizetype index = count;
 
-    // The parent node of the selected node: the root belongs to no item, so a top-level item gets -1.
-    const qint16 parent = findItemByKey(document, context.selected.parentKey);
+    // The root belongs to no item: under it, the new item is a top-level one (-1).
+    const qint16 parent = findItemByKey(document, parentKey);
     MenuItem& created = document.items[index];
     created.parent = parent;
     if (parent >= 0) {
         MenuItem& parentItem = document.items[parent];
-        parentItem.childCount = Int16::incremented(parentItem.childCount, newItemSource);
+        parentItem.childCount = Int16::incremented(parentItem.childCount, source);
         created.siblingOrder = parentItem.childCount;
     } else {
         created.siblingOrder = countTopLevel(document);
@@ -47,11 +49,23 @@ TreeUpdate createItem(EditContext& context)
     context.editing.snapshotNextLabelEdit = false;
 
     TreeUpdate update;
-    update.addNode(parent >= 0 ? context.selected.parentKey : SelectedNode::rootKey(), created.key, created.caption)
+    update.addNode(parent >= 0 ? parentKey : SelectedNode::rootKey(), created.key, created.caption)
         .showItemCount()
         .clickNode(created.key)
         .startLabelEdit(created.key);
     return update;
+}
+
+} // namespace
+
+TreeUpdate createItem(EditContext& context)
+{
+    return appendNewItem(context, context.selected.parentKey, newItemSource);
+}
+
+TreeUpdate createSubItem(EditContext& context)
+{
+    return appendNewItem(context, context.selected.key, newSubItemSource);
 }
 
 TreeUpdate startRenaming(EditContext& context)

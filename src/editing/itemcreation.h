@@ -8,6 +8,10 @@
 /// snapshot: creating and naming an item is one undo step.
 TreeUpdate createItem(EditContext& context);
 
+/// New Sub-item: the same new item, opened for naming in the same undo step, but as the last child
+/// of the selected item; with the root node selected, as the last top-level item.
+TreeUpdate createSubItem(EditContext& context);
+
 /// Rename: starts editing the label of the selected node; the end of the edit stores the caption.
 TreeUpdate startRenaming(EditContext& context);
 
@@ -22,6 +26,8 @@ TreeUpdate storeLabelEdit(EditContext& context);
 namespace EditOperations {
 inline constexpr EditOperation newItem { "new-item", EditOperation::Needs::ItemNode,
                                          EditOperation::Recording::SnapshotBefore, nullptr, &createItem };
+inline constexpr EditOperation newSubItem { "new-sub-item", EditOperation::Needs::Node,
+                                            EditOperation::Recording::SnapshotBefore, nullptr, &createSubItem };
 inline constexpr EditOperation rename { "rename", EditOperation::Needs::ItemNode, EditOperation::Recording::Nothing,
                                         nullptr, &startRenaming };
 inline constexpr EditOperation beginLabelEdit { "begin-label-edit", EditOperation::Needs::ItemNode,

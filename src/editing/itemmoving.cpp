@@ -16,6 +16,8 @@ namespace {
 
 const char* const moveSource = "cmdUp_Click";
 const char* const dropSource = "lstMenu_OLEDragDrop";
+const char* const moveIntoSource = "mnuMoveIntoItemAbove";
+const char* const moveOutSource = "mnuMoveOutOfParent";
 
 int itemIndexOf(const MenuDocument& document, const QString& key, const char* source)
 {
@@ -57,6 +59,24 @@ bool isInBranch(const MenuDocument& document, int index, int ancestor)
         index = document.items.at(index).parent;
     }
     return false;
+}
+
+/// Takes item `moved` out of its siblings: the ones after it close the gap and its parent counts one
+/// child less. Its own parent and place stay until the caller gives it new ones.
+void leaveSiblings(MenuDocument& document, int moved, const char* source)
+{
+    auto& items = document.items;
+    const qint16 oldParent = items.at(moved).parent;
+    const qint16 oldOrder = items.at(moved).siblingOrder;
+    for (int k = 0; k < items.size(); ++k) {
+        MenuItem& item = items[k];
+        if (k != moved && item.parent == oldParent && item.siblingOrder > oldOrder) {
+            item.siblingOrder = Int16::decremented(item.siblingOrder, source);
+        }
+    }
+    if (oldParent >= 0) {
+        items[oldParent].childCount = Int16::decremented(items.at(oldParent).childCount, source);
+    }
 }
 
 } // namespace
@@ -179,5 +199,82 @@ TreeUpdate dropMoveWithin(MenuDocument& document, const DropRequest& request)
     update.moveNodeUnder(request.draggedKey, destination >= 0 ? items.at(destination).key : QStringLiteral("Root"))
         .recolour()
         .showPosition(request.draggedKey);
+    return update;
+}
+
+bool hasItemAbove(const EditContext& context)
+{
+    if (context.selected.previousSiblingKey.isEmpty()) {
+        return false;
+    }
+    const int moved = findItemByKey(context.document, context.selected.key);
+    const int above = findItemByKey(context.document, context.selected.previousSiblingKey);
+    // An item that is gone is for the move itself to report.
+    return moved < 0 || above < 0 || !isInBranch(context.document, above, moved);
+}
+
+TreeUpdate moveIntoItemAbove(EditContext& context)
+{
+    MenuDocument& document = context.document;
+    const int moved = itemIndexOf(document, context.selected.key, moveIntoSource);
+    // The item of the node the user sees above it, never an item the tree hides between the two.
+    const int above = itemIndexOf(document, context.selected.previousSiblingKey, moveIntoSource);
+    leaveSiblings(document, moved, moveIntoSource);
+    MenuItem& destination = document.items[above];
+    destination.childCount = Int16::incremented(destination.childCount, moveIntoSource);
+    MenuItem& item = document.items[moved];
+    item.parent = Int16::checked(above, moveIntoSource);
+    item.siblingOrder = destination.childCount;
+
+    TreeUpdate update;
+    update.moveNodeToLastChild(context.selected.key, context.selected.previousSiblingKey)
+        .recolour()
+        .showPosition(context.selected.key);
+    return update;
+}
+
+bool hasParentItem(const EditContext& context)
+{
+    const SelectedNode& selected = context.selected;
+    if (selected.parentKey.isEmpty() || selected.parentKey == SelectedNode::rootKey()) {
+        return false;
+    }
+    const int moved = findItemByKey(context.document, selected.key);
+    const int former = findItemByKey(context.document, selected.parentKey);
+    if (moved < 0 || former < 0) {
+        return true; // an item that is gone is for the move itself to report
+    }
+    const int destination = context.document.items.at(former).parent;
+    return destination < 0 || !isInBranch(context.document, destination, moved);
+}
+
+TreeUpdate moveOutOfParent(EditContext& context)
+{
+    MenuDocument& document = context.document;
+    const int moved = itemIndexOf(document, context.selected.key, moveOutSource);
+    // The item of the parent node the user sees: where the tree hides the item's own parent (a link
+    // under "Hide items"), the item leaves that hidden parent too.
+    const int former = itemIndexOf(document, context.selected.parentKey, moveOutSource);
+    leaveSiblings(document, moved, moveOutSource);
+    auto& items = document.items;
+    const qint16 destination = items.at(former).parent;
+    const qint16 place = Int16::incremented(items.at(former).siblingOrder, moveOutSource);
+    for (int k = 0; k < items.size(); ++k) {
+        MenuItem& item = items[k];
+        if (k != moved && item.parent == destination && item.siblingOrder >= place) {
+            item.siblingOrder = Int16::incremented(item.siblingOrder, moveOutSource);
+        }
+    }
+    if (destination >= 0) {
+        items[destination].childCount = Int16::incremented(items.at(destination).childCount, moveOutSource);
+    }
+    MenuItem& item = items[moved];
+    item.parent = destination;
+    item.siblingOrder = place;
+
+    TreeUpdate update;
+    update.moveNodeAfter(context.selected.key, context.selected.parentKey)
+        .recolour()
+        .showPosition(context.selected.key);
     return update;
 }

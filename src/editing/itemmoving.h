@@ -14,6 +14,22 @@ bool hasPreviousSibling(const EditContext& context);
 TreeUpdate moveItemDown(EditContext& context);
 bool hasNextSibling(const EditContext& context);
 
+/// Move into the item above: the selected item with its branch becomes the last child of the item of
+/// its previous sibling node, the node it is shown under. Keys, array positions and levels stay;
+/// the siblings it leaves close the gap. Its node moves with its branch and stays selected.
+TreeUpdate moveIntoItemAbove(EditContext& context);
+/// Whether there is an item above to move into: the selected node has a previous sibling node (and
+/// that node's item does not lie in the selected branch, which only a menu that Paste left out of
+/// step with its tree could show).
+bool hasItemAbove(const EditContext& context);
+
+/// Move out of the parent: the selected item with its branch becomes the sibling right after the
+/// item of its parent node, the siblings after that making room. Keys, array positions and levels
+/// stay; its node moves with its branch and stays selected.
+TreeUpdate moveOutOfParent(EditContext& context);
+/// Whether there is a parent to move out of: the selected node is not on the top level.
+bool hasParentItem(const EditContext& context);
+
 /// Where a dragged branch goes: under the node it was dropped on, or beside it.
 enum class DropPlace { Child, Next };
 
@@ -79,4 +95,14 @@ inline constexpr EditOperation moveDown {
     "move-down",    EditOperation::Needs::ItemNode, EditOperation::Recording::SnapshotBefore, nullptr, &moveItemDown,
     &hasNextSibling
 };
+inline constexpr EditOperation moveIntoItemAbove {
+    "indent", EditOperation::Needs::ItemNode, EditOperation::Recording::SnapshotBefore,
+    nullptr,  &::moveIntoItemAbove,           &hasItemAbove
+};
+inline constexpr EditOperation moveOutOfParent { "outdent",
+                                                 EditOperation::Needs::ItemNode,
+                                                 EditOperation::Recording::SnapshotBefore,
+                                                 nullptr,
+                                                 &::moveOutOfParent,
+                                                 &hasParentItem };
 } // namespace EditOperations

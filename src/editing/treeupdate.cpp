@@ -52,6 +52,20 @@ TreeUpdate& TreeUpdate::moveNodeUnder(const QString& key, const QString& parentK
     return add(std::move(moved));
 }
 
+TreeUpdate& TreeUpdate::moveNodeToLastChild(const QString& key, const QString& parentKey)
+{
+    TreeStep moved = step(TreeStep::Kind::MoveNodeToLastChild, key);
+    moved.parentKey = parentKey;
+    return add(std::move(moved));
+}
+
+TreeUpdate& TreeUpdate::moveNodeAfter(const QString& key, const QString& siblingKey)
+{
+    TreeStep moved = step(TreeStep::Kind::MoveNodeAfter, key);
+    moved.siblingKey = siblingKey;
+    return add(std::move(moved));
+}
+
 TreeUpdate& TreeUpdate::setNodeColour(const QString& key, NodeStyle::Colour colour)
 {
     TreeStep coloured = step(TreeStep::Kind::SetNodeColour, key);

@@ -25,6 +25,12 @@ struct TreeStep
         /// Move the node `key` with its branch to be the first child of the node `parentKey`; every
         /// node keeps its expanded state and the selection stays.
         MoveNodeUnder,
+        /// Move the node `key` with its branch to be the last child of the node `parentKey`; every
+        /// node keeps its expanded state and the selection stays.
+        MoveNodeToLastChild,
+        /// Move the node `key` with its branch to be the sibling directly after the node
+        /// `siblingKey`; every node keeps its expanded state and the selection stays.
+        MoveNodeAfter,
         /// Set the text colour of the node `key` (its bold type stays).
         SetNodeColour,
         /// When the tree holds nothing but the root node, add a node `key` with `text` under it.
@@ -68,11 +74,12 @@ struct TreeStep
     QString parentKey;
     QString text;
     NodeStyle::Colour colour = NodeStyle::Colour::Black;
+    QString siblingKey = QString();
 
     friend bool operator==(const TreeStep& left, const TreeStep& right)
     {
         return left.kind == right.kind && left.key == right.key && left.parentKey == right.parentKey
-            && left.text == right.text && left.colour == right.colour;
+            && left.text == right.text && left.colour == right.colour && left.siblingKey == right.siblingKey;
     }
     friend bool operator!=(const TreeStep& left, const TreeStep& right) { return !(left == right); }
 };
@@ -91,6 +98,8 @@ public:
     TreeUpdate& moveNodeUp(const QString& key);
     TreeUpdate& moveNodeDown(const QString& key);
     TreeUpdate& moveNodeUnder(const QString& key, const QString& parentKey);
+    TreeUpdate& moveNodeToLastChild(const QString& key, const QString& parentKey);
+    TreeUpdate& moveNodeAfter(const QString& key, const QString& siblingKey);
     TreeUpdate& setNodeColour(const QString& key, NodeStyle::Colour colour);
     TreeUpdate& addNodeWhenOnlyRoot(const QString& key, const QString& text);
     TreeUpdate& recolour();

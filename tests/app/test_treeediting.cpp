@@ -8,6 +8,7 @@
 #include "core/optionsstore.h"
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
+#include "editing/itemmoving.h"
 #include "model/menudocument.h"
 
 #include <QAction>
@@ -622,6 +623,72 @@ private Q_SLOTS:
         sandbox().trigger(QStringLiteral("mnuUndo"));
         sandbox().trigger(QStringLiteral("mnuUndo"));
         QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  B", "    b1", "  C" }));
+    }
+
+    void nestingMovesPatchTheTreeAndKeepItsState()
+    {
+        // The Edit entries come with the tree's context menu; the window already carries out the
+        // steps of the two operations.
+        open(texts({ "A", "···a1", "B", "···b1", "C" }), texts({ "0002:=x" }));
+        tree().collapse(tree().nodeByKey(QStringLiteral("E0")));
+        tree().collapse(tree().nodeByKey(QStringLiteral("E2")));
+        clickNode(tree(), QStringLiteral("E4"));
+        QVERIFY(window().session().run(EditOperations::moveIntoItemAbove));
+
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  B", "    b1", "    C" }));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
+        // The node it went into opens to show it; the rest keeps its state.
+        QVERIFY(tree().isExpanded(tree().nodeByKey(QStringLiteral("E2"))));
+        QVERIFY(!tree().isExpanded(tree().nodeByKey(QStringLiteral("E0"))));
+        QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(2 ; 0)"));
+        QCOMPARE(undoCount(sandbox(), m_index), 1);
+
+        QVERIFY(window().session().run(EditOperations::moveOutOfParent));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "    a1", "  B", "    b1", "  C" }));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
+        QCOMPARE(panelText(sandbox(), 6), QStringLiteral("(3 ; 0)"));
+
+        // a1 leaves A, which is then a plain leaf again; a1 comes right after it.
+        clickNode(tree(), QStringLiteral("E1"));
+        QVERIFY(window().session().run(EditOperations::moveOutOfParent));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  A", "  a1", "  B", "    b1", "  C" }));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E1")));
+        QVERIFY(!isBold(tree(), QStringLiteral("E0")));
+        QCOMPARE(colourOf(tree(), QStringLiteral("E1")), maroon);
+        QCOMPARE(undoCount(sandbox(), m_index), 3);
+
+        // Nothing to move into or out of: nothing happens.
+        clickNode(tree(), QStringLiteral("E0"));
+        QVERIFY(window().session().run(EditOperations::moveIntoItemAbove));
+        QVERIFY(window().session().run(EditOperations::moveOutOfParent));
+        QCOMPARE(undoCount(sandbox(), m_index), 3);
+
+        // The patched tree is the tree a rebuild shows.
+        const QStringList patched = nodeOutline(tree());
+        sandbox().trigger(QStringLiteral("mnuRefresh"));
+        QCOMPARE(nodeOutline(tree()), patched);
+        QVERIFY(sandbox().prompts().messages.isEmpty());
+    }
+
+    void aNewSubItemIsTheLastChildOrUnderTheRootATopLevelItem()
+    {
+        open(texts({ "P", "···a", "Q" }));
+        clickNode(tree(), QStringLiteral("E0"));
+        QVERIFY(window().session().run(EditOperations::newSubItem));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  P", "    a", "    New Item 4", "  Q" }));
+        QVERIFY(tree().isEditingLabel());
+        typeLabel(tree(), QStringLiteral("b"));
+        QCOMPARE(document().items[3].caption, QStringLiteral("b"));
+        QCOMPARE(document().items[3].parent, qint16(0));
+        QCOMPARE(undoCount(sandbox(), m_index), 1);
+
+        tree().setCurrentIndex(tree().node(1));
+        QVERIFY(window().session().run(EditOperations::newSubItem));
+        QCOMPARE(nodeOutline(tree()), texts({ "KELV", "  P", "    a", "    b", "  Q", "  New Item 5" }));
+        QCOMPARE(tree().currentIndex(), tree().nodeByKey(QStringLiteral("E4")));
+        typeLabel(tree(), QStringLiteral("R"));
+        QCOMPARE(document().items[4].parent, qint16(-1));
+        QCOMPARE(undoCount(sandbox(), m_index), 2);
     }
 
     void movedLeavesKeepTheirNodesForALinkChoice()

@@ -515,6 +515,23 @@ private Q_SLOTS:
         }
     }
 
+    void everyBundledExampleMenuPassesTheStrictCheck()
+    {
+        // The example menus are installed for users to learn from: every one of them opens and draws
+        // no warning.
+        const QDir examples(QStringLiteral(KELV_EXAMPLES_DIR));
+        const QStringList names = examples.entryList(QDir::Files, QDir::Name);
+        QVERIFY(names.size() >= 2);
+        for (const QString& name : names) {
+            const QString file = examples.filePath(name);
+            const RunResult result = run({ QStringLiteral("check"), QStringLiteral("--strict"), file });
+            QVERIFY2(result.finished, qPrintable(name));
+            QVERIFY2(result.err.isEmpty(), result.err.constData());
+            QCOMPARE(result.exitCode, 0);
+            QVERIFY2(result.out.startsWith(QFile::encodeName(file) + ": ok ("), result.out.constData());
+        }
+    }
+
     void checkCountsOneItemAndOneCommandInTheSingular()
     {
         QFile one(path(QStringLiteral("one.ini")));

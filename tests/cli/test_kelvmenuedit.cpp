@@ -288,6 +288,64 @@ private Q_SLOTS:
                  QJsonValue(QStringLiteral("E1")));
     }
 
+    void aNewSubItemIsTheLastChildOfItsItemOrOfTheRoot()
+    {
+        const RunResult written = edit(R"([{"op": "new-sub-item", "key": "E0", "caption": "Test"}])");
+        QCOMPARE(written.exitCode, 0);
+        QVERIFY(written.err.isEmpty());
+        QVERIFY(fileBytes(path(QStringLiteral("archive.ini")))
+                    .contains("Archive\r\n\xB7\xB7\xB7Pack\r\n\xB7\xB7\xB7Unpack\r\n\xB7\xB7\xB7Test\r\nDelete\r\n"));
+
+        const RunResult result = edit(R"([{"op": "new-sub-item", "key": "E3", "caption": "Erase"},
+                                          {"op": "new-sub-item", "key": "Root"}])",
+                                      { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject document = object(result.out);
+        const QJsonObject child = itemWithKey(document, QStringLiteral("E5"));
+        QCOMPARE(child.value(QStringLiteral("caption")).toString(), QStringLiteral("Erase"));
+        QCOMPARE(child.value(QStringLiteral("parent")).toInt(), 3);
+        QCOMPARE(child.value(QStringLiteral("siblingOrder")).toInt(), 1);
+        QCOMPARE(itemWithKey(document, QStringLiteral("E3")).value(QStringLiteral("childCount")).toInt(), 1);
+        // Under the root it is a top-level item, and without a caption it keeps its name.
+        const QJsonObject top = itemWithKey(document, QStringLiteral("E6"));
+        QCOMPARE(top.value(QStringLiteral("caption")).toString(), QStringLiteral("New Item 7"));
+        QCOMPARE(top.value(QStringLiteral("parent")).toInt(), -1);
+        QCOMPARE(top.value(QStringLiteral("siblingOrder")).toInt(), 3);
+    }
+
+    void indentAndOutdentMoveABranchInAndOut()
+    {
+        const RunResult result = edit(R"([{"op": "indent", "key": "E3"}, {"op": "outdent", "key": "E1"}])");
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.err.isEmpty());
+        // Delete went into Archive as its last child; Pack came out, right after Archive.
+        QVERIFY(fileBytes(path(QStringLiteral("archive.ini")))
+                    .contains("[Menu]\r\n\r\nArchive\r\n\xB7\xB7\xB7Unpack\r\n\xB7\xB7\xB7"
+                              "Delete\r\nPack\r\n\r\n"
+                              "[/Menu]"));
+        const QJsonObject document = dumpOf(QStringLiteral("archive.ini"));
+        QCOMPARE(itemWithKey(document, QStringLiteral("E0")).value(QStringLiteral("childCount")).toInt(), 2);
+
+        // Keys, array order and levels stay as the editor keeps them; only the tree numbers follow.
+        const RunResult dumped
+            = edit(R"([{"op": "indent", "key": "E2"}, {"op": "outdent", "key": "E2"}])", { QStringLiteral("--dump") });
+        QCOMPARE(dumped.exitCode, 0);
+        const QJsonObject moved = itemWithKey(object(dumped.out), QStringLiteral("E2"));
+        QCOMPARE(moved.value(QStringLiteral("level")).toInt(), 1);
+    }
+
+    void indentAndOutdentWithNowhereToGoChangeNothing()
+    {
+        const QJsonObject before = dumpOf(QStringLiteral("archive.ini"));
+        // Pack is the first of its siblings, Archive the first top-level item, Delete on the top level.
+        const RunResult result = edit(R"([{"op": "indent", "key": "E1"}, {"op": "indent", "key": "E0"},
+                                          {"op": "outdent", "key": "E0"}, {"op": "outdent", "key": "E3"}])",
+                                      { QStringLiteral("--dump") });
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.err.isEmpty());
+        QCOMPARE(object(result.out), before);
+    }
+
     void aDropMovesABranchToBeTheFirstChildOfItsTarget()
     {
         const RunResult result
@@ -400,6 +458,15 @@ private Q_SLOTS:
         QTest::newRow("the root") << QByteArray(R"([{"op": "new-item", "key": "Root"}])")
                                   << QByteArray(
                                          "archive.ini: operation 1 (new-item): the root node belongs to no item\n");
+        QTest::newRow("the root moved in")
+            << QByteArray(R"([{"op": "indent", "key": "Root"}])")
+            << QByteArray("archive.ini: operation 1 (indent): the root node belongs to no item\n");
+        QTest::newRow("the root moved out")
+            << QByteArray(R"([{"op": "outdent", "key": "Root"}])")
+            << QByteArray("archive.ini: operation 1 (outdent): the root node belongs to no item\n");
+        QTest::newRow("a sub-item of no item")
+            << QByteArray(R"([{"op": "new-sub-item", "key": "E9"}])")
+            << QByteArray("archive.ini: operation 1 (new-sub-item): no item has the key \"E9\"\n");
         QTest::newRow("nothing to find")
             << QByteArray(R"([{"op": "replace", "find": "", "replacement": "x"}])")
             << QByteArray("archive.ini: operation 1 (replace): You must enter something to find !\n");
@@ -504,6 +571,13 @@ private Q_SLOTS:
                                         << QByteArray("operation 1 (delete): field \"key\" must be a string");
         QTest::newRow("unknown field") << QByteArray(R"([{"op": "delete", "key": "E1", "kye": "E2"}])")
                                        << QByteArray("operation 1 (delete): unknown field \"kye\"");
+        QTest::newRow("indent without a key")
+            << QByteArray(R"([{"op": "indent"}])") << QByteArray("operation 1 (indent): missing field \"key\"");
+        QTest::newRow("outdent with a caption") << QByteArray(R"([{"op": "outdent", "key": "E1", "caption": "x"}])")
+                                                << QByteArray("operation 1 (outdent): unknown field \"caption\"");
+        QTest::newRow("sub-item caption not a text")
+            << QByteArray(R"([{"op": "new-sub-item", "key": "E1", "caption": 5}])")
+            << QByteArray("operation 1 (new-sub-item): field \"caption\" must be a string");
         QTest::newRow("unknown place")
             << QByteArray(R"([{"op": "drop", "key": "E1", "target": "E0", "place": "under", "copy": true}])")
             << QByteArray("operation 1 (drop): field \"place\" must be \"child\" or \"next\"");
@@ -581,27 +655,18 @@ private Q_SLOTS:
     {
         const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("--help") });
         QCOMPARE(result.exitCode, 0);
-        for (const char* word : { "new-item",
-                                  "rename",
-                                  "delete",
-                                  "link",
-                                  "link-on",
-                                  "link-off",
-                                  "look-for-links",
-                                  "uncheck-links",
-                                  "copy",
-                                  "cut",
-                                  "paste",
-                                  "duplicate",
-                                  "move-up",
-                                  "move-down",
-                                  "drop",
-                                  "\"place\"",
-                                  "replace",
-                                  "\"branch\"",
-                                  "--copy-command-dup",
-                                  "--dump",
-                                  "operation N (OP)" }) {
+        for (const char* word : { "new-item",      "new-sub-item",
+                                  "indent",        "outdent",
+                                  "rename",        "delete",
+                                  "link",          "link-on",
+                                  "link-off",      "look-for-links",
+                                  "uncheck-links", "copy",
+                                  "cut",           "paste",
+                                  "duplicate",     "move-up",
+                                  "move-down",     "drop",
+                                  "\"place\"",     "replace",
+                                  "\"branch\"",    "--copy-command-dup",
+                                  "--dump",        "operation N (OP)" }) {
             QVERIFY2(result.out.contains(word), word);
         }
         QVERIFY(run({ QStringLiteral("--help") }).out.contains("6  edit stopped"));

@@ -40,7 +40,7 @@ private:
         f.view.selected = randomNode(random, f.document());
         f.state.window(index).nodeClicked = true;
         f.state.editing().copyCommandDup = random.bounded(2) == 0;
-        const int choice = random.bounded(21);
+        const int choice = random.bounded(25);
         switch (choice) {
         case 8:
             f.session.run(EditOperations::copy);
@@ -92,6 +92,27 @@ private:
             }
             return QStringLiteral("new-item");
         }
+        case 21:
+        case 22: {
+            // With the root selected too: the new item is then a top-level one.
+            const bool ran = f.session.run(EditOperations::newSubItem);
+            if (ran) {
+                const SelectedNode node = SelectedNode::of(f.document().items.last().key);
+                f.session.runOn(index, node, EditOperations::beginLabelEdit);
+                if (random.bounded(3) != 0) {
+                    EditArguments text;
+                    text.text = QString::fromUtf8(captions[random.bounded(5)]);
+                    f.session.runOn(index, node, EditOperations::storeLabelEdit, text);
+                }
+            }
+            return QStringLiteral("new-sub-item");
+        }
+        case 23:
+            f.session.run(EditOperations::moveIntoItemAbove);
+            return QStringLiteral("indent");
+        case 24:
+            f.session.run(EditOperations::moveOutOfParent);
+            return QStringLiteral("outdent");
         case 2: {
             if (f.session.run(EditOperations::rename)) {
                 f.session.runOn(index, f.view.selected, EditOperations::beginLabelEdit);
@@ -173,6 +194,11 @@ private Q_SLOTS:
                 const QString problem = DocumentInvariants::problem(f.document());
                 QVERIFY2(problem.isEmpty() || operation == QLatin1String("paste"), qPrintable(where + problem));
                 if (f.recordedDocuments.size() == recorded) {
+                    // Without an item above or a parent to leave, nothing happens at all.
+                    if (operation == QLatin1String("indent") || operation == QLatin1String("outdent")) {
+                        QVERIFY2(RandomMenu::firstDifference(f.document(), before).isEmpty(),
+                                 qPrintable(where + RandomMenu::firstDifference(f.document(), before)));
+                    }
                     continue; // nothing recorded, nothing to undo
                 }
                 // Cut records twice: its own step and Delete's.
@@ -213,7 +239,8 @@ private Q_SLOTS:
              { QStringLiteral("new-item"), QStringLiteral("rename"), QStringLiteral("delete"), QStringLiteral("link"),
                QStringLiteral("cut"), QStringLiteral("paste"), QStringLiteral("duplicate"), QStringLiteral("move-up"),
                QStringLiteral("move-down"), QStringLiteral("drop copy"), QStringLiteral("drop move"),
-               QStringLiteral("store-command"), QStringLiteral("remove-command"), QStringLiteral("clear-commands") }) {
+               QStringLiteral("store-command"), QStringLiteral("remove-command"), QStringLiteral("clear-commands"),
+               QStringLiteral("new-sub-item"), QStringLiteral("indent"), QStringLiteral("outdent") }) {
             QVERIFY2(undone.value(operation) > 100, qPrintable(operation));
         }
         QCOMPARE(undone.value(QStringLiteral("look-for-links")), 0);

@@ -2,6 +2,7 @@
 
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
+#include "editing/itemmoving.h"
 #include "editing/linkediting.h"
 #include "model/errortable.h"
 #include "model/menudocument.h"
@@ -58,6 +59,60 @@ private Q_SLOTS:
         // An operation on the whole document runs whatever is selected.
         QVERIFY(f.session.run(EditOperations::lookForCopyCommand));
         QCOMPARE(f.view.updates.size(), 1);
+    }
+
+    void newSubItemRunsOnTheRootNodeButNotWithoutANode()
+    {
+        SessionFixture f;
+        f.open(threeItems());
+        const MenuDocument before = f.document();
+        f.view.selected = SelectedNode();
+        QVERIFY(!f.session.run(EditOperations::newSubItem));
+        QCOMPARE(f.document(), before);
+        QCOMPARE(f.undoCount(), 0);
+        QVERIFY(f.view.updates.isEmpty());
+
+        f.view.select(SelectedNode::rootKey());
+        QVERIFY(f.session.run(EditOperations::newSubItem));
+        QCOMPARE(f.recordedDocuments, QList<MenuDocument>({ before }));
+        QCOMPARE(f.document().items.size(), 4);
+        QCOMPARE(f.document().items[3].parent, qint16(-1));
+        QCOMPARE(f.document().items[3].siblingOrder, qint16(4));
+        QCOMPARE(f.view.updates.size(), 1);
+        // Naming it is part of the same step.
+        QVERIFY(!f.state.editing().snapshotNextLabelEdit);
+    }
+
+    void nestingWithNothingToNestIntoOrOutOfDoesNothing()
+    {
+        SessionFixture f;
+        f.open(threeItems());
+        const MenuDocument before = f.document();
+        // The first item has no item above and, on the top level, no parent to leave.
+        f.view.select(QStringLiteral("E0"));
+        f.view.selected.nextSiblingKey = QStringLiteral("E1");
+        QVERIFY(f.session.run(EditOperations::moveIntoItemAbove));
+        QVERIFY(f.session.run(EditOperations::moveOutOfParent));
+        QCOMPARE(f.document(), before);
+        QCOMPARE(f.undoCount(), 0);
+        QVERIFY(f.view.updates.isEmpty());
+        QVERIFY(f.refusals.isEmpty());
+        QVERIFY(f.criticalMessages.isEmpty());
+
+        // The second one goes into the first in one step, and out again in another.
+        f.view.select(QStringLiteral("E1"));
+        f.view.selected.previousSiblingKey = QStringLiteral("E0");
+        QVERIFY(f.session.run(EditOperations::moveIntoItemAbove));
+        QCOMPARE(f.undoCount(), 1);
+        QCOMPARE(f.document().items[1].parent, qint16(0));
+        QCOMPARE(f.document().items[2].siblingOrder, qint16(2));
+        f.view.select(QStringLiteral("E1"), QStringLiteral("E0"));
+        QVERIFY(f.session.run(EditOperations::moveOutOfParent));
+        QCOMPARE(f.undoCount(), 2);
+        MenuDocument restored = before;
+        restored.saved = false;
+        QCOMPARE(f.document(), restored);
+        QCOMPARE(f.view.updates.size(), 2);
     }
 
     void nothingRunsWithoutAnEditorWindow()

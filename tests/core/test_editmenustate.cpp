@@ -65,6 +65,44 @@ private Q_SLOTS:
         QCOMPARE(state.selectCopy, selectCopy);
     }
 
+    void newSubItemAndTheNestingEntriesFollowTheSelectedNode_data()
+    {
+        QTest::addColumn<bool>("editorActive");
+        QTest::addColumn<bool>("itemSelected");
+        QTest::addColumn<bool>("rootSelected");
+        QTest::addColumn<bool>("newSubItem");
+        QTest::addColumn<bool>("nestingEntries");
+
+        QTest::newRow("no editor") << false << false << false << false << false;
+        QTest::newRow("no editor, stale item") << false << true << false << false << false;
+        QTest::newRow("no editor, stale root") << false << false << true << false << false;
+        QTest::newRow("editor, no node") << true << false << false << false << false;
+        // Under the root a new item is a top-level one; the root itself moves nowhere.
+        QTest::newRow("editor, root selected") << true << false << true << true << false;
+        QTest::newRow("editor, item selected") << true << true << false << true << true;
+    }
+
+    void newSubItemAndTheNestingEntriesFollowTheSelectedNode()
+    {
+        QFETCH(bool, editorActive);
+        QFETCH(bool, itemSelected);
+        QFETCH(bool, rootSelected);
+        QFETCH(bool, newSubItem);
+        QFETCH(bool, nestingEntries);
+        for (const bool clipboardFilled : { false, true }) {
+            EditMenuState::Input in = input(editorActive, itemSelected, clipboardFilled, false);
+            in.rootSelected = rootSelected;
+            in.editorOpen = editorActive;
+            const EditMenuState state = EditMenuState::decide(in);
+            QCOMPARE(state.newSubItem, newSubItem);
+            QCOMPARE(state.nestingEntries, nestingEntries);
+            // Moving into the item above and out of the parent go with the other item entries.
+            QCOMPARE(state.nestingEntries, state.itemEntries);
+            // New Sub-item is on wherever New Item is, and on the root besides.
+            QVERIFY(!state.itemEntries || state.newSubItem);
+        }
+    }
+
     void choosingALinkTargetTurnsEveryMenuOff()
     {
         EditMenuState allOff;
@@ -73,9 +111,10 @@ private Q_SLOTS:
         allOff.paste = false;
         allOff.documentEntries = false;
         allOff.selectCopy = false;
-        for (int bits = 0; bits < 16; ++bits) {
+        for (int bits = 0; bits < 32; ++bits) {
             EditMenuState::Input choosing = input((bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, true);
             choosing.editorOpen = (bits & 8) != 0;
+            choosing.rootSelected = (bits & 16) != 0;
             const EditMenuState state = EditMenuState::decide(choosing);
             QVERIFY2(state == allOff, qPrintable(QStringLiteral("inputs %1").arg(bits)));
         }
@@ -125,6 +164,8 @@ private Q_SLOTS:
         const EditMenuState state = EditMenuState::decide(EditMenuState::Input {});
         QVERIFY(state.menus);
         QVERIFY(!state.itemEntries);
+        QVERIFY(!state.newSubItem);
+        QVERIFY(!state.nestingEntries);
         QVERIFY(!state.paste);
         QVERIFY(!state.documentEntries);
         QVERIFY(!state.selectCopy);

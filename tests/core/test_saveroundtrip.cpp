@@ -76,7 +76,7 @@ void runRandomOperation(QRandomGenerator& random, SessionFixture& f, qint16 inde
     switch (random.bounded(15)) {
     case 0:
     case 1: {
-        if (f.session.run(EditOperations::newItem)) {
+        if (f.session.run(random.bounded(2) == 0 ? EditOperations::newItem : EditOperations::newSubItem)) {
             const SelectedNode node = SelectedNode::of(f.document().items.last().key);
             f.session.runOn(index, node, EditOperations::beginLabelEdit);
             EditArguments text;
@@ -122,7 +122,20 @@ void runRandomOperation(QRandomGenerator& random, SessionFixture& f, qint16 inde
         f.session.run(random.bounded(2) == 0 ? EditOperations::duplicate : EditOperations::cut);
         break;
     case 9:
-        f.session.run(random.bounded(2) == 0 ? EditOperations::moveUp : EditOperations::moveDown);
+        switch (random.bounded(4)) {
+        case 0:
+            f.session.run(EditOperations::moveUp);
+            break;
+        case 1:
+            f.session.run(EditOperations::moveDown);
+            break;
+        case 2:
+            f.session.run(EditOperations::moveIntoItemAbove);
+            break;
+        default:
+            f.session.run(EditOperations::moveOutOfParent);
+            break;
+        }
         break;
     case 10: {
         const SelectedNode target = randomNode(random, f.document());

@@ -252,6 +252,109 @@ private Q_SLOTS:
         QVERIFY(editor.editing.snapshotNextLabelEdit);
     }
 
+    void newSubItemBecomesTheLastChildOfTheSelectedItem()
+    {
+        Editor editor = editorOn(submenuInTheMiddle());
+        const TreeUpdate update = editor.run(&createSubItem, QStringLiteral("E4"), QStringLiteral("Root"));
+        QCOMPARE(editor.document.items.size(), qsizetype(6));
+        const MenuItem& created = editor.document.items.at(5);
+        QCOMPARE(created.key, QStringLiteral("E5"));
+        QCOMPARE(created.caption, QStringLiteral("New Item 6"));
+        QCOMPARE(created.parent, qint16(2));
+        QCOMPARE(created.siblingOrder, qint16(3));
+        QCOMPARE(itemWithKey(editor.document, QStringLiteral("E4")).childCount, qint16(3));
+        QCOMPARE(editor.document.lastIndex, qint16(5));
+        TreeUpdate expected;
+        expected.addNode(QStringLiteral("E4"), QStringLiteral("E5"), QStringLiteral("New Item 6"))
+            .showItemCount()
+            .clickNode(QStringLiteral("E5"))
+            .startLabelEdit(QStringLiteral("E5"));
+        QCOMPARE(update, expected);
+        // The items that were there keep their places.
+        const MenuDocument before = submenuInTheMiddle();
+        for (int i = 0; i < 5; ++i) {
+            if (i != 2) {
+                QVERIFY(editor.document.items.at(i) == before.items.at(i));
+            }
+        }
+    }
+
+    void newSubItemOfALeafIsItsFirstChild()
+    {
+        Editor editor = editorOn(submenuInTheMiddle());
+        editor.run(&createSubItem, QStringLiteral("E3"), QStringLiteral("E4"));
+        const MenuItem& created = editor.document.items.at(5);
+        QCOMPARE(created.parent, qint16(3));
+        QCOMPARE(created.siblingOrder, qint16(1));
+        QCOMPARE(itemWithKey(editor.document, QStringLiteral("E3")).childCount, qint16(1));
+        // Its new parent stays where it was among its own siblings.
+        QCOMPARE(itemWithKey(editor.document, QStringLiteral("E3")).siblingOrder, qint16(2));
+        QCOMPARE(itemWithKey(editor.document, QStringLiteral("E4")).childCount, qint16(2));
+    }
+
+    void newSubItemOfTheRootIsTheLastTopLevelItem()
+    {
+        Editor editor = editorOn(submenuInTheMiddle());
+        const TreeUpdate update = editor.run(&createSubItem, QStringLiteral("Root"), QString());
+        const MenuItem& created = editor.document.items.at(5);
+        QCOMPARE(created.parent, qint16(-1));
+        QCOMPARE(created.siblingOrder, qint16(4));
+        QCOMPARE(countTopLevel(editor.document), qint16(4));
+        TreeUpdate expected;
+        expected.addNode(QStringLiteral("Root"), QStringLiteral("E5"), QStringLiteral("New Item 6"))
+            .showItemCount()
+            .clickNode(QStringLiteral("E5"))
+            .startLabelEdit(QStringLiteral("E5"));
+        QCOMPARE(update, expected);
+    }
+
+    void newSubItemIsNewItemOneLevelDown()
+    {
+        // New Sub-item on E4 is New Item on its last child E3, and on the root New Item on a
+        // top-level item: the same item, the same key, the same node, the same undo step.
+        Editor sub = editorOn(submenuInTheMiddle());
+        Editor sibling = editorOn(submenuInTheMiddle());
+        QCOMPARE(sub.run(&createSubItem, QStringLiteral("E4"), QStringLiteral("Root")),
+                 sibling.run(&createItem, QStringLiteral("E3"), QStringLiteral("E4")));
+        QVERIFY(sub.document == sibling.document);
+        QCOMPARE(sub.editing.snapshotNextLabelEdit, sibling.editing.snapshotNextLabelEdit);
+        QVERIFY(!sub.editing.snapshotNextLabelEdit);
+
+        Editor top = editorOn(submenuInTheMiddle());
+        Editor topSibling = editorOn(submenuInTheMiddle());
+        QCOMPARE(top.run(&createSubItem, QStringLiteral("Root"), QString()),
+                 topSibling.run(&createItem, QStringLiteral("E2"), QStringLiteral("Root")));
+        QVERIFY(top.document == topSibling.document);
+    }
+
+    void newSubItemOverflowsAsNewItemDoes()
+    {
+        // The key counter is full.
+        Editor full = editorOn(documentOf({ { "E0", -1, 1 }, { "E32767", -1, 2 } }, 32767));
+        const int number
+            = errorNumberOf([&] { full.run(&createSubItem, QStringLiteral("E0"), QStringLiteral("Root")); });
+        QCOMPARE(number, ErrorNumber::Overflow);
+        QVERIFY(full.editing.snapshotNextLabelEdit);
+
+        // The menu holds as many items as a menu file can: one more would be too many.
+        MenuDocument largest;
+        for (int i = 0; i < 32767; ++i) {
+            MenuItem item;
+            item.key = QStringLiteral("E%1").arg(i);
+            item.parent = -1;
+            item.siblingOrder = qint16(i + 1);
+            largest.items.append(item);
+        }
+        largest.lastIndex = 32766;
+        Editor crowded = editorOn(largest);
+        QCOMPARE(errorNumberOf([&] { crowded.run(&createSubItem, QStringLiteral("E5"), QStringLiteral("Root")); }), 6);
+        QCOMPARE(errorNumberOf([&] { crowded.run(&createSubItem, QStringLiteral("Root"), QString()); }), 6);
+        QCOMPARE(errorNumberOf([&] { crowded.run(&createItem, QStringLiteral("E5"), QStringLiteral("Root")); }), 6);
+        QCOMPARE(crowded.document.items.size(), qsizetype(32767));
+        QCOMPARE(crowded.document.lastIndex, qint16(32766));
+        QCOMPARE(itemWithKey(crowded.document, QStringLiteral("E5")).childCount, qint16(0));
+    }
+
     void labelEditStartHandsTheSnapshotFlagToTheWindow_data()
     {
         QTest::addColumn<bool>("snapshotNextLabelEdit");
@@ -332,6 +435,13 @@ private Q_SLOTS:
 
         QCOMPARE(EditOperations::storeLabelEdit.recording, EditOperation::Recording::SnapshotWhenLabelTagged);
         QVERIFY(EditOperations::storeLabelEdit.apply == &::storeLabelEdit);
+
+        // New Sub-item also runs with the root selected.
+        QCOMPARE(QString::fromLatin1(EditOperations::newSubItem.name), QStringLiteral("new-sub-item"));
+        QCOMPARE(EditOperations::newSubItem.needs, EditOperation::Needs::Node);
+        QCOMPARE(EditOperations::newSubItem.recording, EditOperation::Recording::SnapshotBefore);
+        QVERIFY(EditOperations::newSubItem.apply == &createSubItem);
+        QVERIFY(EditOperations::newSubItem.applicable == nullptr);
     }
 };
 

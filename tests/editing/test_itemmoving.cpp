@@ -1,6 +1,7 @@
 #include "documentinvariants.h"
 #include "literallinkroutines.h"
 #include "literalsubtreecopy.h"
+#include "plannedselection.h"
 #include "randommenu.h"
 #include "treeupdatetext.h"
 
@@ -10,8 +11,11 @@
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
+#include "treeview/treeplan.h"
 
+#include <QHash>
 #include <QRandomGenerator>
+#include <QSet>
 #include <QTest>
 
 #include <algorithm>
@@ -94,7 +98,7 @@ const MenuItem& itemWithKey(const MenuDocument& document, const char* itemKey)
 }
 
 /// The indices of the children of item `parent` (-1: the top level) in their sibling order.
-QList<int> children(const MenuDocument& document, int parent)
+QList<int> childIndices(const MenuDocument& document, int parent)
 {
     QList<std::pair<int, int>> found;
     for (int i = 0; i < document.items.size(); ++i) {
@@ -113,7 +117,7 @@ QList<int> children(const MenuDocument& document, int parent)
 QStringList childKeys(const MenuDocument& document, const char* parentKey)
 {
     QStringList keys;
-    for (const int index : children(document, findItemByKey(document, QString::fromLatin1(parentKey)))) {
+    for (const int index : childIndices(document, findItemByKey(document, QString::fromLatin1(parentKey)))) {
         keys.append(document.items.at(index).key);
     }
     return keys;
@@ -129,32 +133,113 @@ bool isInBranch(const MenuDocument& document, int index, int top)
     return false;
 }
 
-/// The menu after item `dragged` moved with its branch within it to be the first child of
-/// `destination` (-1: the top level): the places left behind close up, the new siblings make
-/// room, both child counts follow. Nothing else changes.
-MenuDocument movedWithin(const MenuDocument& document, int dragged, int destination)
+/// The menu after item `moved` went with its branch to be child number `position` (from 0, counted
+/// without it) of `destination` (-1: the top level): the places left behind close up, the new
+/// siblings make room, both child counts follow. Nothing else changes.
+MenuDocument placedAt(const MenuDocument& document, int moved, int destination, int position)
 {
     MenuDocument expected = document;
-    const int oldParent = document.items.at(dragged).parent;
-    QList<int> oldSiblings = children(document, oldParent);
-    oldSiblings.removeAll(dragged);
-    QList<int> newSiblings = children(document, destination);
-    newSiblings.removeAll(dragged);
-    newSiblings.prepend(dragged);
+    const int oldParent = document.items.at(moved).parent;
+    QList<int> oldSiblings = childIndices(document, oldParent);
+    oldSiblings.removeAll(moved);
     for (int n = 0; n < oldSiblings.size(); ++n) {
         expected.items[oldSiblings.at(n)].siblingOrder = qint16(n + 1);
     }
-    for (int n = 0; n < newSiblings.size(); ++n) {
-        expected.items[newSiblings.at(n)].siblingOrder = qint16(n + 1);
-    }
-    expected.items[dragged].parent = qint16(destination);
     if (oldParent >= 0) {
         expected.items[oldParent].childCount = qint16(oldSiblings.size());
     }
+    QList<int> newSiblings = childIndices(expected, destination);
+    newSiblings.removeAll(moved);
+    newSiblings.insert(position, moved);
+    for (int n = 0; n < newSiblings.size(); ++n) {
+        expected.items[newSiblings.at(n)].siblingOrder = qint16(n + 1);
+    }
+    expected.items[moved].parent = qint16(destination);
     if (destination >= 0) {
         expected.items[destination].childCount = qint16(newSiblings.size());
     }
     return expected;
+}
+
+/// The menu after item `dragged` moved with its branch within it to be the first child of
+/// `destination` (-1: the top level).
+MenuDocument movedWithin(const MenuDocument& document, int dragged, int destination)
+{
+    return placedAt(document, dragged, destination, 0);
+}
+
+/// The item tree as the nodes it shows: the keys of the child nodes of every node, in their order
+/// ("Root" for the root node).
+using NodeTree = QHash<QString, QStringList>;
+
+NodeTree nodeTreeOf(const QList<PlannedNode>& plan)
+{
+    NodeTree tree;
+    for (const PlannedNode& node : plan) {
+        tree[node.parentKey].append(node.key);
+    }
+    return tree;
+}
+
+/// The key of the node whose child node `key` is; empty when there is none.
+QString parentNodeIn(const NodeTree& tree, const QString& key)
+{
+    for (auto node = tree.cbegin(); node != tree.cend(); ++node) {
+        if (node.value().contains(key)) {
+            return node.key();
+        }
+    }
+    return QString();
+}
+
+/// Carries out the node moves of `update` on `tree` as the editor window does; the other steps
+/// leave the nodes where they are.
+void applyNodeMoves(NodeTree& tree, const TreeUpdate& update)
+{
+    for (const TreeStep& step : update.steps()) {
+        if (step.kind != TreeStep::Kind::MoveNodeToLastChild && step.kind != TreeStep::Kind::MoveNodeAfter) {
+            continue;
+        }
+        tree[parentNodeIn(tree, step.key)].removeAll(step.key);
+        if (step.kind == TreeStep::Kind::MoveNodeToLastChild) {
+            tree[step.parentKey].append(step.key);
+        } else {
+            QStringList& siblings = tree[parentNodeIn(tree, step.siblingKey)];
+            siblings.insert(siblings.indexOf(step.siblingKey) + 1, step.key);
+        }
+    }
+}
+
+/// Empty when the patched tree shows what a rebuild shows: the same nodes under the same nodes in the
+/// same order. A node the patch keeps and a rebuild would hide may stay, as long as nothing hangs on
+/// it (an item that lost its last child under "Hide items without command" keeps its node until the
+/// tree is next built, as after Delete).
+QString treeDifference(NodeTree patched, const NodeTree& rebuilt)
+{
+    QSet<QString> shown { SelectedNode::rootKey() };
+    for (const QStringList& keys : rebuilt) {
+        for (const QString& key : keys) {
+            shown.insert(key);
+        }
+    }
+    for (auto node = patched.begin(); node != patched.end(); ++node) {
+        QStringList kept;
+        for (const QString& key : std::as_const(node.value())) {
+            if (shown.contains(key)) {
+                kept.append(key);
+            } else if (!patched.value(key).isEmpty()) {
+                return QStringLiteral("the node %1, which a rebuild hides, holds nodes").arg(key);
+            }
+        }
+        node.value() = kept;
+    }
+    for (const QString& key : std::as_const(shown)) {
+        if (patched.value(key) != rebuilt.value(key)) {
+            return QStringLiteral("under %1: patched %2, rebuilt %3")
+                .arg(key, patched.value(key).join(QLatin1Char(',')), rebuilt.value(key).join(QLatin1Char(',')));
+        }
+    }
+    return QString();
 }
 
 DropRequest request(const char* dragged, const char* target, const char* targetParent, DropPlace place,
@@ -394,6 +479,280 @@ private Q_SLOTS:
         QCOMPARE(EditOperations::moveDown.recording, EditOperation::Recording::SnapshotBefore);
         QVERIFY(EditOperations::moveDown.apply == &moveItemDown);
         QVERIFY(EditOperations::moveDown.applicable == &hasNextSibling);
+    }
+
+    // Into the item above and out of the parent.
+
+    void movedIntoTheItemAboveBecomesItsLastChild()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        const TreeUpdate update = editor.run(&moveIntoItemAbove, nodeOf("E3", "E0", "E2", ""));
+        TreeUpdate expected;
+        expected.moveNodeToLastChild(key("E3"), key("E2")).recolour().showPosition(key("E3"));
+        QCOMPARE(update, expected);
+        QCOMPARE(childKeys(editor.document, "E0"), keyList({ "E1", "E2" }));
+        QCOMPARE(childKeys(editor.document, "E2"), keyList({ "E5", "E3" }));
+        // Keys, slots and levels stay; only the tree numbers of the three items concerned change.
+        MenuDocument expectedDocument = moveMenu();
+        expectedDocument.items[0].parent = 3;
+        expectedDocument.items[0].siblingOrder = 2;
+        expectedDocument.items[1].childCount = 2;
+        expectedDocument.items[3].childCount = 2;
+        QVERIFY(editor.document == expectedDocument);
+        QCOMPARE(DocumentInvariants::problem(editor.document), QString());
+    }
+
+    void movedIntoTheItemAboveTakesItsBranchAndClosesTheGap()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        editor.run(&moveIntoItemAbove, nodeOf("E2", "E0", "E1", "E3"));
+        QCOMPARE(childKeys(editor.document, "E0"), keyList({ "E1", "E3" }));
+        QCOMPARE(childKeys(editor.document, "E1"), keyList({ "E2" }));
+        QCOMPARE(childKeys(editor.document, "E2"), keyList({ "E5" }));
+        QCOMPARE(itemWithKey(editor.document, "E3").siblingOrder, qint16(2));
+        QCOMPARE(itemWithKey(editor.document, "E2").siblingOrder, qint16(1));
+        QCOMPARE(itemWithKey(editor.document, "E2").level, moveMenu().items.at(3).level);
+        QCOMPARE(keysInSlotOrder(editor.document), keysInSlotOrder(moveMenu()));
+        QCOMPARE(DocumentInvariants::problem(editor.document), QString());
+    }
+
+    void topLevelItemMovesIntoTheTopLevelItemAbove()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        editor.run(&moveIntoItemAbove, nodeOf("E4", "Root", "E0", ""));
+        QCOMPARE(childKeys(editor.document, "E0"), keyList({ "E1", "E2", "E3", "E4" }));
+        QCOMPARE(childIndices(editor.document, -1), QList<int>({ 1 }));
+        QCOMPARE(DocumentInvariants::problem(editor.document), QString());
+    }
+
+    void movedOutOfTheParentComesRightAfterIt()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        const TreeUpdate update = editor.run(&moveOutOfParent, nodeOf("E1", "E0", "", "E2"));
+        TreeUpdate expected;
+        expected.moveNodeAfter(key("E1"), key("E0")).recolour().showPosition(key("E1"));
+        QCOMPARE(update, expected);
+        // The top level makes room after E0; E0's other children close up.
+        QCOMPARE(childIndices(editor.document, -1), QList<int>({ 1, 5, 4 }));
+        QCOMPARE(itemWithKey(editor.document, "E4").siblingOrder, qint16(3));
+        QCOMPARE(childKeys(editor.document, "E0"), keyList({ "E2", "E3" }));
+        QCOMPARE(itemWithKey(editor.document, "E0").childCount, qint16(2));
+        QCOMPARE(itemWithKey(editor.document, "E1").parent, qint16(-1));
+        QCOMPARE(DocumentInvariants::problem(editor.document), QString());
+    }
+
+    void movedOutOfADeeperParentStaysInTheGrandparent()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        editor.run(&moveOutOfParent, nodeOf("E5", "E2", "", ""));
+        QCOMPARE(childKeys(editor.document, "E0"), keyList({ "E1", "E2", "E5", "E3" }));
+        QCOMPARE(itemWithKey(editor.document, "E2").childCount, qint16(0));
+        QCOMPARE(itemWithKey(editor.document, "E0").childCount, qint16(4));
+        QCOMPARE(itemWithKey(editor.document, "E3").siblingOrder, qint16(4));
+        QCOMPARE(DocumentInvariants::problem(editor.document), QString());
+    }
+
+    void inAndOutAgainRestoreTheMenuForALastChild()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        editor.run(&moveIntoItemAbove, nodeOf("E3", "E0", "E2", ""));
+        editor.run(&moveOutOfParent, nodeOf("E3", "E2", "E5", ""));
+        QVERIFY(editor.document == moveMenu());
+        // Out of the parent and back in is the same for the item that was its parent's last child.
+        editor.run(&moveOutOfParent, nodeOf("E5", "E2", "", ""));
+        editor.run(&moveIntoItemAbove, nodeOf("E5", "E0", "E2", "E3"));
+        QVERIFY(editor.document == moveMenu());
+    }
+
+    void nothingToMoveIntoOrOutOf()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        // The first of its siblings has no item above; a top-level item has no parent to leave.
+        QVERIFY(!hasItemAbove(editor.context(nodeOf("E1", "E0", "", "E2"))));
+        QVERIFY(!hasItemAbove(editor.context(nodeOf("E0", "Root", "", "E4"))));
+        QVERIFY(!hasItemAbove(editor.context(nodeOf("E5", "E2", "", ""))));
+        QVERIFY(hasItemAbove(editor.context(nodeOf("E2", "E0", "E1", "E3"))));
+        QVERIFY(hasItemAbove(editor.context(nodeOf("E4", "Root", "E0", ""))));
+        QVERIFY(!hasParentItem(editor.context(nodeOf("E0", "Root", "", "E4"))));
+        QVERIFY(!hasParentItem(editor.context(nodeOf("E4", "Root", "E0", ""))));
+        QVERIFY(!hasParentItem(editor.context(SelectedNode::of(key("E4")))));
+        QVERIFY(hasParentItem(editor.context(nodeOf("E1", "E0", "", "E2"))));
+        QVERIFY(hasParentItem(editor.context(nodeOf("E5", "E2", "", ""))));
+        // An item that is gone is not "nothing to do": the move reports it.
+        QVERIFY(hasItemAbove(editor.context(nodeOf("E9", "E0", "E1", ""))));
+        QVERIFY(hasParentItem(editor.context(nodeOf("E5", "E9", "", ""))));
+        QVERIFY(editor.document == moveMenu());
+    }
+
+    void noMoveIntoTheItemsOwnBranch()
+    {
+        // A tree out of step with the menu (as Paste can leave it) may show an item of the branch
+        // beside it, or an item of the branch above it: moving there would cut the branch off.
+        Editor editor { moveMenu(), {}, {} };
+        QVERIFY(!hasItemAbove(editor.context(nodeOf("E2", "E0", "E5", ""))));
+        QVERIFY(!hasParentItem(editor.context(nodeOf("E0", "E2", "", ""))));
+        QVERIFY(!hasParentItem(editor.context(nodeOf("E2", "E5", "", ""))));
+    }
+
+    void nestingAnItemThatIsGoneIsError9()
+    {
+        Editor editor { moveMenu(), {}, {} };
+        QCOMPARE(errorNumberOfMove(editor, &moveIntoItemAbove, nodeOf("E9", "E0", "E1", "")), 9);
+        QCOMPARE(errorNumberOfMove(editor, &moveIntoItemAbove, nodeOf("E2", "E0", "E9", "E3")), 9);
+        QCOMPARE(errorNumberOfMove(editor, &moveOutOfParent, nodeOf("E9", "E0", "", "")), 9);
+        QCOMPARE(errorNumberOfMove(editor, &moveOutOfParent, nodeOf("E2", "E9", "", "")), 9);
+        QVERIFY(editor.document == moveMenu());
+    }
+
+    void theItemAboveIsTheNodeAboveWhenItemsAreHidden()
+    {
+        // E0: E1 (a command), E2 (none), E3 (a command). Hiding items without commands hides E2, so
+        // the node above E3 is E1's: E3 goes into E1, the item the user sees above it.
+        MenuDocument document = documentOf({ { "E0", -1, 1 }, { "E1", 0, 1 }, { "E2", 0, 2 }, { "E3", 0, 3 } }, 3);
+        document.items[1].commands = commandList("del ");
+        document.items[3].commands = commandList("del ");
+        const QList<PlannedNode> plan = planTree(document, 2);
+        QCOMPARE(plan.size(), qsizetype(3));
+        const SelectedNode node = selectedNodeOf(plan, 2);
+        QCOMPARE(node.previousSiblingKey, key("E1"));
+        Editor editor { document, {}, {} };
+        const TreeUpdate update = editor.run(&moveIntoItemAbove, node);
+        QCOMPARE(childKeys(editor.document, "E1"), keyList({ "E3" }));
+        QCOMPARE(childKeys(editor.document, "E0"), keyList({ "E1", "E2" }));
+        NodeTree patched = nodeTreeOf(plan);
+        applyNodeMoves(patched, update);
+        QCOMPARE(treeDifference(patched, nodeTreeOf(planTree(editor.document, 2))), QString());
+    }
+
+    void theParentIsTheNodeAboveWhenALinkIsHidden()
+    {
+        // E0: E1 (a link, with E2 and E3), E4. Hiding links shows E2 and E3 under E0: leaving the
+        // parent node E0 takes E2 out of the hidden E1 as well, to just after E0.
+        MenuDocument document
+            = documentOf({ { "E0", -1, 1 }, { "E1", 0, 1 }, { "E2", 1, 1 }, { "E3", 1, 2 }, { "E4", -1, 2 } }, 4);
+        document.items[0].commands = commandList("del ");
+        document.items[1].commands = commandList("del ");
+        document.items[1].copiesCommands = true;
+        document.items[1].copyKey = key("E0");
+        const QList<PlannedNode> plan = planTree(document, 1);
+        const SelectedNode node = selectedNodeOf(plan, 1);
+        QCOMPARE(node.key, key("E2"));
+        QCOMPARE(node.parentKey, key("E0"));
+        Editor editor { document, {}, {} };
+        const TreeUpdate update = editor.run(&moveOutOfParent, node);
+        QCOMPARE(childIndices(editor.document, -1), QList<int>({ 0, 2, 4 }));
+        QCOMPARE(childKeys(editor.document, "E1"), keyList({ "E3" }));
+        QCOMPARE(DocumentInvariants::problem(editor.document), QString());
+        NodeTree patched = nodeTreeOf(plan);
+        applyNodeMoves(patched, update);
+        QCOMPARE(treeDifference(patched, nodeTreeOf(planTree(editor.document, 1))), QString());
+    }
+
+    void randomNestingMovesMatchTheirDefinition()
+    {
+        int into = 0;
+        int out = 0;
+        for (quint32 seed = 1; seed <= 400; ++seed) {
+            QRandomGenerator random(seed);
+            MenuDocument document = RandomMenu::generate(random, 1 + random.bounded(40));
+            for (int round = 0; round < 10; ++round) {
+                const QList<PlannedNode> plan = planTree(document, 0);
+                const SelectedNode node = selectedNodeOf(plan, random.bounded(int(plan.size())));
+                const bool moveIn = random.bounded(2) == 0;
+                const QString context = QStringLiteral("seed %1, round %2, %3 %4")
+                                            .arg(seed)
+                                            .arg(round)
+                                            .arg(moveIn ? QStringLiteral("in") : QStringLiteral("out"), node.key);
+                Editor editor { document, {}, {} };
+                const EditContext check = editor.context(node);
+                const int moved = findItemByKey(document, node.key);
+                MenuDocument expected;
+                if (moveIn) {
+                    QCOMPARE(hasItemAbove(check), !node.previousSiblingKey.isEmpty());
+                    if (!hasItemAbove(check)) {
+                        continue;
+                    }
+                    const int above = findItemByKey(document, node.previousSiblingKey);
+                    expected = placedAt(document, moved, above, int(childIndices(document, above).size()));
+                    editor.run(&moveIntoItemAbove, node);
+                    ++into;
+                } else {
+                    QCOMPARE(hasParentItem(check), node.parentKey != SelectedNode::rootKey());
+                    if (!hasParentItem(check)) {
+                        continue;
+                    }
+                    const int former = findItemByKey(document, node.parentKey);
+                    const int destination = document.items.at(former).parent;
+                    expected = placedAt(document, moved, destination,
+                                        int(childIndices(document, destination).indexOf(former)) + 1);
+                    editor.run(&moveOutOfParent, node);
+                    ++out;
+                }
+                QVERIFY2(editor.document == expected,
+                         qPrintable(context + QStringLiteral(": ")
+                                    + RandomMenu::firstDifference(editor.document, expected)));
+                QVERIFY2(DocumentInvariants::problem(editor.document).isEmpty(),
+                         qPrintable(context + QStringLiteral(": ") + DocumentInvariants::problem(editor.document)));
+                document = editor.document;
+            }
+        }
+        QVERIFY2(into > 500, qPrintable(QString::number(into)));
+        QVERIFY2(out > 500, qPrintable(QString::number(out)));
+    }
+
+    void randomNestingMovesShowWhatARebuildShowsUnderEveryHideMode()
+    {
+        int moves = 0;
+        for (quint32 seed = 1; seed <= 300; ++seed) {
+            QRandomGenerator random(seed);
+            MenuDocument document = RandomMenu::generate(random, 1 + random.bounded(40));
+            normalizeCopyLinks(document);
+            for (int hideMode = 0; hideMode <= 3; ++hideMode) {
+                const QList<PlannedNode> plan = planTree(document, hideMode);
+                for (qsizetype n = 0; n < plan.size(); ++n) {
+                    const SelectedNode node = selectedNodeOf(plan, n);
+                    for (const bool moveIn : { true, false }) {
+                        Editor editor { document, {}, {} };
+                        const EditContext check = editor.context(node);
+                        if (moveIn ? !hasItemAbove(check) : !hasParentItem(check)) {
+                            continue;
+                        }
+                        const TreeUpdate update = editor.run(moveIn ? &moveIntoItemAbove : &moveOutOfParent, node);
+                        NodeTree patched = nodeTreeOf(plan);
+                        applyNodeMoves(patched, update);
+                        const QString difference
+                            = treeDifference(patched, nodeTreeOf(planTree(editor.document, hideMode)));
+                        QVERIFY2(difference.isEmpty(),
+                                 qPrintable(QStringLiteral("seed %1, hide mode %2, %3 %4: ")
+                                                .arg(seed)
+                                                .arg(hideMode)
+                                                .arg(moveIn ? QStringLiteral("in") : QStringLiteral("out"), node.key)
+                                            + difference));
+                        QVERIFY2(DocumentInvariants::problem(editor.document).isEmpty(),
+                                 qPrintable(DocumentInvariants::problem(editor.document)));
+                        ++moves;
+                    }
+                }
+            }
+        }
+        QVERIFY2(moves > 5000, qPrintable(QString::number(moves)));
+    }
+
+    void nestingMovesAreDescribedForTheSession()
+    {
+        QCOMPARE(QString::fromLatin1(EditOperations::moveIntoItemAbove.name), QStringLiteral("indent"));
+        QCOMPARE(EditOperations::moveIntoItemAbove.needs, EditOperation::Needs::ItemNode);
+        QCOMPARE(EditOperations::moveIntoItemAbove.recording, EditOperation::Recording::SnapshotBefore);
+        QVERIFY(EditOperations::moveIntoItemAbove.apply == &moveIntoItemAbove);
+        QVERIFY(EditOperations::moveIntoItemAbove.applicable == &hasItemAbove);
+        QVERIFY(EditOperations::moveIntoItemAbove.followedBy == nullptr);
+
+        QCOMPARE(QString::fromLatin1(EditOperations::moveOutOfParent.name), QStringLiteral("outdent"));
+        QCOMPARE(EditOperations::moveOutOfParent.needs, EditOperation::Needs::ItemNode);
+        QCOMPARE(EditOperations::moveOutOfParent.recording, EditOperation::Recording::SnapshotBefore);
+        QVERIFY(EditOperations::moveOutOfParent.apply == &moveOutOfParent);
+        QVERIFY(EditOperations::moveOutOfParent.applicable == &hasParentItem);
+        QVERIFY(EditOperations::moveOutOfParent.followedBy == nullptr);
     }
 
     // Which drops are ignored, and what a drop asks for.

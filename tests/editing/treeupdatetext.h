@@ -25,6 +25,10 @@ inline QString kindName(TreeStep::Kind kind)
         return QStringLiteral("MoveNodeDown");
     case TreeStep::Kind::MoveNodeUnder:
         return QStringLiteral("MoveNodeUnder");
+    case TreeStep::Kind::MoveNodeToLastChild:
+        return QStringLiteral("MoveNodeToLastChild");
+    case TreeStep::Kind::MoveNodeAfter:
+        return QStringLiteral("MoveNodeAfter");
     case TreeStep::Kind::ShowPosition:
         return QStringLiteral("ShowPosition");
     case TreeStep::Kind::ShowBusy:
@@ -81,8 +85,8 @@ inline QString colourName(NodeStyle::Colour colour)
 /// Every field of the step, so that two steps read the same exactly when they compare equal.
 inline QString describe(const TreeStep& step)
 {
-    return QStringLiteral("%1(key \"%2\", parent \"%3\", text \"%4\", %5)")
-        .arg(kindName(step.kind), step.key, step.parentKey, step.text, colourName(step.colour));
+    return QStringLiteral("%1(key \"%2\", parent \"%3\", sibling \"%4\", text \"%5\", %6)")
+        .arg(kindName(step.kind), step.key, step.parentKey, step.siblingKey, step.text, colourName(step.colour));
 }
 
 inline QStringList describe(const TreeUpdate& update)
