@@ -1,9 +1,9 @@
 #include "commandmenu.h"
 
 #include "app/commandeditordialog.h"
-#include "app/editorwindow.h"
-#include "app/mainwindow.h"
+#include "app/commandmenuhost.h"
 #include "commands/commandediting.h"
+#include "core/editingsession.h"
 #include "core/editmenustate.h"
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
@@ -28,9 +28,9 @@ QString editCommandTag()
 
 } // namespace
 
-CommandMenu::CommandMenu(MainWindow& mainWindow, QWidget* menuParent)
+CommandMenu::CommandMenu(CommandMenuHost& host, QWidget* menuParent)
     : QObject(menuParent)
-    , m_main(mainWindow)
+    , m_host(host)
 {
     m_mnuCommand = new QMenu(menuParent);
     m_mnuCommand->setObjectName(QStringLiteral("mnuCommand"));
@@ -79,20 +79,19 @@ void CommandMenu::mnuEditCommand_Click()
 
 int CommandMenu::selectedSlot() const
 {
-    const EditorWindow* editor = m_main.activeEditor();
-    return editor != nullptr ? editor->selectedCommandIndex() + 1 : 0;
+    return m_host.activeCommandSlot();
 }
 
 void CommandMenu::mnuRemoveCommand_Click()
 {
     EditArguments arguments;
     arguments.slot = selectedSlot();
-    m_main.session().run(EditOperations::removeCommand, arguments);
+    m_host.session().run(EditOperations::removeCommand, arguments);
 }
 
 void CommandMenu::mnuClearCommands_Click()
 {
-    m_main.session().run(EditOperations::clearCommands);
+    m_host.session().run(EditOperations::clearCommands);
 }
 
 void CommandMenu::tmrExec_Timer()
@@ -106,18 +105,19 @@ void CommandMenu::tmrExec_Timer()
 
 void CommandMenu::openEditor(const QString& action)
 {
-    EditorWindow* editor = m_main.activeEditor();
-    if (editor == nullptr || !editor->selectedNode().isItem()) {
+    const MenuDocument* document = m_host.activeDocument();
+    const SelectedNode selected = m_host.activeSelectedNode();
+    if (document == nullptr || !selected.isItem()) {
         return;
     }
-    CommandEditorDialog dialog(m_main.session(), m_main.prompts(), m_main.programFolder(), &m_main);
+    CommandEditorDialog dialog(m_host.session(), m_host.prompts(), m_host.programFolder(), m_host.dialogParent());
     if (action == editCommandTag()) {
         const int slot = selectedSlot();
-        const int itemIndex = findItemByKey(editor->document(), editor->selectedNode().key);
-        if (slot < 1 || itemIndex < 0 || slot > editor->document().items.at(itemIndex).commandUpperBound()) {
+        const int itemIndex = findItemByKey(*document, selected.key);
+        if (slot < 1 || itemIndex < 0 || slot > document->items.at(itemIndex).commandUpperBound()) {
             return;
         }
-        dialog.openForEditing(slot, editor->document().items.at(itemIndex).commands.at(slot));
+        dialog.openForEditing(slot, document->items.at(itemIndex).commands.at(slot));
     }
     m_dialogRunner(dialog);
 }

@@ -5,7 +5,7 @@
 #include <functional>
 
 class CommandEditorDialog;
-class MainWindow;
+class CommandMenuHost;
 class QAction;
 class QMenu;
 class QTimer;
@@ -19,7 +19,7 @@ class CommandMenu final : public QObject
     Q_OBJECT
 
 public:
-    CommandMenu(MainWindow& mainWindow, QWidget* menuParent);
+    CommandMenu(CommandMenuHost& host, QWidget* menuParent);
 
     QMenu* menu() const { return m_mnuCommand; }
     QTimer* timer() const { return m_tmrExec; }
@@ -43,7 +43,7 @@ private:
     int selectedSlot() const;
     void openEditor(const QString& action);
 
-    MainWindow& m_main;
+    CommandMenuHost& m_host;
     QMenu* m_mnuCommand = nullptr;
     QTimer* m_tmrExec = nullptr;
     std::function<void(CommandEditorDialog&)> m_dialogRunner;

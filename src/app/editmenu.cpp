@@ -1,7 +1,6 @@
 #include "editmenu.h"
 
-#include "app/editorwindow.h"
-#include "app/mainwindow.h"
+#include "app/editmenuhost.h"
 #include "commands/commandediting.h"
 #include "core/editingsession.h"
 #include "editing/itemcreation.h"
@@ -15,21 +14,21 @@
 #include <QMenu>
 #include <QWidget>
 
-EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
+EditMenu::EditMenu(QMenu* menu, EditMenuHost& host, EditingSession& session)
     : QObject(menu)
     , m_menu(menu)
-    , m_main(mainWindow)
+    , m_host(host)
     , m_session(session)
 {
     // Enabled by the history as the active document's stacks fill and empty.
     m_mnuUndo = addEntry(QStringLiteral("mnuUndo"), QStringLiteral("&Undo"));
     m_mnuUndo->setShortcut(QKeySequence::Undo);
     m_mnuUndo->setEnabled(false);
-    connect(m_mnuUndo, &QAction::triggered, &m_main, &MainWindow::mnuUndo_Click);
+    connect(m_mnuUndo, &QAction::triggered, this, [this] { m_host.mnuUndo_Click(); });
     m_mnuRedo = addEntry(QStringLiteral("mnuRedo"), QStringLiteral("&Redo"));
     m_mnuRedo->setShortcut(QKeySequence::Redo);
     m_mnuRedo->setEnabled(false);
-    connect(m_mnuRedo, &QAction::triggered, &m_main, &MainWindow::mnuRedo_Click);
+    connect(m_mnuRedo, &QAction::triggered, this, [this] { m_host.mnuRedo_Click(); });
     addSeparator(QStringLiteral("Tire04"));
 
     QAction* mnuNewItem
@@ -86,15 +85,11 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
         }
     }
     mnuReplace->setShortcuts(replaceKeys);
-    connect(mnuReplace, &QAction::triggered, &m_main, &MainWindow::showReplaceDialog);
+    connect(mnuReplace, &QAction::triggered, this, [this] { m_host.showReplaceDialog(); });
     m_documentEntries.append(mnuReplace);
     QAction* mnuFind = addEntry(QStringLiteral("mnuFind"), QStringLiteral("&Find..."));
     mnuFind->setShortcut(QKeySequence::Find);
-    connect(mnuFind, &QAction::triggered, this, [this] {
-        if (EditorWindow* editor = m_main.activeEditor()) {
-            editor->openFindBar();
-        }
-    });
+    connect(mnuFind, &QAction::triggered, this, [this] { m_host.openFindBar(); });
     m_documentEntries.append(mnuFind);
     addSeparator(QStringLiteral("Tire05"));
 
@@ -109,7 +104,7 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
 
     m_mnuCopyComDup = addEntry(QStringLiteral("mnuCopyComDup"), QStringLiteral("C&opyCommand at Duplication"));
     m_mnuCopyComDup->setCheckable(true);
-    connect(m_mnuCopyComDup, &QAction::triggered, &m_main, &MainWindow::toggleCopyCommandDup);
+    connect(m_mnuCopyComDup, &QAction::triggered, this, [this](bool checked) { m_host.toggleCopyCommandDup(checked); });
     QAction* mnuRefresh
         = addOperation(QStringLiteral("mnuRefresh"), QStringLiteral("Refre&sh List"), EditOperations::refreshList);
     mnuRefresh->setShortcut(QKeySequence(Qt::Key_F5));
@@ -127,7 +122,7 @@ EditMenu::EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session)
               connect(entry, &QAction::triggered, this, [this, run = &operation] {
                   m_session.run(*run);
                   // The marks follow the document's hide mode, whatever the click made of them.
-                  m_main.updateMenus();
+                  m_host.updateMenus();
               });
               m_documentEntries.append(entry);
               return entry;

@@ -6,8 +6,8 @@
 #include <QList>
 #include <QObject>
 
+class EditMenuHost;
 class EditingSession;
-class MainWindow;
 class QAction;
 class QMenu;
 class QWidget;
@@ -22,7 +22,7 @@ class EditMenu final : public QObject
 
 public:
     /// Fills `menu` with the entries, in their order, with their names and captions.
-    EditMenu(QMenu* menu, MainWindow& mainWindow, EditingSession& session);
+    EditMenu(QMenu* menu, EditMenuHost& host, EditingSession& session);
 
     /// The entry named `name`; null when there is none.
     QAction* entry(const QString& name) const;
@@ -46,7 +46,7 @@ private:
     void addSeparator(const QString& name);
 
     QMenu* m_menu;
-    MainWindow& m_main;
+    EditMenuHost& m_host;
     EditingSession& m_session;
     QAction* m_mnuUndo = nullptr;
     QAction* m_mnuRedo = nullptr;

@@ -1,10 +1,8 @@
 #include "editorwindow.h"
 
-#include "app/commandmenu.h"
+#include "app/editorwindowhost.h"
 #include "app/findbar.h"
-
 #include "app/itemtree.h"
-#include "app/mainwindow.h"
 #include "app/plaintooltip.h"
 #include "core/applicationstate.h"
 #include "core/editingsession.h"
@@ -124,9 +122,9 @@ QColor EditorWindow::choosingColour()
     return QColor(168, 227, 176);
 }
 
-EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget* parent)
+EditorWindow::EditorWindow(EditorWindowHost& host, qint16 documentIndex, QWidget* parent)
     : QWidget(parent)
-    , m_main(mainWindow)
+    , m_host(host)
     , m_documentIndex(documentIndex)
 {
     setObjectName(QStringLiteral("frmEditor"));
@@ -164,7 +162,7 @@ EditorWindow::EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget
         const MenuDocument& menu = document();
         return ToolTipTexts::forNode(menu, findItemByKey(menu, key));
     });
-    m_main.attachEditor(*this);
+    m_host.attachTree(m_lstMenu);
 }
 
 EditorWindow::~EditorWindow()
@@ -193,8 +191,7 @@ void EditorWindow::buildLayout()
     // A double click edits the line; the right button's release pops the command menu up, also
     // over an empty list.
     m_lstCommand->viewport()->installEventFilter(this);
-    connect(m_lstCommand, &QListWidget::itemDoubleClicked, this,
-            [this] { m_main.commandMenu().mnuEditCommand_Click(); });
+    connect(m_lstCommand, &QListWidget::itemDoubleClicked, this, [this] { m_host.editSelectedCommand(); });
 
     // The copy-command link: the check box switches it, the field names the target item (a double
     // click follows the link) and the button starts choosing a target in the tree.
@@ -299,12 +296,12 @@ void EditorWindow::setCaption(const QString& caption)
 
 const MenuDocument& EditorWindow::document() const
 {
-    return m_main.state().document(m_documentIndex);
+    return m_host.state().document(m_documentIndex);
 }
 
 WindowEditingState& EditorWindow::windowState() const
 {
-    return m_main.state().window(m_documentIndex);
+    return m_host.state().window(m_documentIndex);
 }
 
 bool EditorWindow::nodeClicked() const
@@ -401,12 +398,12 @@ void EditorWindow::lstMenu_NodeClick(const QModelIndex& node)
     if (nodeIndex <= 1) {
         return; // the root node, or no node of this tree
     }
-    ApplicationState& state = m_main.state();
+    ApplicationState& state = m_host.state();
     if (isChoosingLinkTarget()) {
         EditArguments arguments;
         arguments.sourceKey = nodeKey(state.lastNodeIndex());
         arguments.targetKey = m_lstMenu->keyOf(node);
-        m_main.session().run(m_documentIndex, EditOperations::chooseLinkTarget, arguments);
+        m_host.session().run(m_documentIndex, EditOperations::chooseLinkTarget, arguments);
         return;
     }
     state.setLastNodeIndex(Int16::checked(nodeIndex, "lstMenu_NodeClick"));
@@ -440,7 +437,7 @@ void EditorWindow::SelectItem()
         }
     }
     updateLinkControls();
-    m_main.selectionChanged(m_documentIndex);
+    m_host.selectionChanged(m_documentIndex);
 }
 
 void EditorWindow::updateLinkControls()
@@ -460,7 +457,7 @@ void EditorWindow::chkCopyCommand_Click()
 {
     EditArguments arguments;
     arguments.checked = m_chkCopyCommand->isChecked();
-    if (!m_main.session().run(m_documentIndex, EditOperations::switchLink, arguments)) {
+    if (!m_host.session().run(m_documentIndex, EditOperations::switchLink, arguments)) {
         // Whatever did not happen, the box shows the item as it stands.
         SelectItem();
     }
@@ -476,17 +473,17 @@ void EditorWindow::cmdChangeCopy_Click()
         // Leaving the choice applies the check box to the item again.
         chkCopyCommand_Click();
     }
-    m_main.updateMenus();
+    m_host.updateMenus();
 }
 
 void EditorWindow::cmdUp_Click()
 {
-    m_main.session().run(m_documentIndex, EditOperations::moveUp);
+    m_host.session().run(m_documentIndex, EditOperations::moveUp);
 }
 
 void EditorWindow::cmdDown_Click()
 {
-    m_main.session().run(m_documentIndex, EditOperations::moveDown);
+    m_host.session().run(m_documentIndex, EditOperations::moveDown);
 }
 
 void EditorWindow::startNodeDrag(const QModelIndex& node, Qt::MouseButton button)
@@ -498,7 +495,7 @@ void EditorWindow::startNodeDrag(const QModelIndex& node, Qt::MouseButton button
     DragState::Button dragButton = DragState::Button::None;
     if (button == Qt::LeftButton) {
         // A left-button drag is the drag-and-drop option's; a right-button drag is always there.
-        if (m_main.state().options().dragNDrop == 0) {
+        if (m_host.state().options().dragNDrop == 0) {
             return;
         }
         dragButton = DragState::Button::Left;
@@ -511,7 +508,7 @@ void EditorWindow::startNodeDrag(const QModelIndex& node, Qt::MouseButton button
     if (m_lstMenu->currentIndex() != node) {
         clickFromUser(node);
     }
-    DragState& drag = m_main.state().editing().drag;
+    DragState& drag = m_host.state().editing().drag;
     drag.nodeKey = key;
     drag.document = m_documentIndex;
     drag.button = dragButton;
@@ -521,19 +518,19 @@ void EditorWindow::startNodeDrag(const QModelIndex& node, Qt::MouseButton button
     dragData->setData(ItemTree::dragFormat(), (QString::number(m_documentIndex) + QLatin1Char(' ') + key).toUtf8());
     auto* nodeDrag = new QDrag(m_lstMenu);
     nodeDrag->setMimeData(dragData);
-    m_main.execDrag(nodeDrag);
+    m_host.execDrag(nodeDrag);
 }
 
 void EditorWindow::onNodeDraggedOver(const QModelIndex& node)
 {
     // Only a drag this program started shows where it would land.
-    m_lstMenu->setDropHighlight(m_main.state().editing().drag.active ? node : QModelIndex());
+    m_lstMenu->setDropHighlight(m_host.state().editing().drag.active ? node : QModelIndex());
 }
 
 void EditorWindow::lstMenu_OLEDragDrop(const QModelIndex& node, const QPoint& globalPos)
 {
     m_lstMenu->setDropHighlight(QModelIndex());
-    ApplicationState& state = m_main.state();
+    ApplicationState& state = m_host.state();
     DragState& drag = state.editing().drag;
     const QString targetKey = m_lstMenu->keyOf(node);
     if (isDropIgnored(drag, state.options().dragNDrop != 0, m_documentIndex, targetKey)) {
@@ -545,7 +542,7 @@ void EditorWindow::lstMenu_OLEDragDrop(const QModelIndex& node, const QPoint& gl
         drag.dropAsChild = false;
         drag.dropCancelled = true;
         // Nothing can be placed beside the root.
-        m_main.popupDropMenu(m_lstMenu->textOf(node), m_lstMenu->textOf(node.parent()), targetKey != rootKey(),
+        m_host.popupDropMenu(m_lstMenu->textOf(node), m_lstMenu->textOf(node.parent()), targetKey != rootKey(),
                              globalPos);
     } else {
         drag.dropAsChild = true;
@@ -559,7 +556,7 @@ void EditorWindow::lstMenu_OLEDragDrop(const QModelIndex& node, const QPoint& gl
         return; // the menu was closed without a choice
     }
     const DropRequest request = dropRequestOf(drag, targetKey, parentKey, state.editing().copyCommandDup);
-    m_main.session().runDrop(drag.document, m_documentIndex, request);
+    m_host.session().runDrop(drag.document, m_documentIndex, request);
 }
 
 void EditorWindow::showChoosingColour(bool choosing)
@@ -582,8 +579,8 @@ void EditorWindow::showStatusPanel(int panel, const QString& text)
 {
     // The status bar tells of the active window only; a window changed while another is active (the
     // target of a drop) shows its values when it is activated.
-    if (m_main.activeDocumentIndex() == m_documentIndex) {
-        m_main.setStatusPanelText(panel, text);
+    if (m_host.activeDocumentIndex() == m_documentIndex) {
+        m_host.setStatusPanelText(panel, text);
     }
 }
 
@@ -594,7 +591,7 @@ void EditorWindow::showNoItem()
     m_txtItemIndexCopy->clear();
     m_chkCopyCommand->setChecked(false);
     updateLinkControls();
-    m_main.selectionChanged(m_documentIndex);
+    m_host.selectionChanged(m_documentIndex);
 }
 
 SelectedNode EditorWindow::selectedNode() const
@@ -766,12 +763,12 @@ void EditorWindow::applyStep(const TreeStep& step)
         ColorizeMenu();
         break;
     case TreeStep::Kind::Regenerate:
-        m_main.regenerateTree(m_documentIndex);
+        m_host.regenerateTree(m_documentIndex);
         break;
     case TreeStep::Kind::ShowItemCount:
         // The item-count panel belongs to the active window (a drop may change another one).
-        if (m_main.activeDocumentIndex() == m_documentIndex) {
-            m_main.showItemCount(int(document().items.size()));
+        if (m_host.activeDocumentIndex() == m_documentIndex) {
+            m_host.showItemCount(int(document().items.size()));
         }
         break;
     case TreeStep::Kind::ShowPosition: {
@@ -819,17 +816,17 @@ void EditorWindow::applyStep(const TreeStep& step)
         windowState().linkTargetChoice = false;
         showChoosingColour(false);
         updateLinkControls();
-        m_main.updateMenus();
+        m_host.updateMenus();
         break;
     }
     case TreeStep::Kind::FocusTree:
         m_lstMenu->setFocus();
         break;
     case TreeStep::Kind::ShowMessage:
-        m_main.showPlainMessage(step.text);
+        m_host.showPlainMessage(step.text);
         break;
     case TreeStep::Kind::ShowRefusal:
-        m_main.showRefusal(step.text);
+        m_host.showRefusal(step.text);
         break;
     }
 }
@@ -861,16 +858,16 @@ void EditorWindow::clickFromUser(const QModelIndex& node)
     try {
         lstMenu_NodeClick(node);
     } catch (const RunTimeError& error) {
-        m_main.showRunTimeError(error);
+        m_host.showRunTimeError(error);
     }
-    m_main.selectionChanged(m_documentIndex);
+    m_host.selectionChanged(m_documentIndex);
 }
 
 void EditorWindow::onLabelEditStarted(const QString& key)
 {
     SelectedNode node;
     node.key = key;
-    m_main.session().runOn(m_documentIndex, node, EditOperations::beginLabelEdit);
+    m_host.session().runOn(m_documentIndex, node, EditOperations::beginLabelEdit);
 }
 
 void EditorWindow::onLabelEditCommitted(const QString& key, const QString& text)
@@ -880,7 +877,7 @@ void EditorWindow::onLabelEditCommitted(const QString& key, const QString& text)
     node.key = key;
     EditArguments arguments;
     arguments.text = text;
-    m_main.session().runOn(m_documentIndex, node, EditOperations::storeLabelEdit, arguments);
+    m_host.session().runOn(m_documentIndex, node, EditOperations::storeLabelEdit, arguments);
 }
 
 void EditorWindow::onRootCollapsed()
@@ -940,7 +937,7 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
     }
     if (watched == m_txtItemIndexCopy && event->type() == QEvent::MouseButtonDblClick) {
         // Following the link: the target becomes the selected item.
-        m_main.session().run(m_documentIndex, EditOperations::followLink);
+        m_host.session().run(m_documentIndex, EditOperations::followLink);
         return true;
     }
     if (watched == m_lstMenu->viewport() && isChoosingLinkTarget()) {
@@ -967,7 +964,7 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
     if (watched == m_lstCommand->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const auto* mouse = static_cast<QMouseEvent*>(event);
         if (mouse->button() == Qt::RightButton) {
-            m_main.popupMenu(m_main.commandMenu().menu(), mouse->globalPosition().toPoint());
+            m_host.popupCommandMenu(mouse->globalPosition().toPoint());
             return true;
         }
     }
@@ -987,10 +984,10 @@ bool EditorWindow::closeWindow()
 
 void EditorWindow::closeEvent(QCloseEvent* event)
 {
-    if (!m_main.confirmCloseEditor(m_documentIndex)) {
+    if (!m_host.confirmCloseEditor(m_documentIndex)) {
         event->ignore();
         return;
     }
-    m_main.editorClosed(m_documentIndex);
+    m_host.editorClosed(m_documentIndex);
     event->accept();
 }

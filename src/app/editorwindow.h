@@ -7,8 +7,8 @@
 #include <QtGlobal>
 
 class FindBar;
+class EditorWindowHost;
 class ItemTree;
-class MainWindow;
 class QCheckBox;
 class QFrame;
 class QLabel;
@@ -39,7 +39,7 @@ public:
     /// The colour of the link-target button while a target is being chosen.
     static QColor choosingColour();
 
-    EditorWindow(MainWindow& mainWindow, qint16 documentIndex, QWidget* parent = nullptr);
+    EditorWindow(EditorWindowHost& host, qint16 documentIndex, QWidget* parent = nullptr);
     ~EditorWindow() override;
 
     qint16 documentIndex() const { return m_documentIndex; }
@@ -147,7 +147,7 @@ private:
     /// Runs a click from the user, reporting a failure instead of passing it on.
     void clickFromUser(const QModelIndex& node);
 
-    MainWindow& m_main;
+    EditorWindowHost& m_host;
     const qint16 m_documentIndex;
     QString m_caption;
     /// True while the window itself changes the tree's current node, so that only the user's

@@ -2,26 +2,26 @@
 
 #include "app/commandmenu.h"
 #include "app/desktophelpsystem.h"
+#include "app/draganddrop.h"
+#include "app/edithistory.h"
 #include "app/editmenu.h"
+#include "app/editorarea.h"
 #include "app/editorwindow.h"
-#include "app/itemtree.h"
+#include "app/findbar.h"
+#include "app/mainstatusbar.h"
+#include "app/menufiles.h"
+#include "app/messageboxes.h"
 #include "app/optionsdialog.h"
 #include "app/problemspanel.h"
+#include "app/recentfilesmenu.h"
 #include "app/replacedialog.h"
 #include "core/aboutinfo.h"
-#include "core/accesskeys.h"
-#include "core/commandlinemenu.h"
-#include "core/documentfile.h"
 #include "core/editmenustate.h"
 #include "core/helplauncher.h"
 #include "core/languageconfig.h"
-#include "core/newmenudocument.h"
 #include "core/optionsstore.h"
 #include "core/programfolder.h"
 #include "core/statuspanels.h"
-#include "core/userprompts.h"
-#include "history/editingoperation.h"
-#include "menufile/menufilereader.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 #include "treeview/hidemode.h"
@@ -29,47 +29,17 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QKeySequence>
-#include <QLabel>
-#include <QLayout>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QPalette>
 #include <QScreen>
 #include <QStatusBar>
-#include <QTimer>
-#include <QUrl>
 
 namespace {
-
-QString fileDialogTitle()
-{
-    return QStringLiteral("Select a menu file ...");
-}
-
-QString fileDialogFilter()
-{
-    return QStringLiteral("Menu File (*.ini)");
-}
-
-QString lineEnd()
-{
-    return QStringLiteral("\r\n");
-}
-
-/// What the empty area says while no menu is open.
-QString noMenuHint()
-{
-    return QStringLiteral("No menu is open.\n\nOpen a menu with %1, or drop .ini files here.")
-        .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText));
-}
 
 /// The folder for the files the editor writes beside itself (Recent.ini, the autosave files): the
 /// program's folder, or the per-user folder when the program is installed where the user cannot
@@ -79,68 +49,56 @@ QString writableFolder(const QString& programFolder)
     return ProgramFolder::isWritableFolder(programFolder) ? programFolder : ProgramFolder::writablePath();
 }
 
+QAction* addEntry(QMenu* menu, const QString& name, const QString& caption)
+{
+    QAction* entry = menu->addAction(caption);
+    entry->setObjectName(name);
+    return entry;
+}
+
+void addSeparator(QMenu* menu, const QString& name)
+{
+    menu->addSeparator()->setObjectName(name);
+}
+
 } // namespace
 
 MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder, QWidget* parent)
     : QMainWindow(parent)
-    , m_prompts(prompts)
     , m_optionsStore(optionsStore)
     , m_programFolder(programFolder)
-    , m_writableFolder(writableFolder(programFolder))
-    , m_recent(m_writableFolder)
-    , m_undoManager(m_state.documents(), m_state.histories(), m_writableFolder, *this)
-    , m_undoErrorReport([this](const QString& text) { showCritical(text); }, contactLines(),
-                        [this] { mnuUndo_Click(); })
-    , m_undoController(m_state.documents(), m_undoManager, m_undoErrorReport, *this)
-    , m_session(m_state, *this)
+    , m_messages(std::make_unique<MessageBoxes>(prompts))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("KELV Menu Editor"));
     setAcceptDrops(true);
 
-    m_mdiArea = new QMdiArea(this);
-    m_mdiArea->setObjectName(QStringLiteral("mdiArea"));
-    m_mdiArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    setCentralWidget(m_mdiArea);
-    connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
-
-    // With no menu open the area says how to get one; the label lets clicks and drops through.
-    m_lblNoMenu = new QLabel(noMenuHint(), m_mdiArea->viewport());
-    m_lblNoMenu->setObjectName(QStringLiteral("lblNoMenu"));
-    m_lblNoMenu->setAlignment(Qt::AlignCenter);
-    m_lblNoMenu->setWordWrap(true);
-    m_lblNoMenu->setAttribute(Qt::WA_TransparentForMouseEvents);
-    QFont hintFont = m_lblNoMenu->font();
-    if (hintFont.pointSizeF() > 0) {
-        hintFont.setPointSizeF(hintFont.pointSizeF() * 1.2);
-    }
-    m_lblNoMenu->setFont(hintFont);
-    QPalette hintPalette = m_lblNoMenu->palette();
-    hintPalette.setColor(QPalette::WindowText, hintPalette.color(QPalette::Light));
-    m_lblNoMenu->setPalette(hintPalette);
-    m_mdiArea->viewport()->installEventFilter(this);
-
-    // The autosave file of an edit is written on a second thread; its result is collected soon after.
-    m_autosaveCheck = new QTimer(this);
-    m_autosaveCheck->setSingleShot(true);
-    m_autosaveCheck->setInterval(20);
-    connect(m_autosaveCheck, &QTimer::timeout, this, &MainWindow::checkAutosave);
-
+    const QString folder = writableFolder(programFolder);
+    m_history = new EditHistory(
+        m_state, *m_messages, *this, folder, [this] { updateMenus(); }, this);
+    m_dragAndDrop = new DragAndDrop(m_state, this);
+    m_commandMenu = new CommandMenu(*this, this);
     buildMenus();
-    buildStatusBar();
+    m_statusBar = std::make_unique<MainStatusBar>(statusBar());
+    m_files = std::make_unique<MenuFiles>(m_state, *m_messages, *m_editors, *m_recent, *this);
+    connect(m_recent, &RecentFilesMenu::openRequested, this,
+            [this](const QString& path) { openMenu(path, QFileInfo(path).fileName()); });
+    connect(m_editors, &EditorArea::editorActivated, this, &MainWindow::editorActivated);
 
     m_state.setOptions(m_optionsStore.loadOptions());
     m_editMenu->copyCommandDupEntry()->setChecked(m_state.options().copyCommandDup);
-    m_recent.loadRecentList();
-    syncRecentEntries();
     // Until a file is chosen, the dialogs start where the newest menu of the last session lies.
-    if (m_recent.entry(0).visible) {
-        noteFolderUsed(m_recent.entry(0).caption);
+    if (!m_recent->newestFile().isEmpty()) {
+        m_files->noteFolderUsed(m_recent->newestFile());
     }
     updateMenus();
-
     fitIntoScreen();
+}
+
+MainWindow::~MainWindow()
+{
+    // The editor windows go before the parts they reach through this window.
+    m_editors->deleteAllEditors();
 }
 
 void MainWindow::fitIntoScreen()
@@ -154,52 +112,16 @@ void MainWindow::fitIntoScreen()
     move(available.left() + (available.width() - width()) / 2, available.top() + (available.height() - height()) / 2);
 }
 
-QRect MainWindow::editorArea()
-{
-    // Before the main window is first shown its layout has not run yet; running it now gives the area
-    // the size it will have. The viewport itself only follows once the area is shown, but it is the
-    // area's whole inside as long as no window sticks out of it.
-    if (!m_mdiArea->isVisible()) {
-        layout()->activate();
-        return QRect(QPoint(0, 0), m_mdiArea->contentsRect().size());
-    }
-    return m_mdiArea->viewport()->rect();
-}
-
-MainWindow::~MainWindow()
-{
-    // The editor windows go after this object; their going must not reach it any more.
-    disconnect(m_mdiArea, nullptr, this, nullptr);
-    const QList<QMdiSubWindow*> windows = m_mdiArea->subWindowList();
-    for (QMdiSubWindow* window : windows) {
-        delete window;
-    }
-}
-
-QAction* MainWindow::addEntry(QMenu* menu, const QString& name, const QString& caption)
-{
-    QAction* entry = menu->addAction(caption);
-    entry->setObjectName(name);
-    return entry;
-}
-
-void MainWindow::addSeparator(QMenu* menu, const QString& name)
-{
-    QAction* separator = menu->addSeparator();
-    separator->setObjectName(name);
-}
-
 void MainWindow::buildMenus()
 {
-    auto namedMenu = [this](QMenu* parentMenu, const QString& name, const QString& caption) {
-        QMenu* menu = parentMenu ? parentMenu->addMenu(caption) : menuBar()->addMenu(caption);
+    auto namedMenu = [this](const QString& name, const QString& caption) {
+        QMenu* menu = menuBar()->addMenu(caption);
         menu->setObjectName(name);
         menu->menuAction()->setObjectName(name);
         return menu;
     };
-    // Entries whose commands are not available yet stay visible but disabled.
     // File
-    m_mnuFile = namedMenu(nullptr, QStringLiteral("mnuFile"), QStringLiteral("&File"));
+    m_mnuFile = namedMenu(QStringLiteral("mnuFile"), QStringLiteral("&File"));
     QAction* mnuNew = addEntry(m_mnuFile, QStringLiteral("mnuNew"), QStringLiteral("&New"));
     mnuNew->setShortcut(QKeySequence::New);
     connect(mnuNew, &QAction::triggered, this, &MainWindow::mnuNew_Click);
@@ -221,15 +143,7 @@ void MainWindow::buildMenus()
     QAction* mnuOptions = addEntry(m_mnuFile, QStringLiteral("mnuOptions"), QStringLiteral("O&ptions"));
     connect(mnuOptions, &QAction::triggered, this, &MainWindow::showOptions);
     addSeparator(m_mnuFile, QStringLiteral("Tire02"));
-    for (int entry = 0; entry < RecentFileList::EntryCount; ++entry) {
-        QAction* recent = addEntry(m_mnuFile, QStringLiteral("mnuRecent") + QString::number(entry), QString());
-        recent->setVisible(false);
-        connect(recent, &QAction::triggered, this, [this, entry]() { openRecent(entry); });
-        m_mnuRecent.append(recent);
-    }
-    addSeparator(m_mnuFile, QStringLiteral("Tire03"));
-    m_tire03 = m_mnuFile->actions().constLast();
-    m_tire03->setVisible(false);
+    m_recent = new RecentFilesMenu(m_mnuFile, writableFolder(m_programFolder), this);
     QAction* mnuQuit = addEntry(m_mnuFile, QStringLiteral("mnuQuit"), QStringLiteral("&Quit"));
     mnuQuit->setShortcut(QKeySequence::Quit);
     if (mnuQuit->shortcut().isEmpty()) {
@@ -239,8 +153,9 @@ void MainWindow::buildMenus()
     connect(m_mnuFile, &QMenu::aboutToShow, this, &MainWindow::updateSaveEntry);
 
     // Edit
-    m_mnuEdit = namedMenu(nullptr, QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
-    m_editMenu = new EditMenu(m_mnuEdit, *this, m_session);
+    m_mnuEdit = namedMenu(QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
+    m_editMenu = new EditMenu(m_mnuEdit, *this, m_history->session());
+    m_history->setEntries(m_editMenu->undoEntry(), m_editMenu->redoEntry());
 
     // View: the Problems panel of the active menu, docked at the bottom and hidden at first.
     m_problemsPanel = new ProblemsPanel(
@@ -252,31 +167,18 @@ void MainWindow::buildMenus()
             shown->showFoundItem(key);
         }
     });
-    QMenu* mnuView = namedMenu(nullptr, QStringLiteral("mnuView"), QStringLiteral("&View"));
+    QMenu* mnuView = namedMenu(QStringLiteral("mnuView"), QStringLiteral("&View"));
     QAction* mnuProblems = m_problemsPanel->toggleViewAction();
     mnuProblems->setObjectName(QStringLiteral("mnuProblems"));
     mnuProblems->setText(QStringLiteral("&Problems"));
     mnuView->addAction(mnuProblems);
 
     // Window
-    m_mnuWindow = namedMenu(nullptr, QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
-    QAction* mnuCascade = addEntry(m_mnuWindow, QStringLiteral("mnuCascade"), QStringLiteral("&Cascade"));
-    m_arrangeEntries.append(mnuCascade);
-    connect(mnuCascade, &QAction::triggered, m_mdiArea, &QMdiArea::cascadeSubWindows);
-    QAction* mnuHorizontal = addEntry(m_mnuWindow, QStringLiteral("mnuHorizontal"), QStringLiteral("Tile &Hozizontal"));
-    connect(mnuHorizontal, &QAction::triggered, this, [this]() { tileWindows(Qt::Horizontal); });
-    m_arrangeEntries.append(mnuHorizontal);
-    QAction* mnuVertical = addEntry(m_mnuWindow, QStringLiteral("mnuVertical"), QStringLiteral("Tile &Vertical"));
-    connect(mnuVertical, &QAction::triggered, this, [this]() { tileWindows(Qt::Vertical); });
-    m_arrangeEntries.append(mnuVertical);
-    addSeparator(m_mnuWindow, QStringLiteral("Tire09"));
-    QAction* designEntry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName0"), QStringLiteral("window1"));
-    designEntry->setData(0);
-    designEntry->setVisible(false);
-    m_mnuWindowName.append(designEntry);
+    m_mnuWindow = namedMenu(QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
+    m_editors = new EditorArea(*this, m_state, *this, m_mnuWindow, m_mnuClose->shortcut());
 
     // Help
-    m_mnuH = namedMenu(nullptr, QStringLiteral("mnuH"), QStringLiteral("&Help"));
+    m_mnuH = namedMenu(QStringLiteral("mnuH"), QStringLiteral("&Help"));
     QAction* mnuHelp = addEntry(m_mnuH, QStringLiteral("mnuHelp"), QStringLiteral("&Help"));
     mnuHelp->setShortcut(QKeySequence(Qt::Key_F1));
     connect(mnuHelp, &QAction::triggered, this, &MainWindow::showHelp);
@@ -286,74 +188,91 @@ void MainWindow::buildMenus()
     QAction* mnuAboutQt = addEntry(m_mnuH, QStringLiteral("mnuAboutQt"), QStringLiteral("About &Qt"));
     mnuAboutQt->setMenuRole(QAction::AboutQtRole);
     connect(mnuAboutQt, &QAction::triggered, qApp, &QApplication::aboutQt);
-
-    // Pop-up menus of the editor windows: the command list's menu and the menu shown when a tree
-    // node is dropped on another. Both come with the commands they belong to.
-    m_commandMenu = new CommandMenu(*this, this);
-
-    m_mnuNodes = new QMenu(this);
-    m_mnuNodes->setObjectName(QStringLiteral("mnuNodes"));
-    m_mnuNodesInsertSub
-        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertSub"), QStringLiteral("Insert as &subitem of"));
-    m_mnuNodesInsertNext
-        = namedMenu(m_mnuNodes, QStringLiteral("mnuNodesInsertNext"), QStringLiteral("Insert &next to"));
-    // The entries only note the choice; the drop goes on once the menu has closed.
-    const auto addDropChoice = [this](QMenu* menu, const QString& name, bool asChild, bool copy) {
-        QAction* entry = addEntry(menu, name, copy ? QStringLiteral("&Copy") : QStringLiteral("&Move"));
-        connect(entry, &QAction::triggered, this, [this, asChild, copy] {
-            DragState& drag = m_state.editing().drag;
-            drag.dropAsChild = asChild;
-            drag.dropAsSibling = !asChild;
-            drag.dropCopy = copy;
-            drag.dropCancelled = false;
-        });
-    };
-    addDropChoice(m_mnuNodesInsertSub, QStringLiteral("mnuItemCopy"), true, true);
-    addDropChoice(m_mnuNodesInsertSub, QStringLiteral("mnuItemMove"), true, false);
-    addDropChoice(m_mnuNodesInsertNext, QStringLiteral("mnuNextItemCopy"), false, true);
-    addDropChoice(m_mnuNodesInsertNext, QStringLiteral("mnuNextItemMove"), false, false);
 }
 
-void MainWindow::buildStatusBar()
+UserPrompts& MainWindow::prompts()
 {
-    // Panels 2, 4 and 6 hold the selected item's index, the item count and the selected item's
-    // place among its siblings with its number of children; 1, 3 and 5 caption them.
-    const QStringList texts = { tr("Item index:"), QString(),       tr("Item count:"),
-                                QString(),         tr("Position:"), StatusPanels::designPosition() };
-    for (int panel = 0; panel < texts.size(); ++panel) {
-        auto* label = new QLabel(texts.at(panel), this);
-        label->setObjectName(QStringLiteral("pnl") + QString::number(panel + 1));
-        if (panel % 2 == 1) {
-            label->setFrameShape(QFrame::Panel);
-            label->setFrameShadow(QFrame::Sunken);
-            label->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("(0000 ; 0000)")) + 12);
-        }
-        statusBar()->addWidget(label);
-        m_panels.append(label);
+    return m_messages->prompts();
+}
+
+EditingSession& MainWindow::session()
+{
+    return m_history->session();
+}
+
+UndoManager& MainWindow::undoManager()
+{
+    return m_history->undoManager();
+}
+
+// ---- Files and windows -------------------------------------------------------------------------
+
+void MainWindow::openCommandLineMenu(const QString& commandLine)
+{
+    m_files->openCommandLineMenu(commandLine, m_programFolder);
+}
+
+void MainWindow::mnuNew_Click()
+{
+    m_files->mnuNew_Click();
+}
+
+void MainWindow::mnuOpen_Click()
+{
+    m_files->mnuOpen_Click();
+}
+
+qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
+{
+    return m_files->openMenu(path, fileTitle);
+}
+
+void MainWindow::mnuSave_Click()
+{
+    m_files->mnuSave_Click();
+}
+
+void MainWindow::mnuSaveAs_Click()
+{
+    m_files->mnuSaveAs_Click();
+}
+
+void MainWindow::mnuClose_Click()
+{
+    if (EditorWindow* active = activeEditor()) {
+        active->closeWindow();
     }
 }
 
-void MainWindow::setStatusPanelText(int panel, const QString& text)
+void MainWindow::mnuQuit_Click()
 {
-    if (panel >= 1 && panel <= m_panels.size()) {
-        m_panels.at(panel - 1)->setText(text);
+    close();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!m_state.isQuitting() && !m_files->confirmQuit()) {
+        event->ignore();
+        return;
+    }
+    m_editors->closeAllEditors();
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
     }
 }
 
-void MainWindow::showItemCount(int count)
+void MainWindow::dropEvent(QDropEvent* event)
 {
-    setStatusPanelText(4, QString::number(count));
-}
-
-void MainWindow::showActiveStatus()
-{
-    StatusPanels panels;
-    if (const EditorWindow* active = activeEditor()) {
-        panels = StatusPanels::of(active->document(), active->selectedNode().key);
+    if (!event->mimeData()->hasUrls()) {
+        return;
     }
-    setStatusPanelText(2, panels.itemIndex);
-    setStatusPanelText(4, panels.itemCount);
-    setStatusPanelText(6, panels.position);
+    event->acceptProposedAction();
+    m_files->openDroppedFiles(event->mimeData()->urls());
 }
 
 QString MainWindow::activeDocumentTag() const
@@ -362,128 +281,9 @@ QString MainWindow::activeDocumentTag() const
     return index == 0 ? QString() : QString::number(index);
 }
 
-void MainWindow::showCritical(const QString& text, const QString& details)
-{
-    MessageRequest request;
-    request.text = text;
-    request.icon = MessageRequest::Icon::Critical;
-    request.details = details;
-    m_prompts.showMessage(request);
-}
-
-void MainWindow::showRunTimeError(const RunTimeError& error)
-{
-    showCritical(error.report());
-}
-
-QString MainWindow::missingFileMessage(const QString& path)
-{
-    return QStringLiteral("An error occured while opening the file !") + lineEnd() + lineEnd()
-        + QStringLiteral("This file does not exist :") + lineEnd() + QStringLiteral("    ") + path;
-}
-
-QString MainWindow::openErrorMessage()
-{
-    const QStringList lines = { QStringLiteral("An error occured while opening the file !"),
-                                QString(),
-                                QStringLiteral("This is not a valid KELV Menu file"),
-                                QString(),
-                                QStringLiteral("Contact the developer for further information :"),
-                                contactLines() };
-    return lines.join(lineEnd());
-}
-
-// ---- Documents and editor windows -----------------------------------------------------------
-
 EditorWindow* MainWindow::editor(qint16 index) const
 {
-    return dynamic_cast<EditorWindow*>(m_state.editor(index));
-}
-
-QMdiSubWindow* MainWindow::frameOf(const EditorWindow* editor) const
-{
-    return editor ? qobject_cast<QMdiSubWindow*>(editor->parentWidget()) : nullptr;
-}
-
-EditorWindow* MainWindow::createEditor(qint16 index)
-{
-    auto* editor = new EditorWindow(*this, index);
-    QMdiSubWindow* frame = m_mdiArea->addSubWindow(editor);
-    frame->setAttribute(Qt::WA_DeleteOnClose);
-    // The frame's own Close entry may carry File > Close's key; a key on two entries does nothing.
-    if (QMenu* systemMenu = frame->systemMenu()) {
-        const QList<QAction*> entries = systemMenu->actions();
-        for (QAction* entry : entries) {
-            QList<QKeySequence> keys = entry->shortcuts();
-            if (keys.removeAll(m_mnuClose->shortcut()) > 0) {
-                entry->setShortcuts(keys);
-            }
-        }
-    }
-    m_state.setEditor(index, editor);
-
-    QAction* entry = addEntry(m_mnuWindow, QStringLiteral("mnuWindowName") + QString::number(index), QString());
-    entry->setData(index);
-    entry->setVisible(false);
-    connect(entry, &QAction::triggered, this, [this, index]() { activateEditor(index); });
-    m_mnuWindowName.append(entry);
-
-    const QRect area = editorArea();
-    if (m_state.openDocumentIndexes().size() == 1) {
-        // The first menu gets the whole area (its title bar still showing its name and unsaved mark).
-        frame->setGeometry(area);
-    } else {
-        // Later ones take two thirds of it, placed by the area where they cover the others least.
-        frame->resize((area.size() * 2 / 3).expandedTo(frame->minimumSizeHint()));
-    }
-    frame->show();
-    activateEditor(index);
-    return editor;
-}
-
-void MainWindow::discardNewestEditor(qint16 index, QMdiSubWindow* previousWindow, qint16 previousIndex)
-{
-    EditorWindow* editor = this->editor(index);
-    m_state.clearEditor(index);
-    if (QMdiSubWindow* frame = frameOf(editor)) {
-        m_mdiArea->removeSubWindow(frame);
-        delete frame;
-    }
-    delete m_mnuWindowName.takeLast();
-    m_state.removeLastDocumentSlot();
-
-    if (previousWindow && m_mdiArea->subWindowList().contains(previousWindow)) {
-        m_mdiArea->setActiveSubWindow(previousWindow);
-    }
-    m_state.setActiveDocumentIndex(m_state.editor(previousIndex) ? previousIndex : 0);
-    if (m_state.activeDocumentIndex() != 0) {
-        editorActivated(m_state.activeDocumentIndex());
-    } else {
-        updateMenus();
-    }
-}
-
-void MainWindow::activateEditor(qint16 index)
-{
-    QMdiSubWindow* frame = frameOf(editor(index));
-    if (!frame) {
-        return;
-    }
-    if (frame->isMinimized()) {
-        frame->showNormal();
-    }
-    m_mdiArea->setActiveSubWindow(frame);
-    editorActivated(index);
-}
-
-void MainWindow::onSubWindowActivated(QMdiSubWindow* window)
-{
-    // A null window only means that the main window itself lost the focus; the active document
-    // stays until another editor window is activated or the active one closes.
-    auto* editor = window ? qobject_cast<EditorWindow*>(window->widget()) : nullptr;
-    if (editor && this->editor(editor->documentIndex()) == editor) {
-        editorActivated(editor->documentIndex());
-    }
+    return m_editors->editor(index);
 }
 
 void MainWindow::editorActivated(qint16 index)
@@ -494,22 +294,14 @@ void MainWindow::editorActivated(qint16 index)
     showActiveStatus();
 }
 
-void MainWindow::setEditorCaption(qint16 index, const QString& caption)
+bool MainWindow::confirmCloseEditor(qint16 index)
 {
-    if (EditorWindow* editor = this->editor(index)) {
-        editor->setCaption(caption);
-    }
-    if (index >= 1 && index < m_mnuWindowName.size()) {
-        m_mnuWindowName.at(index)->setText(AccessKeys::onFirstLetter(caption));
-        m_mnuWindowName.at(index)->setVisible(true);
-    }
+    return m_files->confirmCloseEditor(index);
 }
 
 void MainWindow::editorClosed(qint16 index)
 {
-    if (index >= 1 && index < m_mnuWindowName.size()) {
-        m_mnuWindowName.at(index)->setVisible(false);
-    }
+    m_editors->editorClosed(index);
     m_state.clearEditor(index);
     if (m_state.activeDocumentIndex() == index) {
         // The area activates the next editor window, if any, once this one is gone; until then, and
@@ -520,24 +312,28 @@ void MainWindow::editorClosed(qint16 index)
     updateMenus();
 }
 
+void MainWindow::savedStateChanged()
+{
+    updateSaveEntry();
+    updateUnsavedMarks();
+}
+
+// ---- Tree display and status bar --------------------------------------------------------------
+
 void MainWindow::regenerateTree(qint16 index)
 {
-    EditorWindow* editor = this->editor(index);
-    if (!editor) {
-        return;
+    if (EditorWindow* shown = editor(index)) {
+        shown->generateTree();
+        showTreeState(index);
     }
-    editor->generateTree();
-    showTreeState(index);
 }
 
 void MainWindow::showRestoredState(qint16 index, const MenuDocument& before)
 {
-    EditorWindow* editor = this->editor(index);
-    if (!editor) {
-        return;
+    if (EditorWindow* shown = editor(index)) {
+        shown->showRestoredState(before);
+        showTreeState(index);
     }
-    editor->showRestoredState(before);
-    showTreeState(index);
 }
 
 void MainWindow::showTreeState(qint16 index)
@@ -548,115 +344,26 @@ void MainWindow::showTreeState(qint16 index)
     }
 }
 
-// ---- File commands ----------------------------------------------------------------------------
-
-void MainWindow::openCommandLineMenu(const QString& commandLine)
+void MainWindow::setStatusPanelText(int panel, const QString& text)
 {
-    const QString path = menuPathFromCommandLine(commandLine, m_programFolder);
-    if (!path.isEmpty()) {
-        openMenu(path, QFileInfo(path).fileName());
-    }
+    m_statusBar->setPanelText(panel, text);
 }
 
-void MainWindow::mnuNew_Click()
+void MainWindow::showItemCount(int count)
 {
-    const qint16 index = m_state.appendDocumentSlot();
-    m_state.document(index) = newMenuDocument(index);
-    const QString caption = QStringLiteral("New menu ") + QString::number(m_state.editorsCreated() + 1);
-    createEditor(index);
-    m_state.noteEditorCreated();
-    try {
-        regenerateTree(index);
-    } catch (const RunTimeError& error) {
-        showRunTimeError(error);
-    }
-    setEditorCaption(index, caption);
+    m_statusBar->showItemCount(count);
 }
 
-void MainWindow::mnuOpen_Click()
+void MainWindow::showActiveStatus()
 {
-    const QString path
-        = m_prompts.askOpenFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(activeDocumentIndex()));
-    if (!path.isEmpty()) {
-        noteFolderUsed(path);
-        openMenu(path, QFileInfo(path).fileName());
+    StatusPanels panels;
+    if (const EditorWindow* active = activeEditor()) {
+        panels = StatusPanels::of(active->document(), active->selectedNode().key);
     }
+    m_statusBar->show(panels);
 }
 
-qint16 MainWindow::openMenu(const QString& path, const QString& fileTitle)
-{
-    QMdiSubWindow* previousWindow = m_mdiArea->activeSubWindow();
-    const qint16 previousIndex = m_state.activeDocumentIndex();
-
-    const qint16 index = m_state.appendDocumentSlot();
-    EditorWindow* editor = createEditor(index);
-    editor->showBusyNotice(QStringLiteral("Loading..."));
-    editor->tree()->setUpdatesEnabled(false);
-
-    MenuReadResult result;
-    try {
-        result = openMenuDocument(path, m_state.options(), index, m_state.document(index));
-    } catch (const RunTimeError& error) {
-        result.code = MenuReadResult::Failed;
-        result.errorNumber = error.number();
-    }
-    if (!result.ok()) {
-        // The message keeps its fixed text; the precise reason is there for whoever asks for it.
-        QString text = openErrorMessage();
-        if (result.code == MenuReadResult::NotAMenuFile) {
-            text = notMenuFileMessage();
-        } else if (result.fileMissing()) {
-            text = missingFileMessage(path);
-        }
-        showCritical(text, readFailureText(path, result));
-        discardNewestEditor(index, previousWindow, previousIndex);
-        return 0;
-    }
-
-    editor->tree()->setUpdatesEnabled(true);
-    editor->hideBusyNotice();
-    m_state.noteEditorCreated();
-    activateEditor(index);
-    try {
-        regenerateTree(index);
-    } catch (const RunTimeError& error) {
-        showRunTimeError(error);
-    }
-    setEditorCaption(index, fileTitle);
-    noteFolderUsed(path);
-    m_recent.addRecentFile(path);
-    syncRecentEntries();
-    return index;
-}
-
-bool MainWindow::writeDocument(qint16 index, const QString& path)
-{
-    QList<SaveProblem> problems;
-    try {
-        problems = saveMenuDocument(m_state.document(index), path);
-    } catch (const RunTimeError& error) {
-        // The writer leaves the old file as it was; the document stays unsaved, so nothing is lost.
-        showRunTimeError(error);
-        return false;
-    }
-    if (!problems.isEmpty()) {
-        showRefusal(saveRefusalMessage(problems));
-        return false;
-    }
-    updateSaveEntry();
-    updateUnsavedMarks();
-    return true;
-}
-
-bool MainWindow::refuseUnsavable(qint16 index)
-{
-    const QList<SaveProblem> problems = documentSaveProblems(m_state.document(index));
-    if (problems.isEmpty()) {
-        return false;
-    }
-    showRefusal(saveRefusalMessage(problems));
-    return true;
-}
+// ---- Menus ------------------------------------------------------------------------------------
 
 void MainWindow::updateSaveEntry()
 {
@@ -676,287 +383,6 @@ void MainWindow::updateUnsavedMarks()
     }
 }
 
-void MainWindow::mnuSave_Click()
-{
-    const qint16 index = m_state.activeDocumentIndex();
-    if (!m_state.editor(index)) {
-        return;
-    }
-    const QString path = m_state.document(index).filePath;
-    if (!path.isEmpty()) {
-        writeDocument(index, path);
-    }
-}
-
-void MainWindow::mnuSaveAs_Click()
-{
-    const qint16 index = m_state.activeDocumentIndex();
-    if (!m_state.editor(index)) {
-        return;
-    }
-    // A menu that cannot be saved is refused before the user picks a name for it.
-    if (refuseUnsavable(index)) {
-        return;
-    }
-    const QString path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(index));
-    if (path.isEmpty()) {
-        return;
-    }
-    noteFolderUsed(path);
-    if (writeDocument(index, path)) {
-        setEditorCaption(index, QFileInfo(path).fileName());
-    }
-}
-
-QString MainWindow::dialogFolder(qint16 index) const
-{
-    // The folder of the menu the dialog is for, where it has a file; else the one used last.
-    if (m_state.editor(index) && !m_state.document(index).filePath.isEmpty()) {
-        return QFileInfo(m_state.document(index).filePath).absolutePath();
-    }
-    return m_lastFolder;
-}
-
-void MainWindow::noteFolderUsed(const QString& filePath)
-{
-    m_lastFolder = QFileInfo(filePath).absolutePath();
-}
-
-void MainWindow::mnuClose_Click()
-{
-    if (EditorWindow* active = activeEditor()) {
-        active->closeWindow();
-    }
-}
-
-bool MainWindow::saveForClosing(qint16 index)
-{
-    QString path = m_state.document(index).filePath;
-    if (path.isEmpty()) {
-        if (refuseUnsavable(index)) {
-            return false;
-        }
-        path = m_prompts.askSaveFileName(fileDialogTitle(), fileDialogFilter(), dialogFolder(index));
-        if (path.isEmpty()) {
-            return true; // no name given: nothing is written
-        }
-        noteFolderUsed(path);
-    }
-    return writeDocument(index, path);
-}
-
-bool MainWindow::confirmCloseEditor(qint16 index)
-{
-    if (m_state.isQuitting() || !m_state.documents().isDocumentIndex(index) || m_state.document(index).saved) {
-        return true;
-    }
-    MessageRequest request;
-    request.text = QStringLiteral("Do you want to save changes ?");
-    request.icon = MessageRequest::Icon::Question;
-    request.buttons = MessageRequest::Buttons::YesNoCancel;
-    switch (m_prompts.showMessage(request)) {
-    case UserPrompts::Answer::Yes:
-        // A failed write keeps the window open, so the changes are not lost.
-        return saveForClosing(index);
-    case UserPrompts::Answer::No:
-        return true;
-    case UserPrompts::Answer::Cancel:
-    case UserPrompts::Answer::Ok:
-        break;
-    }
-    return false;
-}
-
-bool MainWindow::confirmQuit()
-{
-    QList<qint16> unsaved;
-    for (const qint16 index : m_state.openDocumentIndexes()) {
-        if (!m_state.document(index).saved) {
-            unsaved.append(index);
-        }
-    }
-    if (!unsaved.isEmpty()) {
-        QString text = QStringLiteral("Do you want to save changes on file : ");
-        for (const qint16 index : unsaved) {
-            text += lineEnd() + QStringLiteral("    ") + editor(index)->caption();
-        }
-        MessageRequest request;
-        request.text = text;
-        request.icon = MessageRequest::Icon::Question;
-        request.buttons = MessageRequest::Buttons::YesNoCancel;
-        const UserPrompts::Answer answer = m_prompts.showMessage(request);
-        if (answer != UserPrompts::Answer::Yes && answer != UserPrompts::Answer::No) {
-            return false;
-        }
-        if (answer == UserPrompts::Answer::Yes) {
-            // All or none: a menu that cannot be saved stops quitting before anything is written.
-            QList<UnsavableDocument> unsavable;
-            for (const qint16 index : unsaved) {
-                const QList<SaveProblem> problems = documentSaveProblems(m_state.document(index));
-                if (!problems.isEmpty()) {
-                    unsavable.append(UnsavableDocument { editor(index)->caption(), problems });
-                }
-            }
-            if (!unsavable.isEmpty()) {
-                showRefusal(saveRefusalMessage(unsavable));
-                return false;
-            }
-            for (const qint16 index : unsaved) {
-                // A document that cannot be written stops quitting rather than being lost.
-                if (!saveForClosing(index)) {
-                    return false;
-                }
-            }
-        }
-    }
-    m_state.setQuitting(true);
-    return true;
-}
-
-void MainWindow::mnuQuit_Click()
-{
-    close();
-}
-
-void MainWindow::closeEvent(QCloseEvent* event)
-{
-    if (!m_state.isQuitting() && !confirmQuit()) {
-        event->ignore();
-        return;
-    }
-    m_mdiArea->closeAllSubWindows();
-    event->accept();
-}
-
-void MainWindow::dragEnterEvent(QDragEnterEvent* event)
-{
-    if (event->mimeData()->hasUrls()) {
-        event->acceptProposedAction();
-    }
-}
-
-void MainWindow::dropEvent(QDropEvent* event)
-{
-    if (!event->mimeData()->hasUrls()) {
-        return;
-    }
-    event->acceptProposedAction();
-    const QList<QUrl> urls = event->mimeData()->urls();
-    for (const QUrl& url : urls) {
-        if (!url.isLocalFile()) {
-            continue;
-        }
-        const QString path = url.toLocalFile();
-        const QFileInfo file(path);
-        if (file.exists() && path.right(4).toLower() == QLatin1String(".ini")) {
-            openMenu(path, file.fileName());
-        }
-    }
-}
-
-// ---- Undo and redo -----------------------------------------------------------------------------
-
-void MainWindow::mnuUndo_Click()
-{
-    m_undoController.mnuUndo_Click();
-    updateSaveEntry();
-    updateUnsavedMarks();
-}
-
-void MainWindow::mnuRedo_Click()
-{
-    m_undoController.mnuRedo_Click();
-    updateSaveEntry();
-    updateUnsavedMarks();
-    watchAutosave();
-}
-
-void MainWindow::watchAutosave()
-{
-    if (m_undoManager.isAutosavePending() && !m_autosaveCheck->isActive()) {
-        m_autosaveCheck->start();
-    }
-}
-
-void MainWindow::checkAutosave()
-{
-    if (!m_undoManager.isAutosavePending()) {
-        return;
-    }
-    if (!m_undoManager.isAutosaveFinished()) {
-        m_autosaveCheck->start();
-        return;
-    }
-    // A file that could not be written fails the edit that recorded its state: it is reported, and
-    // undoing brings back the state before that edit.
-    runGuarded([this] { m_undoManager.completeAutosave(); });
-}
-
-void MainWindow::recordSnapshot(qint16 index)
-{
-    m_undoManager.saveUndoState(index, true);
-}
-
-bool MainWindow::runGuarded(const std::function<void()>& operation)
-{
-    const bool completed = runEditingOperation(m_undoErrorReport, operation);
-    // Every recorded edit marks the document unsaved and an undone failure may mark it saved
-    // again; Save (and Ctrl+S) follows at once, as does every entry that depends on the selection.
-    updateMenus();
-    watchAutosave();
-    return completed;
-}
-
-bool MainWindow::runGuardedUndoing(const std::function<void()>& operation, const QList<qint16>& recorded)
-{
-    const bool completed = runCatchingErrors(operation, [this, &recorded](const RunTimeError& error) {
-        m_undoErrorReport.show(error, [this, &recorded] {
-            for (auto index = recorded.crbegin(); index != recorded.crend(); ++index) {
-                m_undoController.undoDocument(*index);
-            }
-        });
-    });
-    updateMenus();
-    watchAutosave();
-    return completed;
-}
-
-bool MainWindow::runReporting(const std::function<void()>& operation)
-{
-    const bool completed
-        = runCatchingErrors(operation, [this](const RunTimeError& error) { showCritical(error.report()); });
-    updateMenus();
-    watchAutosave();
-    return completed;
-}
-
-void MainWindow::showRefusal(const QString& text)
-{
-    MessageRequest request;
-    request.text = text;
-    request.icon = MessageRequest::Icon::Exclamation;
-    m_prompts.showMessage(request);
-}
-
-void MainWindow::showPlainMessage(const QString& text)
-{
-    MessageRequest request;
-    request.text = text;
-    m_prompts.showMessage(request);
-}
-
-void MainWindow::setUndoEnabled(bool enabled)
-{
-    m_editMenu->undoEntry()->setEnabled(enabled);
-}
-
-void MainWindow::setRedoEnabled(bool enabled)
-{
-    m_editMenu->redoEntry()->setEnabled(enabled);
-}
-
-// ---- Tree display -----------------------------------------------------------------------------
-
 void MainWindow::updateHideMarks()
 {
     const qint16 index = m_state.activeDocumentIndex();
@@ -971,7 +397,9 @@ void MainWindow::updateMenus()
     EditMenuState::Input input;
     input.editorActive = view != nullptr;
     input.editorOpen = !m_state.openDocumentIndexes().isEmpty();
-    input.itemSelected = view != nullptr && view->selectedNode().isItem();
+    const SelectedNode selected = view != nullptr ? view->selectedNode() : SelectedNode();
+    input.itemSelected = selected.isItem();
+    input.rootSelected = selected.isRoot();
     input.choosingLinkTarget = m_state.anyLinkTargetChoice();
     input.clipboardFilled = m_state.editing().clipboardItem.has_value();
     const EditMenuState state = EditMenuState::decide(input);
@@ -988,28 +416,20 @@ void MainWindow::updateMenus()
     }
     m_mnuSaveAs->setEnabled(state.windowEntries);
     m_mnuClose->setEnabled(state.windowEntries);
-    for (QAction* entry : std::as_const(m_arrangeEntries)) {
+    for (QAction* entry : m_editors->arrangeEntries()) {
         entry->setEnabled(state.arrangeEntries);
     }
     updateSaveEntry();
     updateUnsavedMarks();
     if (state.menus) {
-        m_undoManager.updateMenu(view != nullptr ? index : qint16(0));
+        m_history->updateEntries(view != nullptr ? index : qint16(0));
     }
     m_editMenu->apply(state);
     m_commandMenu->apply(state);
     // The panel checks the menu again only when it changed, so following every update is cheap.
     m_problemsPanel->follow(view != nullptr ? index : qint16(0));
     updateHideMarks();
-    m_lblNoMenu->setVisible(!input.editorOpen);
-}
-
-bool MainWindow::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_mdiArea->viewport() && event->type() == QEvent::Resize) {
-        m_lblNoMenu->setGeometry(m_mdiArea->viewport()->rect());
-    }
-    return QMainWindow::eventFilter(watched, event);
+    m_editors->setHintVisible(!input.editorOpen);
 }
 
 void MainWindow::selectionChanged(qint16 index)
@@ -1019,105 +439,101 @@ void MainWindow::selectionChanged(qint16 index)
     }
 }
 
-void MainWindow::attachEditor(EditorWindow& editor)
+void MainWindow::attachTree(QWidget* tree)
 {
-    m_editMenu->attachTo(editor.tree());
+    m_editMenu->attachTo(tree);
+}
+
+// ---- History ----------------------------------------------------------------------------------
+
+void MainWindow::mnuUndo_Click()
+{
+    m_history->mnuUndo_Click();
+}
+
+void MainWindow::mnuRedo_Click()
+{
+    m_history->mnuRedo_Click();
+}
+
+// ---- Commands, drag and drop, dialogs ---------------------------------------------------------
+
+const MenuDocument* MainWindow::activeDocument() const
+{
+    return activeEditor() != nullptr ? &activeEditor()->document() : nullptr;
+}
+
+SelectedNode MainWindow::activeSelectedNode() const
+{
+    return activeEditor() != nullptr ? activeEditor()->selectedNode() : SelectedNode();
+}
+
+int MainWindow::activeCommandSlot() const
+{
+    return activeEditor() != nullptr ? activeEditor()->selectedCommandIndex() + 1 : 0;
+}
+
+void MainWindow::editSelectedCommand()
+{
+    m_commandMenu->mnuEditCommand_Click();
+}
+
+void MainWindow::popupCommandMenu(const QPoint& globalPos)
+{
+    m_dragAndDrop->popupMenu(m_commandMenu->menu(), globalPos);
+}
+
+void MainWindow::execDrag(QDrag* drag)
+{
+    m_dragAndDrop->execDrag(drag);
+}
+
+void MainWindow::setDragExecutor(std::function<void(QDrag*)> executor)
+{
+    m_dragAndDrop->setDragExecutor(std::move(executor));
+}
+
+void MainWindow::popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo,
+                               const QPoint& globalPos)
+{
+    m_dragAndDrop->popupDropMenu(targetText, parentText, nextToo, globalPos);
+}
+
+void MainWindow::setMenuPopup(std::function<void(QMenu*, const QPoint&)> popup)
+{
+    m_dragAndDrop->setMenuPopup(std::move(popup));
+}
+
+void MainWindow::showRunTimeError(const RunTimeError& error)
+{
+    m_messages->showRunTimeError(error);
+}
+
+void MainWindow::showRefusal(const QString& text)
+{
+    m_messages->showRefusal(text);
+}
+
+void MainWindow::showPlainMessage(const QString& text)
+{
+    m_messages->showPlain(text);
 }
 
 void MainWindow::showReplaceDialog()
 {
     // Made once and kept: its texts and check box stay as the user left them.
     if (m_frmReplace == nullptr) {
-        m_frmReplace = new ReplaceDialog(m_session, this);
+        m_frmReplace = new ReplaceDialog(m_history->session(), this);
     }
     m_frmReplace->show();
     m_frmReplace->raise();
     m_frmReplace->activateWindow();
 }
 
-void MainWindow::execDrag(QDrag* drag)
+void MainWindow::openFindBar()
 {
-    if (m_dragExecutor) {
-        m_dragExecutor(drag);
-    } else {
-        drag->exec(Qt::CopyAction | Qt::MoveAction);
-    }
-    drag->deleteLater();
-}
-
-void MainWindow::popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo,
-                               const QPoint& globalPos)
-{
-    // The captions are the nodes' texts, shown as written.
-    m_mnuNodesInsertSub->setTitle(AccessKeys::onFirstLetter(targetText));
-    if (nextToo) {
-        m_mnuNodesInsertNext->setTitle(AccessKeys::onFirstLetter(parentText));
-    }
-    m_mnuNodesInsertNext->menuAction()->setVisible(nextToo);
-    popupMenu(m_mnuNodes, globalPos);
-}
-
-void MainWindow::popupMenu(QMenu* menu, const QPoint& globalPos)
-{
-    if (m_menuPopup) {
-        m_menuPopup(menu, globalPos);
-    } else {
-        menu->exec(globalPos);
-    }
-}
-
-// ---- Window menu ------------------------------------------------------------------------------
-
-void MainWindow::tileWindows(Qt::Orientation orientation)
-{
-    QList<QMdiSubWindow*> windows;
-    const QList<QMdiSubWindow*> all = m_mdiArea->subWindowList(QMdiArea::CreationOrder);
-    for (QMdiSubWindow* window : all) {
-        if (window->isVisible() && !window->isMinimized()) {
-            windows.append(window);
-        }
-    }
-    if (windows.isEmpty()) {
-        return;
-    }
-    const QRect area = m_mdiArea->viewport()->rect();
-    const int count = int(windows.size());
-    // Horizontal tiling stacks the windows one above the other, each as wide as the area;
-    // vertical tiling puts them side by side, each as high as the area.
-    const int total = orientation == Qt::Horizontal ? area.height() : area.width();
-    int start = 0;
-    for (int position = 0; position < count; ++position) {
-        const int end = total * (position + 1) / count;
-        QMdiSubWindow* window = windows.at(position);
-        if (window->isMaximized()) {
-            window->showNormal();
-        }
-        if (orientation == Qt::Horizontal) {
-            window->setGeometry(0, start, area.width(), end - start);
-        } else {
-            window->setGeometry(start, 0, end - start, area.height());
-        }
-        start = end;
-    }
-}
-
-// ---- Recent files, options, help --------------------------------------------------------------
-
-void MainWindow::syncRecentEntries()
-{
-    for (int entry = 0; entry < m_mnuRecent.size(); ++entry) {
-        const RecentFileList::Entry recent = m_recent.entry(entry);
-        m_mnuRecent.at(entry)->setText(AccessKeys::onFileName(recent.caption));
-        m_mnuRecent.at(entry)->setVisible(recent.visible);
-    }
-    m_tire03->setVisible(m_recent.separatorVisible());
-}
-
-void MainWindow::openRecent(int entry)
-{
-    const QString path = m_recent.entry(entry).caption;
-    if (!path.isEmpty()) {
-        openMenu(path, QFileInfo(path).fileName());
+    if (EditorWindow* active = activeEditor()) {
+        active->openFindBar();
     }
 }
 
@@ -1139,7 +555,7 @@ void MainWindow::showOptions()
 void MainWindow::showHelp()
 {
     DesktopHelpSystem system;
-    HelpLauncher launcher(system, m_prompts);
+    HelpLauncher launcher(system, prompts());
     const LanguageConfig language(m_programFolder);
     launcher.showHelp(language.helpFilePath(), language.htmlGuidePath());
 }
@@ -1149,5 +565,5 @@ void MainWindow::showAbout()
     MessageRequest request;
     request.text = aboutText();
     request.icon = MessageRequest::Icon::Information;
-    m_prompts.showMessage(request);
+    prompts().showMessage(request);
 }

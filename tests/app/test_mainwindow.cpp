@@ -4,6 +4,7 @@
 #include "app/editorwindow.h"
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
+#include "app/menufiles.h"
 #include "core/aboutinfo.h"
 #include "core/helplauncher.h"
 #include "core/languageconfig.h"
@@ -1622,7 +1623,7 @@ private Q_SLOTS:
             const qint16 index = window.openMenu(path, name);
             if (broken) {
                 QCOMPARE(index, qint16(0));
-                QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MainWindow::openErrorMessage() }));
+                QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ MenuFiles::openErrorMessage() }));
                 QCOMPARE(window.state().lastSlot(), slotsBefore);
                 continue;
             }
@@ -1691,7 +1692,7 @@ private Q_SLOTS:
         }
         QStringList details;
         for (const MessageRequest& message : sandbox.prompts().messages) {
-            QCOMPARE(message.text, MainWindow::openErrorMessage());
+            QCOMPARE(message.text, MenuFiles::openErrorMessage());
             details.append(message.details);
         }
         QCOMPARE(details, expectedDetails);

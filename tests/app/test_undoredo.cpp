@@ -1,6 +1,7 @@
 #include "guisandbox.h"
 #include "menutexts.h"
 
+#include "app/edithistory.h"
 #include "app/editorwindow.h"
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
@@ -56,7 +57,7 @@ void activate(MainWindow& window, qint16 index)
 /// editing operations.
 bool edit(MainWindow& window, qint16 index, const std::function<void(MenuDocument&)>& change)
 {
-    return window.runGuarded([&window, index, &change] {
+    return window.history().runGuarded([&window, index, &change] {
         window.undoManager().saveUndoState(index, true);
         change(window.state().document(index));
         window.regenerateTree(index);
