@@ -5,6 +5,7 @@
 #include "core/editingsession.h"
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
+#include "editing/itemmoving.h"
 #include "editing/linkediting.h"
 #include "editing/subtreecopy.h"
 #include "editing/treedisplay.h"
@@ -34,10 +35,14 @@ EditMenu::EditMenu(QMenu* menu, EditMenuHost& host, EditingSession& session)
     QAction* mnuNewItem
         = addOperation(QStringLiteral("mnuNewItem"), QStringLiteral("&New Item"), EditOperations::newItem);
     mnuNewItem->setShortcut(QKeySequence(Qt::Key_Insert));
+    // A new item as the last child of the selected one (a top-level one under the root).
+    m_mnuNewSubItem
+        = addOperation(QStringLiteral("mnuNewSubItem"), QStringLiteral("New Su&b-item"), EditOperations::newSubItem);
+    m_mnuNewSubItem->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
     QAction* mnuRename = addOperation(QStringLiteral("mnuRename"), QStringLiteral("Rena&me"), EditOperations::rename);
     mnuRename->setShortcut(QKeySequence(Qt::Key_F2));
     m_itemEntries += { mnuNewItem, mnuRename };
-    m_treeEntries += { mnuNewItem, mnuRename };
+    m_treeEntries += { mnuNewItem, m_mnuNewSubItem, mnuRename };
 
     QMenu* mnuSpecial = m_menu->addMenu(QStringLiteral("Special &items"));
     mnuSpecial->setObjectName(QStringLiteral("mnuSpecial"));
@@ -76,6 +81,30 @@ EditMenu::EditMenu(QMenu* menu, EditMenuHost& host, EditingSession& session)
     mnuDelete->setShortcut(QKeySequence::Delete);
     m_itemEntries.append(mnuDelete);
     m_treeEntries.append(mnuDelete);
+
+    // The moves of the selected item with its branch, among its siblings and between the levels.
+    QMenu* mnuMove = m_menu->addMenu(QStringLiteral("Mo&ve"));
+    mnuMove->setObjectName(QStringLiteral("mnuMove"));
+    mnuMove->menuAction()->setObjectName(QStringLiteral("mnuMove"));
+    const auto addMove = [this, mnuMove](const QString& name, const QString& caption, const QKeySequence& keys,
+                                         const EditOperation& operation) {
+        QAction* entry = mnuMove->addAction(caption);
+        entry->setObjectName(name);
+        entry->setShortcut(keys);
+        connect(entry, &QAction::triggered, this, [this, run = &operation] { m_session.run(*run); });
+        m_treeEntries.append(entry);
+        return entry;
+    };
+    m_itemEntries.append(addMove(QStringLiteral("mnuMoveUp"), QStringLiteral("Move &up"),
+                                 QKeySequence(Qt::CTRL | Qt::Key_Up), EditOperations::moveUp));
+    m_itemEntries.append(addMove(QStringLiteral("mnuMoveDown"), QStringLiteral("Move do&wn"),
+                                 QKeySequence(Qt::CTRL | Qt::Key_Down), EditOperations::moveDown));
+    m_nestingEntries.append(addMove(QStringLiteral("mnuMoveIntoItemAbove"), QStringLiteral("Move &into the item above"),
+                                    QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Right),
+                                    EditOperations::moveIntoItemAbove));
+    m_nestingEntries.append(addMove(QStringLiteral("mnuMoveOutOfParent"), QStringLiteral("Move &out of the parent"),
+                                    QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Left), EditOperations::moveOutOfParent));
+    m_itemEntries.append(mnuMove->menuAction());
     QAction* mnuReplace = addEntry(QStringLiteral("mnuReplace"), QStringLiteral("R&eplace"));
     // Ctrl+H, and the platform's own Replace key where it has another one.
     QList<QKeySequence> replaceKeys { QKeySequence(Qt::CTRL | Qt::Key_H) };
@@ -176,6 +205,10 @@ void EditMenu::apply(const EditMenuState& state)
         entry->setEnabled(state.documentEntries);
     }
     m_mnuSelectCopy->setEnabled(state.selectCopy);
+    m_mnuNewSubItem->setEnabled(state.newSubItem);
+    for (QAction* entry : std::as_const(m_nestingEntries)) {
+        entry->setEnabled(state.nestingEntries);
+    }
     m_mnuPaste->setEnabled(state.paste);
     m_mnuCopyComDup->setEnabled(state.menus);
     if (!state.menus) {

@@ -62,4 +62,7 @@ private:
     /// Entries whose shortcuts work only while an item tree has the focus.
     QList<QAction*> m_treeEntries;
     QAction* m_mnuSelectCopy = nullptr;
+    QAction* m_mnuNewSubItem = nullptr;
+    /// Move into the item above and Move out of the parent.
+    QList<QAction*> m_nestingEntries;
 };

@@ -7,8 +7,11 @@
 #include <QtGlobal>
 
 class FindBar;
+class BusyNoticeFrame;
 class EditorWindowHost;
+class ItemSidePanel;
 class ItemTree;
+class NodeDragHandler;
 class QCheckBox;
 class QFrame;
 class QLabel;
@@ -36,8 +39,6 @@ class EditorWindow final : public QWidget, public EditorView
 public:
     /// The caption of an editor window that has not been given one yet.
     static QString defaultCaption() { return QStringLiteral("KELV Menu Editor - Form"); }
-    /// The colour of the link-target button while a target is being chosen.
-    static QColor choosingColour();
 
     EditorWindow(EditorWindowHost& host, qint16 documentIndex, QWidget* parent = nullptr);
     ~EditorWindow() override;
@@ -119,25 +120,17 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildLayout();
     void applyStep(const TreeStep& step);
     /// Selects the first item node and shows it, and gives the root its text, as after a rebuild.
     void showFirstItem();
-    void moveSelectedNode(const TreeStep& step);
     /// Makes `node` the current and only selected node of the tree.
     void selectNode(const QModelIndex& node);
-    void placeBusyNotice();
-    void refreshFindBar();
     void showNoItem();
     void showStatusPanel(int panel, const QString& text);
     void updateLinkControls();
-    void startNodeDrag(const QModelIndex& node, Qt::MouseButton button);
-    void onNodeDraggedOver(const QModelIndex& node);
-    void showChoosingColour(bool choosing);
     WindowEditingState& windowState() const;
     void onCurrentNodeChanged(const QModelIndex& current);
     void onNodeClicked(const QModelIndex& node);
@@ -159,13 +152,7 @@ private:
 
     ItemTree* m_lstMenu = nullptr;
     FindBar* m_findBar = nullptr;
-    QListWidget* m_lstCommand = nullptr;
-    QCheckBox* m_chkCopyCommand = nullptr;
-    QLineEdit* m_txtItemIndexCopy = nullptr;
-    QPushButton* m_cmdChangeCopy = nullptr;
-    QPushButton* m_cmdUp = nullptr;
-    QPushButton* m_cmdDown = nullptr;
-    QLabel* m_lblPath = nullptr;
-    QFrame* m_frm01 = nullptr;
-    QLabel* m_lblReconstruct = nullptr;
+    ItemSidePanel* m_itemPanel = nullptr;
+    BusyNoticeFrame* m_frm01 = nullptr;
+    NodeDragHandler* m_dragHandler = nullptr;
 };

@@ -136,6 +136,14 @@ void FindBar::menuChanged()
     m_matchedNodes.clear();
 }
 
+void FindBar::followMenu()
+{
+    menuChanged();
+    if (isVisible()) {
+        search();
+    }
+}
+
 void FindBar::findNext()
 {
     if (m_matches.isEmpty()) {

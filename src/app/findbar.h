@@ -33,6 +33,8 @@ public:
     void search();
     /// The menu or what the tree shows of it changed: the next search starts afresh.
     void menuChanged();
+    /// The menu has changed: the matches follow it, and an open bar searches again.
+    void followMenu();
     /// Shows the next match (wrapping at the end), or the previous one.
     void findNext();
     void findPrevious();

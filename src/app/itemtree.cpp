@@ -1,6 +1,7 @@
 #include "itemtree.h"
 
 #include "app/itemtreemodel.h"
+#include "app/paintingsuspended.h"
 #include "app/plaintooltip.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
@@ -22,26 +23,6 @@
 #include <utility>
 
 namespace {
-
-/// Suspends painting of a widget until the end of a scope, also when an error leaves it early.
-class PaintingSuspended
-{
-public:
-    /// Painting is set to `enabledAfter` at the end of the scope.
-    PaintingSuspended(QWidget* widget, bool enabledAfter)
-        : m_widget(widget)
-        , m_enabledAfter(enabledAfter)
-    {
-        m_widget->setUpdatesEnabled(false);
-    }
-    ~PaintingSuspended() { m_widget->setUpdatesEnabled(m_enabledAfter); }
-    PaintingSuspended(const PaintingSuspended&) = delete;
-    PaintingSuspended& operator=(const PaintingSuspended&) = delete;
-
-private:
-    QWidget* m_widget;
-    bool m_enabledAfter;
-};
 
 /// Counts a change of the tree's shape for the length of a scope.
 class ShapeChange

@@ -45,3 +45,12 @@ qint16 countTopLevel(const MenuDocument& document)
     }
     return Int16::checked(count, "countTopLevel");
 }
+
+qint16 requireItemByKey(const MenuDocument& document, const QString& key, const char* source)
+{
+    const qint16 index = findItemByKey(document, key);
+    if (index < 0) {
+        throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QString::fromLatin1(source));
+    }
+    return index;
+}

@@ -9,6 +9,10 @@ struct MenuDocument;
 /// Every lookup from a tree-node key or a copyKey goes through here, never through a kept index.
 qint16 findItemByKey(const MenuDocument& document, const QString& key);
 
+/// findItemByKey for a key that must name an item: none is run-time error 9 (subscript out of range)
+/// of `source`.
+qint16 requireItemByKey(const MenuDocument& document, const QString& key, const char* source);
+
 /// The nearest item at or before `index` whose level is one less than the level of item `index`;
 /// -1 for a negative index or when there is none; throws RunTimeError 9 for an index past the last
 /// item. Only meaningful while a file is being read.
