@@ -83,7 +83,7 @@ EditorWindow::EditorWindow(EditorWindowHost& host, qint16 documentIndex, QWidget
     connect(m_lstMenu, &ItemTree::dragStartRequested, m_dragHandler, &NodeDragHandler::startDrag);
     connect(m_lstMenu, &ItemTree::nodeDraggedOver, m_dragHandler, &NodeDragHandler::draggedOver);
     connect(m_lstMenu, &ItemTree::nodeDropped, this, &EditorWindow::lstMenu_OLEDragDrop);
-    new LinkTargetClicks(
+    m_linkTargetClicks = new LinkTargetClicks(
         m_lstMenu, [this] { return isChoosingLinkTarget(); }, [this](const QModelIndex& node) { clickFromUser(node); });
     m_lstMenu->setToolTipSource([this](const QString& key) {
         const MenuDocument& menu = document();
@@ -94,8 +94,9 @@ EditorWindow::EditorWindow(EditorWindowHost& host, qint16 documentIndex, QWidget
 
 EditorWindow::~EditorWindow()
 {
-    // The tree goes after this window; what it signals on the way must not reach the window.
+    // The tree goes after this window; what it signals or hears on the way must not reach the window.
     disconnect(m_lstMenu, nullptr, this, nullptr);
+    delete m_linkTargetClicks;
 }
 
 void EditorWindow::buildLayout()

@@ -11,6 +11,7 @@ class BusyNoticeFrame;
 class EditorWindowHost;
 class ItemSidePanel;
 class ItemTree;
+class LinkTargetClicks;
 class NodeDragHandler;
 class QCheckBox;
 class QFrame;
@@ -155,4 +156,5 @@ private:
     ItemSidePanel* m_itemPanel = nullptr;
     BusyNoticeFrame* m_frm01 = nullptr;
     NodeDragHandler* m_dragHandler = nullptr;
+    LinkTargetClicks* m_linkTargetClicks = nullptr;
 };
