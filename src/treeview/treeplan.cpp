@@ -19,7 +19,7 @@ struct ChildBuckets
     std::vector<int> children;
 };
 
-ChildBuckets bucketChildren(const QList<MenuItem>& items)
+ChildBuckets bucketChildren(const MenuItemArray& items)
 {
     const int count = int(items.size());
     std::vector<int> reachable;
@@ -69,7 +69,7 @@ ChildBuckets bucketChildren(const QList<MenuItem>& items)
 
 /// The top-level items in the order shown: for siblingOrder 1, 2, 3 ... the first item in array
 /// order, up to the first order no top-level item has.
-std::vector<int> topLevelItems(const QList<MenuItem>& items)
+std::vector<int> topLevelItems(const MenuItemArray& items)
 {
     std::vector<int> firstOfOrder;
     for (int j = 0; j < int(items.size()); ++j) {
@@ -103,7 +103,7 @@ struct Visit
 
 QList<PlannedNode> planTree(const MenuDocument& document, int hideMode)
 {
-    const QList<MenuItem>& items = document.items;
+    const MenuItemArray& items = document.items;
     const ChildBuckets buckets = bucketChildren(items);
     const std::vector<int> topLevel = topLevelItems(items);
     const QString rootKey = QStringLiteral("Root");
