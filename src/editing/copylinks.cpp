@@ -142,8 +142,17 @@ void normalizeCopyLinks(MenuDocument& document)
         }
         const MenuItem& item = items.at(i);
         const bool linked = holder >= 0;
-        const bool commandsChange = dissolved[std::size_t(i)] && item.commands != commands;
-        if (item.copiesCommands == linked && (!linked || item.copyKey == items.at(holder).key) && !commandsChange) {
+        const bool linkChanges = item.copiesCommands != linked || (linked && item.copyKey != items.at(holder).key);
+        const QList<Command>* commandsAfter = dissolved[std::size_t(i)] ? &commands : nullptr;
+        if (linked) {
+            // A link holds the same commands as its holder; sharing the holder's list costs nothing,
+            // and the next pass then sees at a glance that the link still holds them.
+            const QList<Command>& holderCommands = commandsOf(holder);
+            if (commands.constData() != holderCommands.constData() && commands.at(0) == holderCommands.at(0)) {
+                commandsAfter = &holderCommands;
+            }
+        }
+        if (!linkChanges && (commandsAfter == nullptr || *commandsAfter == item.commands)) {
             continue;
         }
         MenuItem& changed = items[i];
@@ -151,8 +160,8 @@ void normalizeCopyLinks(MenuDocument& document)
         if (linked) {
             changed.copyKey = items.at(holder).key;
         }
-        if (commandsChange) {
-            changed.commands = dissolvedCommands[std::size_t(i)];
+        if (commandsAfter != nullptr) {
+            changed.commands = *commandsAfter;
         }
     }
 }

@@ -54,9 +54,8 @@ MenuItemArray::Chunk& MenuItemArray::ownChunk(Table& table, qsizetype chunk)
     return *pointer;
 }
 
-MenuItem& MenuItemArray::operator[](qsizetype index)
+MenuItem& MenuItemArray::writableItem(qsizetype index)
 {
-    Q_ASSERT(index >= 0 && index < size());
     return ownChunk(ownTable(), index >> ChunkBits).items[std::size_t(index & ChunkMask)];
 }
 

@@ -69,7 +69,19 @@ public:
     }
     const MenuItem& operator[](qsizetype index) const { return at(index); }
     /// Item `index` for writing: its chunk becomes this array's own first.
-    MenuItem& operator[](qsizetype index);
+    MenuItem& operator[](qsizetype index)
+    {
+        Q_ASSERT(index >= 0 && index < size());
+        // Most writes land in a chunk that is already this array's own.
+        Table* table = m_table.data();
+        if (table->ref.loadAcquire() == 1) {
+            Chunk* chunk = table->chunks[std::size_t(index >> ChunkBits)].data();
+            if (chunk->ref.loadAcquire() == 1) {
+                return chunk->items[std::size_t(index & ChunkMask)];
+            }
+        }
+        return writableItem(index);
+    }
 
     const MenuItem& constFirst() const { return at(0); }
     const MenuItem& constLast() const { return at(size() - 1); }
@@ -135,6 +147,8 @@ private:
         qsizetype size = 0;
     };
 
+    /// Item `index` once its table and chunk are made this array's own.
+    MenuItem& writableItem(qsizetype index);
     /// The table, made this array's own (and made at all when the array has none yet).
     Table& ownTable();
     /// Chunk `chunk` of an own table, made this array's own.
