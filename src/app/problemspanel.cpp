@@ -66,8 +66,8 @@ ProblemsPanel::ProblemsPanel(std::function<const MenuDocument*(qint16)> document
 void ProblemsPanel::follow(qint16 index)
 {
     const MenuDocument* document = m_documentOf(index);
-    const bool sameMenu = index == m_index && document != nullptr && m_checkedValid
-        && document->items.constData() == m_checked.items.constData();
+    const bool sameMenu
+        = index == m_index && document != nullptr && m_checkedValid && document->items.isSharedWith(m_checked.items);
     m_index = document != nullptr ? index : qint16(0);
     if (sameMenu) {
         return;

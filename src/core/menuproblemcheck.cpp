@@ -21,7 +21,7 @@ constexpr int markersPerLevel = 3;
 class ItemPaths
 {
 public:
-    explicit ItemPaths(const QList<MenuItem>& items)
+    explicit ItemPaths(const MenuItemArray& items)
         : m_items(items)
     {
     }
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    const QList<MenuItem>& m_items;
+    const MenuItemArray& m_items;
     std::vector<qint32> m_chain;
     qint32 m_lastIndex = -1;
     QStringList m_lastPath;
@@ -230,7 +230,7 @@ private:
         m_problems.append(std::move(problem));
     }
 
-    const QList<MenuItem>& m_items;
+    const MenuItemArray& m_items;
     const MenuFileLines* m_lines;
     QList<MenuProblem>& m_problems;
     ItemPaths m_paths;

@@ -7,6 +7,8 @@
 
 #include <QHash>
 
+#include <vector>
+
 namespace {
 
 const char* const sameCommandsSource = "sameCommands";
@@ -77,10 +79,14 @@ bool sameCommands(const MenuDocument& document, int i, int j)
 
 void normalizeCopyLinks(MenuDocument& document)
 {
-    auto& items = document.items;
+    MenuItemArray& items = document.items;
     const qsizetype count = items.size();
     // Indices are 16-bit in the menu model; a larger array cannot come from a menu file.
     Int16::checked(count, normalizeSource);
+
+    // The new links are worked out aside and the items written only where something changes: on a
+    // menu whose links are already right nothing is written, so its items stay shared with the undo
+    // states, and Undo finds only the items that really changed.
 
     // Dissolve every link into an own copy of its target's commands, in array order. Keys do not
     // change here, so one key index serves the whole pass. A link to a later link that is still
@@ -90,17 +96,31 @@ void normalizeCopyLinks(MenuDocument& document)
     for (qsizetype i = count - 1; i >= 0; --i) {
         indexOfKey.insert(items.at(i).key, i); // walking backwards, the first of equal keys wins
     }
+    std::vector<bool> dissolved(std::size_t(count), false);
+    std::vector<QList<Command>> dissolvedCommands(static_cast<std::size_t>(count));
+    const auto commandsOf = [&](qsizetype i) -> const QList<Command>& {
+        return dissolved[std::size_t(i)] ? dissolvedCommands[std::size_t(i)] : items.at(i).commands;
+    };
     for (qsizetype i = 0; i < count; ++i) {
         if (!items.at(i).copiesCommands) {
             continue;
         }
-        MenuItem& item = items[i];
-        item.copiesCommands = false;
-        const auto found = indexOfKey.constFind(item.copyKey);
+        const auto found = indexOfKey.constFind(items.at(i).copyKey);
         if (found == indexOfKey.constEnd()) {
+            // The links before this one are dissolved and this one is switched off when the error
+            // comes, as the step-by-step pass leaves them.
+            for (qsizetype k = 0; k < i; ++k) {
+                if (dissolved[std::size_t(k)]) {
+                    MenuItem& item = items[k];
+                    item.copiesCommands = false;
+                    item.commands = dissolvedCommands[std::size_t(k)];
+                }
+            }
+            items[i].copiesCommands = false;
             throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QString::fromLatin1(normalizeSource));
         }
-        item.commands = items.at(found.value()).commands;
+        dissolvedCommands[std::size_t(i)] = commandsOf(found.value());
+        dissolved[std::size_t(i)] = true;
     }
 
     // Relink: nothing is linked any more, so each item whose non-empty command list was already
@@ -109,18 +129,39 @@ void normalizeCopyLinks(MenuDocument& document)
     QHash<CommandListKey, qsizetype> firstWithCommands;
     firstWithCommands.reserve(count);
     for (qsizetype i = 0; i < count; ++i) {
+        const QList<Command>& commands = commandsOf(i);
+        qsizetype holder = -1;
+        if (commands.size() - 1 > 0) {
+            CommandListKey listKey { commands };
+            const auto first = firstWithCommands.constFind(listKey);
+            if (first == firstWithCommands.constEnd()) {
+                firstWithCommands.insert(std::move(listKey), i);
+            } else {
+                holder = first.value();
+            }
+        }
         const MenuItem& item = items.at(i);
-        if (item.commandUpperBound() <= 0) {
+        const bool linked = holder >= 0;
+        const bool linkChanges = item.copiesCommands != linked || (linked && item.copyKey != items.at(holder).key);
+        const QList<Command>* commandsAfter = dissolved[std::size_t(i)] ? &commands : nullptr;
+        if (linked) {
+            // A link holds the same commands as its holder; sharing the holder's list costs nothing,
+            // and the next pass then sees at a glance that the link still holds them.
+            const QList<Command>& holderCommands = commandsOf(holder);
+            if (commands.constData() != holderCommands.constData() && commands.at(0) == holderCommands.at(0)) {
+                commandsAfter = &holderCommands;
+            }
+        }
+        if (!linkChanges && (commandsAfter == nullptr || *commandsAfter == item.commands)) {
             continue;
         }
-        CommandListKey listKey { item.commands };
-        const auto first = firstWithCommands.constFind(listKey);
-        if (first == firstWithCommands.constEnd()) {
-            firstWithCommands.insert(std::move(listKey), i);
-            continue;
+        MenuItem& changed = items[i];
+        changed.copiesCommands = linked;
+        if (linked) {
+            changed.copyKey = items.at(holder).key;
         }
-        MenuItem& linked = items[i];
-        linked.copiesCommands = true;
-        linked.copyKey = items.at(first.value()).key;
+        if (commandsAfter != nullptr) {
+            changed.commands = *commandsAfter;
+        }
     }
 }

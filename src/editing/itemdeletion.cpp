@@ -179,7 +179,7 @@ private:
         }
     }
 
-    QList<MenuItem>& m_items;
+    MenuItemArray& m_items;
     QHash<QString, int> m_indexOfKey;
     /// For each slot, the slots of the items whose parent it is.
     std::vector<std::set<int>> m_children;
@@ -210,9 +210,10 @@ void removeItemBranch(MenuDocument& document, const QString& key)
         // The siblings after the removed item move up one place.
         const qint16 parent = items.at(selected).parent;
         const qint16 order = items.at(selected).siblingOrder;
-        for (MenuItem& item : items) {
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            const MenuItem& item = items.at(i);
             if (item.parent == parent && item.siblingOrder > order) {
-                item.siblingOrder = Int16::decremented(item.siblingOrder, removeItemBranchSource);
+                items[i].siblingOrder = Int16::decremented(item.siblingOrder, removeItemBranchSource);
             }
         }
         deleteItemTree(document, removedKey);

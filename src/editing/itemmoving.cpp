@@ -176,13 +176,14 @@ TreeUpdate dropMoveWithin(MenuDocument& document, const DropRequest& request)
         if (k == dragged) {
             continue;
         }
-        MenuItem& item = items[k];
-        // The siblings that followed it close the gap; the children of the destination make room.
+        // The siblings that followed it close the gap; the children of the destination make room. The
+        // other items are only read, so they stay shared with the undo states.
+        const MenuItem& item = items.at(k);
         if (item.parent == oldParent && item.siblingOrder > oldOrder) {
-            item.siblingOrder = Int16::decremented(item.siblingOrder, dropSource);
+            items[k].siblingOrder = Int16::decremented(item.siblingOrder, dropSource);
         }
         if (item.parent == destination) {
-            item.siblingOrder = Int16::incremented(item.siblingOrder, dropSource);
+            items[k].siblingOrder = Int16::incremented(items.at(k).siblingOrder, dropSource);
         }
     }
     if (oldParent >= 0) {

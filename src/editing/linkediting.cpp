@@ -23,7 +23,7 @@ int itemIndexOf(const MenuDocument& document, const QString& key, const char* so
 /// After a bulk change of the links: a tree that hides links is rebuilt, since items may have
 /// become links or stopped being ones; then the colours follow. A document that changed is no
 /// longer saved, although no undo state was recorded.
-TreeUpdate afterBulkLinkChange(MenuDocument& document, const QList<MenuItem>& before)
+TreeUpdate afterBulkLinkChange(MenuDocument& document, const MenuItemArray& before)
 {
     if (document.items != before) {
         document.saved = false;
@@ -115,17 +115,19 @@ TreeUpdate toggleLinkTargetChoice(EditContext&)
 
 TreeUpdate lookForCopyCommand(EditContext& context)
 {
-    const QList<MenuItem> before = context.document.items;
+    const MenuItemArray before = context.document.items;
     normalizeCopyLinks(context.document);
     return afterBulkLinkChange(context.document, before);
 }
 
 TreeUpdate uncheckAllCopyCommand(EditContext& context)
 {
-    const QList<MenuItem> before = context.document.items;
-    for (MenuItem& item : context.document.items) {
-        if (item.copiesCommands) {
-            item.copiesCommands = false;
+    const MenuItemArray before = context.document.items;
+    MenuItemArray& items = context.document.items;
+    // Only the links are written to, so the other items stay shared with the undo states.
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        if (items.at(i).copiesCommands) {
+            items[i].copiesCommands = false;
         }
     }
     return afterBulkLinkChange(context.document, before);

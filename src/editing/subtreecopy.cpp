@@ -31,7 +31,7 @@ struct ChildIndex
     std::vector<int> children;
 };
 
-ChildIndex indexChildren(const QList<MenuItem>& items)
+ChildIndex indexChildren(const MenuItemArray& items)
 {
     const int count = int(items.size());
     std::vector<int> reachable;

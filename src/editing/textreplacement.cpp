@@ -22,7 +22,7 @@ bool holds(const QString& text, const QString& find)
 /// Replaces in the caption of item `index` and, when it holds its own commands, in every command
 /// text. An item that holds nothing to replace is left untouched, so that it keeps sharing its texts
 /// with the undo states of a large menu.
-qint16 replaceInItem(QList<MenuItem>& items, int index, const QString& find, const QString& replacement)
+qint16 replaceInItem(MenuItemArray& items, int index, const QString& find, const QString& replacement)
 {
     const MenuItem& item = std::as_const(items).at(index);
     bool found = holds(item.caption, find);
@@ -78,7 +78,7 @@ qint16 replaceInAll(MenuDocument& document, const QString& find, const QString& 
 
 qint16 replaceInBranch(MenuDocument& document, int index, const QString& find, const QString& replacement)
 {
-    QList<MenuItem>& items = document.items;
+    MenuItemArray& items = document.items;
     const int itemCount = int(items.size());
     if (index < 0 || index >= itemCount) {
         throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QString::fromLatin1(replaceSource));

@@ -127,7 +127,7 @@ QString whyNotWritable(const QFileInfo& target)
 
 QByteArray menuFileBytes(const MenuDocument& document)
 {
-    const QList<MenuItem>& items = document.items;
+    const MenuItemArray& items = document.items;
     const QList<SaveOrderEntry> order = saveOrder(document);
 
     // A link names the first item that bears its key; filling from the end lets the first one win.

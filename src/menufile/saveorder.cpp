@@ -9,7 +9,7 @@ namespace {
 
 /// Puts `bucket` in the order the tree walk visits it: for ord = 1 .. limit, every item with that
 /// siblingOrder, in array order among items that share one. Other items are dropped.
-void orderSiblings(QList<qint32>& bucket, const QList<MenuItem>& items, qint32 limit)
+void orderSiblings(QList<qint32>& bucket, const MenuItemArray& items, qint32 limit)
 {
     bucket.removeIf([&items, limit](qint32 index) {
         const qint16 order = items.at(index).siblingOrder;
@@ -24,7 +24,7 @@ void orderSiblings(QList<qint32>& bucket, const QList<MenuItem>& items, qint32 l
 
 QList<SaveOrderEntry> saveOrder(const MenuDocument& document)
 {
-    const QList<MenuItem>& items = document.items;
+    const MenuItemArray& items = document.items;
     QList<QList<qint32>> children(items.size());
     QList<qint32> topLevel;
     for (qint32 i = 0; i < items.size(); ++i) {

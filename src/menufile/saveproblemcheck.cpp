@@ -47,7 +47,7 @@ QString shownCaption(const QString& caption)
 }
 
 /// The captions of `chain` (item indexes from the top level down), in quotes, joined by " > ".
-QString itemPath(const QList<MenuItem>& items, const QList<qint32>& chain)
+QString itemPath(const MenuItemArray& items, const QList<qint32>& chain)
 {
     QStringList parts;
     const qsizetype depth = chain.size();
@@ -173,7 +173,7 @@ void checkCommand(const Command& command, const QString& name, QStringList& desc
 
 QList<SaveProblem> findSaveProblems(const MenuDocument& document)
 {
-    const QList<MenuItem>& items = document.items;
+    const MenuItemArray& items = document.items;
     // A link names the first item that bears its key, as the writer finds it.
     QHash<QString, qint32> indexOfKey;
     for (qint32 i = qint32(items.size()) - 1; i >= 0; --i) {

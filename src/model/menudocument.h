@@ -1,14 +1,14 @@
 #pragma once
 
 #include "menuitem.h"
+#include "menuitemarray.h"
 
-#include <QList>
 #include <QString>
 
 /// One open menu. The same record is the whole-document state kept by undo and redo.
 struct MenuDocument
 {
-    QList<MenuItem> items;
+    MenuItemArray items;
     /// 0 shows all items, 1 hides copy-command links, 2 hides items without commands, 3 hides both.
     qint32 hideMode = 0;
     QString filePath;

@@ -19,7 +19,7 @@ struct ChildBuckets
     std::vector<int> children;
 };
 
-template <typename Items> ChildBuckets bucketChildren(const Items& items)
+ChildBuckets bucketChildren(const MenuItemArray& items)
 {
     const int count = int(items.size());
     std::vector<int> reachable;
@@ -69,7 +69,7 @@ template <typename Items> ChildBuckets bucketChildren(const Items& items)
 
 /// The top-level items in the order shown: for siblingOrder 1, 2, 3 ... the first item in array
 /// order, up to the first order no top-level item has.
-template <typename Items> std::vector<int> topLevelItems(const Items& items)
+std::vector<int> topLevelItems(const MenuItemArray& items)
 {
     std::vector<int> firstOfOrder;
     for (int j = 0; j < int(items.size()); ++j) {
@@ -103,7 +103,7 @@ struct Visit
 
 std::vector<PlannedItem> planTreeItems(const MenuDocument& document, int hideMode)
 {
-    const auto& items = document.items;
+    const MenuItemArray& items = document.items;
     const ChildBuckets buckets = bucketChildren(items);
     const std::vector<int> topLevel = topLevelItems(items);
 

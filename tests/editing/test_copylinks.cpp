@@ -8,6 +8,8 @@
 #include <QRandomGenerator>
 #include <QTest>
 
+#include <algorithm>
+
 namespace {
 
 Command cmd(const char* extension, const char* text)
@@ -261,6 +263,38 @@ private Q_SLOTS:
             const MenuDocument once = document;
             normalizeCopyLinks(document);
             QVERIFY2(document == once, qPrintable(QStringLiteral("seed %1").arg(seed)));
+            // Nothing was written, so the items are still shared with the state before.
+            QVERIFY2(document.items.isSharedWith(once.items), qPrintable(QStringLiteral("seed %1").arg(seed)));
+        }
+    }
+
+    void normalizingWritesOnlyTheItemsWhoseLinkChanges()
+    {
+        constexpr qsizetype chunk = MenuItemArray::ChunkSize;
+        for (quint32 seed = 1; seed <= 20; ++seed) {
+            QRandomGenerator random(seed);
+            MenuDocument document = RandomMenu::generate(random, int(4 * chunk + random.bounded(int(chunk))));
+            normalizeCopyLinks(document);
+            // One item gets the commands of another, as pasting a record does.
+            const int count = int(document.items.size());
+            const int changed = int(random.bounded(count));
+            document.items[changed].copiesCommands = false;
+            document.items[changed].commands = document.items.at(int(random.bounded(count))).commands;
+            const MenuDocument edited = document;
+            normalizeCopyLinks(document);
+            MenuDocument literal = edited;
+            LiteralLinkRoutines::normalizeCopyLinks(literal);
+            QVERIFY2(document == literal, qPrintable(QStringLiteral("seed %1").arg(seed)));
+            // A chunk whose items all kept their value was not written: it still holds the records of
+            // the state before, so that state and the document still share it.
+            for (qsizetype first = 0; first < count; first += chunk) {
+                bool unchanged = true;
+                for (qsizetype i = first; i < std::min(first + chunk, qsizetype(count)); ++i) {
+                    unchanged = unchanged && document.items.at(i) == edited.items.at(i);
+                }
+                QVERIFY2(!unchanged || &document.items.at(first) == &edited.items.at(first),
+                         qPrintable(QStringLiteral("seed %1 chunk from %2").arg(seed).arg(first)));
+            }
         }
     }
 };

@@ -1,6 +1,12 @@
+#include "editing/copylinks.h"
+#include "editing/itemdeletion.h"
+#include "editing/randommenu.h"
+#include "editing/textreplacement.h"
 #include "history/documenthistory.h"
+#include "model/itemrangecheck.h"
 #include "model/runtimeerror.h"
 
+#include <QRandomGenerator>
 #include <QTest>
 
 namespace {
@@ -130,6 +136,63 @@ private Q_SLOTS:
         QVERIFY(!history.undoState(0).items.isSharedWith(document.items));
         // The untouched item still shares its caption text with the state.
         QVERIFY(history.undoState(0).items[1].caption.isSharedWith(document.items[1].caption));
+    }
+
+    void anUndoneStateTellsWhichItemsMayDiffer()
+    {
+        for (quint32 seed = 1; seed <= 30; ++seed) {
+            QRandomGenerator random(seed);
+            MenuDocument document = RandomMenu::generate(random, 300 + int(random.bounded(900)));
+            normalizeCopyLinks(document);
+            DocumentHistory history;
+            for (int step = 0; step < 40; ++step) {
+                if (history.undoCount() > 0 && random.bounded(3) == 0) {
+                    // Undo: the document before and the state it goes back to are compared.
+                    const MenuDocument before = document;
+                    history.pushRedoState(document);
+                    document = history.takeUndoState();
+                    const QList<ItemRange> ranges = document.items.rangesDifferentFrom(before.items);
+                    const QString problem = rangeProblem(document.items, before.items, ranges);
+                    QVERIFY2(problem.isEmpty(),
+                             qPrintable(QStringLiteral("seed %1 step %2: %3").arg(seed).arg(step).arg(problem)));
+                    continue;
+                }
+                history.pushUndoState(document);
+                const int count = int(document.items.size());
+                const QString key = document.items.at(int(random.bounded(count))).key;
+                bool renamed = false;
+                try {
+                    switch (random.bounded(4)) {
+                    case 0:
+                        removeItemBranch(document, key);
+                        break;
+                    case 1:
+                        replaceInAll(document, QStringLiteral("a"), QStringLiteral("b"));
+                        break;
+                    case 2:
+                        normalizeCopyLinks(document);
+                        break;
+                    default:
+                        document.items[int(random.bounded(count))].caption = QStringLiteral("Renamed %1").arg(step);
+                        renamed = true;
+                        break;
+                    }
+                } catch (const RunTimeError&) {
+                    // The error path: back to the state before the edit.
+                    document = history.takeUndoState();
+                }
+                const MenuDocument& recorded = history.undoState(history.undoCount() - 1);
+                const QList<ItemRange> ranges = document.items.rangesDifferentFrom(recorded.items);
+                const QString problem = rangeProblem(document.items, recorded.items, ranges);
+                QVERIFY2(problem.isEmpty(),
+                         qPrintable(QStringLiteral("seed %1 step %2: %3").arg(seed).arg(step).arg(problem)));
+                if (renamed) {
+                    // A rename leaves everything but the chunk of its item shared.
+                    QCOMPARE(ranges.size(), qsizetype(1));
+                    QVERIFY(ranges.first().count() <= MenuItemArray::ChunkSize);
+                }
+            }
+        }
     }
 };
 

@@ -95,7 +95,7 @@ private Q_SLOTS:
         const qint16 index = h.openDocument(4);
         h.host.activeIndex = index;
         h.document(index).hideMode = 1;
-        const QList<MenuItem> items = h.document(index).items;
+        const MenuItemArray items = h.document(index).items;
 
         h.controller.mnuUndo_Click();
         QCOMPARE(h.document(index).hideMode, 2);

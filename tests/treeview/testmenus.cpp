@@ -114,10 +114,11 @@ MenuDocument randomMenu(quint32 seed)
     QRandomGenerator random(seed);
     const int count = int(random.bounded(0, 41));
     MenuDocument document;
-    document.items = random.bounded(3) == 0 ? arbitraryItems(random, count) : wellFormedItems(random, count);
+    QList<MenuItem> items = random.bounded(3) == 0 ? arbitraryItems(random, count) : wellFormedItems(random, count);
     if (random.bounded(2) == 0) {
-        damage(random, document.items);
+        damage(random, items);
     }
+    document.items = MenuItemArray(items);
     for (MenuItem& entry : document.items) {
         const int commands = int(random.bounded(3));
         for (int c = 1; c <= commands; ++c) {
