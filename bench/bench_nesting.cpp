@@ -96,7 +96,8 @@ struct Row
 MenuDocument withoutLastItem(const MenuDocument& document)
 {
     MenuDocument roomy = detachedCopy(document);
-    const MenuItem last = roomy.items.takeLast();
+    const MenuItem last = roomy.items.at(roomy.items.size() - 1);
+    roomy.items.removeLast();
     require(last.childCount == 0, "the last item is not a leaf");
     if (last.parent >= 0) {
         --roomy.items[last.parent].childCount;
