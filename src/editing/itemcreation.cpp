@@ -1,5 +1,7 @@
 #include "itemcreation.h"
 
+#include "itemroom.h"
+
 #include "model/errortable.h"
 #include "model/int16.h"
 #include "model/itemlookup.h"
@@ -16,6 +18,7 @@ const char* const labelEditSource = "lstMenu_AfterLabelEdit";
 TreeUpdate createItem(EditContext& context)
 {
     MenuDocument& document = context.document;
+    ensureRoomForNewItems(document, 1, newItemSource);
 
     const qsizetype count = document.items.size();
     // The new slot starts empty: no link (an empty copyKey, not "-1") and level 0.
@@ -24,7 +27,7 @@ TreeUpdate createItem(EditContext& context)
     item.level = 0;
     item.parent = 0;
     item.siblingOrder = 0;
-    item.caption = QStringLiteral("New Item ") + QString::number(Int16::checked(count + 1, newItemSource));
+    item.caption = QStringLiteral("New Item ") + QString::number(count + 1);
     document.lastIndex = Int16::incremented(document.lastIndex, newItemSource);
     item.key = QLatin1Char('E') + QString::number(document.lastIndex);
     document.items.append(item);

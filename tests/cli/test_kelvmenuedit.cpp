@@ -439,6 +439,45 @@ private Q_SLOTS:
         QVERIFY(dumped.out.isEmpty());
     }
 
+    void anOperationThatWouldPassTheMostItemsStopsTheRunAsAnOverflow_data()
+    {
+        QTest::addColumn<QByteArray>("ops");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("new item") << QByteArray(R"([{"op": "new-item", "key": "E5", "caption": "one more"}])")
+                                  << QByteArray("full.ini: operation 1 (new-item): Error 6 : Overflow (mnuNewItem)\n");
+        QTest::newRow("duplicate") << QByteArray(R"([{"op": "delete", "key": "E7"}, {"op": "duplicate", "key": "E0"},
+                                                    {"op": "duplicate", "key": "E1"}])")
+                                   << QByteArray("full.ini: operation 3 (duplicate): Error 6 : Overflow "
+                                                 "(mnuDuplicate_Click)\n");
+        QTest::newRow("copying drop")
+            << QByteArray(R"([{"op": "drop", "key": "E2", "target": "E3", "place": "child", "copy": true}])")
+            << QByteArray("full.ini: operation 1 (drop): Error 6 : Overflow (lstMenu_OLEDragDrop)\n");
+    }
+
+    void anOperationThatWouldPassTheMostItemsStopsTheRunAsAnOverflow()
+    {
+        QFETCH(QByteArray, ops);
+        QFETCH(QByteArray, message);
+        // The most items a menu file holds.
+        QByteArray full = "KELV - Menu\r\n\r\n[Menu]\r\n\r\n";
+        for (int i = 1; i <= 32767; ++i) {
+            full += "Item " + QByteArray::number(i) + "\r\n";
+        }
+        full += "\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n0001:=run\r\n\r\n[/Commands]\r\n";
+        QFile file(path(QStringLiteral("full.ini")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(full);
+        file.close();
+
+        const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("full.ini"), QStringLiteral("-"),
+                                       QStringLiteral("-o"), QStringLiteral("out.ini") },
+                                     ops);
+        QCOMPARE(result.exitCode, 6);
+        QCOMPARE(result.err, message);
+        QVERIFY(!QFileInfo::exists(path(QStringLiteral("out.ini"))));
+        QCOMPARE(fileBytes(path(QStringLiteral("full.ini"))), full);
+    }
+
     void aResultTheFileCannotHoldIsListedAndNotWritten()
     {
         const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));

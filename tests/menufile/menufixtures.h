@@ -61,3 +61,16 @@ inline MenuItem makeItem(const QString& caption, int index, qint16 parent, qint1
     item.childCount = childCount;
     return item;
 }
+
+/// `count` top-level items "Item 1" .. "Item count", keyed E0 .. E(count - 1), as a file of them reads:
+/// the largest menus the limits of a menu file are tried on.
+inline MenuDocument flatMenu(int count)
+{
+    MenuDocument document;
+    document.items.reserve(count);
+    for (int i = 0; i < count; ++i) {
+        document.items.append(makeItem(QStringLiteral("Item %1").arg(i + 1), i, -1, qint16(i + 1)));
+    }
+    document.lastIndex = qint16(count - 1);
+    return document;
+}
