@@ -27,12 +27,12 @@ constexpr qsizetype markersPerLevel = 3;
 /// The markers before a caption. A top-level item with an empty caption gets one marker: an empty
 /// line would be skipped by the reader, while a line of one or two markers reads back as a
 /// top-level item with an empty caption.
-qsizetype markerCount(const SaveOrderEntry& entry, const MenuItem& item)
+qsizetype markerCount(qint32 depth, const QString& caption)
 {
-    if (entry.depth == 0 && item.caption.isEmpty()) {
+    if (depth == 0 && caption.isEmpty()) {
         return 1;
     }
-    return entry.depth * markersPerLevel;
+    return depth * markersPerLevel;
 }
 
 int digitCount(qint32 number)
@@ -43,6 +43,61 @@ int digitCount(qint32 number)
         ++digits;
     }
     return digits;
+}
+
+/// The item number of a command line: at least four digits, zero-padded.
+int itemNumberLength(qint32 number)
+{
+    return std::max(4, digitCount(number));
+}
+
+/// Each item's line in file order, with the commands written under it: its own or, for a link, its
+/// target's. A link that names no item fails, as the writer fails on it.
+struct FileLines
+{
+    QList<SaveOrderEntry> order;
+    QList<const QList<Command>*> commandSources;
+};
+
+FileLines fileLines(const MenuDocument& document)
+{
+    const QList<MenuItem>& items = document.items;
+    FileLines lines;
+    lines.order = saveOrder(document);
+
+    // A link names the first item that bears its key; filling from the end lets the first one win.
+    QHash<QString, qint32> indexOfKey;
+    indexOfKey.reserve(items.size());
+    for (qint32 i = qint32(items.size()) - 1; i >= 0; --i) {
+        indexOfKey.insert(items.at(i).key, i);
+    }
+    lines.commandSources.resize(lines.order.size());
+    for (qsizetype k = 0; k < lines.order.size(); ++k) {
+        const MenuItem& item = items.at(lines.order.at(k).index);
+        qint32 source = lines.order.at(k).index;
+        if (item.copiesCommands) {
+            source = indexOfKey.value(item.copyKey, -1);
+            if (source < 0) {
+                throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QStringLiteral("writeMenuFile"));
+            }
+        }
+        lines.commandSources[k] = &items.at(source).commands;
+    }
+    return lines;
+}
+
+qint64 sizeOf(const MenuDocument& document, const FileLines& lines)
+{
+    qint64 size = menuFileFixedSize();
+    for (qsizetype k = 0; k < lines.order.size(); ++k) {
+        const SaveOrderEntry& entry = lines.order.at(k);
+        size += menuFileItemLineSize(entry.depth, document.items.at(entry.index).caption);
+        const QList<Command>& commands = *lines.commandSources.at(k);
+        for (qsizetype slot = 1; slot < commands.size(); ++slot) {
+            size += menuFileCommandLineSize(qint32(k + 1), commands.at(slot));
+        }
+    }
+    return size;
 }
 
 /// Fills a buffer that was sized beforehand: a menu of 32,767 items is several megabytes, and
@@ -70,7 +125,7 @@ public:
     /// The item number of a command line: at least four digits, zero-padded.
     void itemNumber(qint32 number)
     {
-        const int digits = std::max(4, digitCount(number));
+        const int digits = itemNumberLength(number);
         for (int position = digits - 1; position >= 0; --position) {
             m_cursor[position] = char('0' + number % 10);
             number /= 10;
@@ -125,52 +180,44 @@ QString whyNotWritable(const QFileInfo& target)
 
 } // namespace
 
+qint64 menuFileFixedSize()
+{
+    return header.size() + middle.size() + footer.size();
+}
+
+qint64 menuFileItemLineSize(qint32 depth, const QString& caption)
+{
+    // Every character is one byte in Windows-1252 (one that it cannot hold becomes "?").
+    return markerCount(depth, caption) + caption.size() + 2;
+}
+
+qint64 menuFileCommandLineSize(qint32 number, const Command& command)
+{
+    return itemNumberLength(number) + 1 + command.extension.size() + 1 + command.command.size() + 2;
+}
+
+qint64 menuFileSize(const MenuDocument& document)
+{
+    return sizeOf(document, fileLines(document));
+}
+
 QByteArray menuFileBytes(const MenuDocument& document)
 {
-    const QList<MenuItem>& items = document.items;
-    const QList<SaveOrderEntry> order = saveOrder(document);
-
-    // A link names the first item that bears its key; filling from the end lets the first one win.
-    QHash<QString, qint32> indexOfKey;
-    indexOfKey.reserve(items.size());
-    for (qint32 i = qint32(items.size()) - 1; i >= 0; --i) {
-        indexOfKey.insert(items.at(i).key, i);
-    }
-
-    // Each line's commands come from the item itself or, for a link, from its target.
-    QList<const QList<Command>*> commandSources(order.size());
-    qsizetype size = header.size() + middle.size() + footer.size();
-    for (qsizetype k = 0; k < order.size(); ++k) {
-        const qint16 number = Int16::checked(k + 1, "writeMenuFile");
-        const MenuItem& item = items.at(order.at(k).index);
-        qint32 source = order.at(k).index;
-        if (item.copiesCommands) {
-            source = indexOfKey.value(item.copyKey, -1);
-            if (source < 0) {
-                throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QStringLiteral("writeMenuFile"));
-            }
-        }
-        commandSources[k] = &items.at(source).commands;
-        size += markerCount(order.at(k), item) + item.caption.size() + 2;
-        const qsizetype numberLength = std::max(4, digitCount(number));
-        for (qsizetype slot = 1; slot < commandSources.at(k)->size(); ++slot) {
-            const Command& command = commandSources.at(k)->at(slot);
-            size += numberLength + 1 + command.extension.size() + 1 + command.command.size() + 2;
-        }
-    }
-
-    QByteArray out(size, Qt::Uninitialized);
+    const FileLines lines = fileLines(document);
+    // The last item number must fit the 16-bit numbers the reader takes.
+    Int16::checked(lines.order.size(), "writeMenuFile");
+    QByteArray out(sizeOf(document, lines), Qt::Uninitialized);
     BufferFiller filler(out.data());
     filler.text(header);
-    for (const SaveOrderEntry& entry : order) {
-        const MenuItem& item = items.at(entry.index);
-        filler.repeated(char(0xB7), markerCount(entry, item));
+    for (const SaveOrderEntry& entry : lines.order) {
+        const MenuItem& item = document.items.at(entry.index);
+        filler.repeated(char(0xB7), markerCount(entry.depth, item.caption));
         filler.text(QStringView(item.caption));
         filler.lineEnd();
     }
     filler.text(middle);
-    for (qsizetype k = 0; k < order.size(); ++k) {
-        const QList<Command>& commands = *commandSources.at(k);
+    for (qsizetype k = 0; k < lines.order.size(); ++k) {
+        const QList<Command>& commands = *lines.commandSources.at(k);
         for (qsizetype slot = 1; slot < commands.size(); ++slot) {
             filler.itemNumber(qint32(k + 1));
             filler.character(':');

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+struct Command;
 struct MenuDocument;
 
 /// The document in the one fixed layout of a menu file: Windows-1252, CR LF, three middle-dot
@@ -10,6 +11,19 @@ struct MenuDocument;
 /// is not empty), items in tree pre-order, item numbers of at least four digits, and each
 /// copy-command link written as its target's commands.
 QByteArray menuFileBytes(const MenuDocument& document);
+
+/// The exact length of menuFileBytes(document), found without building the bytes, so that a menu
+/// whose file would be too large to open again is refused before hundreds of megabytes are put
+/// together. Unlike the writer it also measures a menu of more than 32,767 items (as the writer would
+/// number them). Throws RunTimeError 9 for a link that names no item, as the writer does.
+qint64 menuFileSize(const MenuDocument& document);
+
+/// The parts of that length, for checks that walk the tree themselves: the fixed lines of every menu
+/// file, the line of an item at `depth` with `caption`, and a command line of item number `number`,
+/// each with its line end.
+qint64 menuFileFixedSize();
+qint64 menuFileItemLineSize(qint32 depth, const QString& caption);
+qint64 menuFileCommandLineSize(qint32 number, const Command& command);
 
 /// Writes menuFileBytes(document) to `path`, replacing the file. The write goes to a temporary file
 /// that replaces the old one only once complete, so a failed write leaves the previous file exactly

@@ -478,6 +478,40 @@ private Q_SLOTS:
         QCOMPARE(fileBytes(path(QStringLiteral("full.ini"))), full);
     }
 
+    void aResultWhoseFileWouldBeTooLargeToOpenIsNotWritten()
+    {
+        // A caption of 4 MiB doubled six times by duplicating the branch and dropping the copy into
+        // it: 64 captions share one text, so the menu stays small in memory while its file would be
+        // over 256 MiB, more than the editor opens.
+        QJsonArray ops;
+        ops.append(QJsonObject { { QStringLiteral("op"), QStringLiteral("rename") },
+                                 { QStringLiteral("key"), QStringLiteral("E1") },
+                                 { QStringLiteral("caption"), QString(4 * 1024 * 1024 + 1000, QLatin1Char('x')) } });
+        for (int round = 1; round <= 6; ++round) {
+            ops.append(QJsonObject { { QStringLiteral("op"), QStringLiteral("duplicate") },
+                                     { QStringLiteral("key"), QStringLiteral("E0") } });
+            // The copy of E0 takes the key after the ones given out so far.
+            ops.append(QJsonObject { { QStringLiteral("op"), QStringLiteral("drop") },
+                                     { QStringLiteral("key"), QStringLiteral("E%1").arg(3 * (1 << (round - 1)) + 1) },
+                                     { QStringLiteral("target"), QStringLiteral("E0") },
+                                     { QStringLiteral("place"), QStringLiteral("child") },
+                                     { QStringLiteral("copy"), false } });
+        }
+        const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));
+        // Into a folder that does not exist: should the check let it through, nothing reaches the disk.
+        const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("archive.ini"), QStringLiteral("-"),
+                                       QStringLiteral("-o"), QStringLiteral("missing/out.ini") },
+                                     QJsonDocument(ops).toJson(QJsonDocument::Compact));
+        QCOMPARE(result.exitCode, 5);
+        QVERIFY2(result.err.startsWith("missing/out.ini: the menu file would be 268"), result.err.left(300));
+        QVERIFY2(result.err.contains(" MiB), more than the 268435456 bytes (256.0 MiB) a menu file may have to be "
+                                     "opened again"),
+                 result.err.left(300));
+        QVERIFY2(result.err.endsWith("missing/out.ini: nothing written: a menu file cannot hold the values above\n"),
+                 result.err.right(300));
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), before);
+    }
+
     void aResultTheFileCannotHoldIsListedAndNotWritten()
     {
         const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));

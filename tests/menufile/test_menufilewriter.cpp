@@ -1,5 +1,7 @@
 #include "menufixtures.h"
 
+#include "editing/randommenu.h"
+
 #include "editing/menuopening.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
@@ -278,6 +280,42 @@ private Q_SLOTS:
         QCOMPARE(reread.items.size(), qsizetype(12000));
         QCOMPARE(reread.items.at(11999).commands.at(1).command, QStringLiteral("open 11999"));
         QCOMPARE(reread.items.at(9999).commands.at(1).command, QStringLiteral("open 9999"));
+    }
+
+    void theLengthOfTheFileIsCountedExactlyWithoutBuildingIt()
+    {
+        QCOMPARE(menuFileSize(exampleDocument()), exampleBytes().size());
+        for (quint32 seed = 1; seed <= 400; ++seed) {
+            QRandomGenerator random(seed);
+            // Now and then more than 9,999 items, whose numbers take five digits.
+            const int count = seed % 50 == 0 ? 10000 + random.bounded(3000) : 1 + random.bounded(60);
+            MenuDocument document = RandomMenu::generate(random, count);
+            roughenTexts(random, document);
+            qsizetype expected = -1;
+            int expectedError = 0;
+            try {
+                expected = menuFileBytes(document).size();
+            } catch (const RunTimeError& error) {
+                expectedError = error.number();
+            }
+            try {
+                QCOMPARE(menuFileSize(document), qint64(expected));
+                QCOMPARE(expectedError, 0);
+            } catch (const RunTimeError& error) {
+                QCOMPARE(error.number(), expectedError);
+            }
+        }
+    }
+
+    void theLengthOfAMenuBeyondTheMostItemsIsCountedToo()
+    {
+        // The writer refuses to number item 32,768; the length is what it would take.
+        const MenuDocument full = flatMenu(32767);
+        MenuDocument document = full;
+        document.items.append(makeItem(QStringLiteral("Item 32768"), 32767, 0, 1));
+        document.items.first().childCount = 1;
+        QCOMPARE(menuFileSize(full), menuFileBytes(full).size());
+        QCOMPARE(menuFileSize(document), menuFileSize(full) + QByteArray("\xB7\xB7\xB7Item 32768\r\n").size());
     }
 
     void writeMenuFileReplacesTheFile()
