@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+class FileIdentity;
 struct Command;
 struct MenuDocument;
 
@@ -25,7 +26,11 @@ qint64 menuFileFixedSize();
 qint64 menuFileItemLineSize(qint32 depth, const QString& caption);
 qint64 menuFileCommandLineSize(qint32 number, const Command& command);
 
-/// Writes menuFileBytes(document) to `path`, replacing the file. The write goes to a temporary file
-/// that replaces the old one only once complete, so a failed write leaves the previous file exactly
-/// as it was. Throws RunTimeError (number, description, source "writeMenuFile") on failure.
-void writeMenuFile(const MenuDocument& document, const QString& path);
+/// Writes menuFileBytes(document) to `path`, replacing the file (for a symbolic link, the file it
+/// leads to). The bytes go to a new file beside it, which is flushed to the disk and then renamed over
+/// the old one, so a failed write, a full disk or a failed flush leaves the previous file exactly as it
+/// was, and no new file behind. The new file keeps the old one's permission bits and, as far as the
+/// process may give them, its owner and group. A write-protected file is refused. Throws RunTimeError
+/// (number, description, source "writeMenuFile") on failure; a folder that cannot be written is named
+/// in it. When `identity` is given it receives the identity of the file written.
+void writeMenuFile(const MenuDocument& document, const QString& path, FileIdentity* identity = nullptr);
