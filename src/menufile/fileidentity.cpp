@@ -98,6 +98,14 @@ FileIdentity::FileIdentity(qint64 size, qint64 modifiedNanoseconds, quint64 inod
 {
 }
 
+FileIdentity FileIdentity::restored(qint64 size, qint64 modifiedNanoseconds, quint64 inode, quint64 device,
+                                    const QByteArray& hash, qint64 knownNanoseconds)
+{
+    FileIdentity identity(size, modifiedNanoseconds, inode, device, hash);
+    identity.m_knownNanoseconds = knownNanoseconds;
+    return identity;
+}
+
 bool FileIdentity::timeTooRecent() const
 {
     return m_knownNanoseconds - m_modifiedNanoseconds < timeGranularityNanoseconds;
@@ -113,18 +121,20 @@ FileIdentity FileIdentity::ofOpenFile(const QFileDevice& file, QByteArrayView by
 #endif
 }
 
-#ifdef Q_OS_UNIX
 FileIdentity FileIdentity::ofDescriptor(int descriptor, QByteArrayView bytes)
 {
+#ifdef Q_OS_UNIX
     struct stat system;
-    if (::fstat(descriptor, &system) != 0) {
-        // Never expected of an open file; the length of the bytes keeps the identity meaningful.
-        return FileIdentity(bytes.size(), 0, 0, 0, hashOf(bytes));
+    if (::fstat(descriptor, &system) == 0) {
+        const Status status = statusOf(system);
+        return FileIdentity(status.size, status.modifiedNanoseconds, status.inode, status.device, hashOf(bytes));
     }
-    const Status status = statusOf(system);
-    return FileIdentity(status.size, status.modifiedNanoseconds, status.inode, status.device, hashOf(bytes));
-}
+#else
+    Q_UNUSED(descriptor);
 #endif
+    // The length of the bytes keeps the identity meaningful where nothing else is known.
+    return FileIdentity(bytes.size(), 0, 0, 0, hashOf(bytes));
+}
 
 QByteArray FileIdentity::hashOf(QByteArrayView bytes)
 {

@@ -31,41 +31,30 @@ public:
 
     /// The identity of the file open in `file`, which holds exactly `bytes` (just read or written).
     static FileIdentity ofOpenFile(const QFileDevice& file, QByteArrayView bytes);
-#ifdef Q_OS_UNIX
-    /// The same for a file open as the system's file descriptor `descriptor`.
+    /// The same for a file open as the system's file descriptor `descriptor` (Unix: the writer's own
+    /// new file; elsewhere only the length and the hash are known this way).
     static FileIdentity ofDescriptor(int descriptor, QByteArrayView bytes);
-#endif
+
+    /// An identity kept elsewhere (beside a recovery copy) and read back; `hash` as hash() gave it and
+    /// `knownNanoseconds` as knownNanoseconds() did.
+    static FileIdentity restored(qint64 size, qint64 modifiedNanoseconds, quint64 inode, quint64 device,
+                                 const QByteArray& hash, qint64 knownNanoseconds);
 
     /// The hash an identity keeps of `bytes`: 128 bits of a fast hash, which tells a file whose bytes
     /// changed from one only touched. It is no defence against a file made on purpose to collide.
     static QByteArray hashOf(QByteArrayView bytes);
 
-    bool isNull() const
-    {
-        return m_hash.isEmpty();
-    }
-    qint64 size() const
-    {
-        return m_size;
-    }
+    bool isNull() const { return m_hash.isEmpty(); }
+    qint64 size() const { return m_size; }
     /// Nanoseconds since 1970-01-01 UTC; to the millisecond where the system tells no more.
-    qint64 modifiedNanoseconds() const
-    {
-        return m_modifiedNanoseconds;
-    }
+    qint64 modifiedNanoseconds() const { return m_modifiedNanoseconds; }
     /// 0 where the system has no inodes.
-    quint64 inode() const
-    {
-        return m_inode;
-    }
-    quint64 device() const
-    {
-        return m_device;
-    }
-    QByteArray hash() const
-    {
-        return m_hash;
-    }
+    quint64 inode() const { return m_inode; }
+    quint64 device() const { return m_device; }
+    QByteArray hash() const { return m_hash; }
+    /// When the file was last known to hold these bytes (read, written or checked), nanoseconds since
+    /// 1970.
+    qint64 knownNanoseconds() const { return m_knownNanoseconds; }
 
     /// What became of the file at `path` since this identity was taken. Cheap while nothing happened:
     /// one look at the file's length, time and inode. Only when those differ but the length is the same
@@ -85,10 +74,7 @@ public:
         return left.m_size == right.m_size && left.m_modifiedNanoseconds == right.m_modifiedNanoseconds
             && left.m_inode == right.m_inode && left.m_device == right.m_device && left.m_hash == right.m_hash;
     }
-    friend bool operator!=(const FileIdentity& left, const FileIdentity& right)
-    {
-        return !(left == right);
-    }
+    friend bool operator!=(const FileIdentity& left, const FileIdentity& right) { return !(left == right); }
 
 private:
     FileIdentity(qint64 size, qint64 modifiedNanoseconds, quint64 inode, quint64 device, QByteArray hash);

@@ -481,17 +481,20 @@ QByteArray menuFileBytes(const MenuDocument& document)
 
 void writeMenuFile(const MenuDocument& document, const QString& path, FileIdentity* identity)
 {
-    const QString source = QStringLiteral("writeMenuFile");
     QByteArray bytes;
     try {
         bytes = menuFileBytes(document);
     } catch (const std::bad_alloc&) {
-        throw RunTimeError(ErrorNumber::OutOfMemory, source);
+        throw RunTimeError(ErrorNumber::OutOfMemory, QStringLiteral("writeMenuFile"));
     }
+    writeMenuFileBytes(bytes, path, identity);
+}
 
+void writeMenuFileBytes(const QByteArray& bytes, const QString& path, FileIdentity* identity)
+{
     const QFileInfo target(path);
     if (!target.absoluteDir().exists()) {
-        throw RunTimeError(ErrorNumber::PathNotFound, source);
+        throw RunTimeError(ErrorNumber::PathNotFound, QStringLiteral("writeMenuFile"));
     }
     // Replacing a write-protected file through a new file would succeed on some systems; the user
     // protected it, so it is refused like any other access error.

@@ -34,3 +34,7 @@ qint64 menuFileCommandLineSize(qint32 number, const Command& command);
 /// (number, description, source "writeMenuFile") on failure; a folder that cannot be written is named
 /// in it. When `identity` is given it receives the identity of the file written.
 void writeMenuFile(const MenuDocument& document, const QString& path, FileIdentity* identity = nullptr);
+
+/// The second half of writeMenuFile: writes `bytes`, which menuFileBytes built, to `path` the same
+/// way. For a writer that lets go of the document as soon as its bytes are built.
+void writeMenuFileBytes(const QByteArray& bytes, const QString& path, FileIdentity* identity = nullptr);
