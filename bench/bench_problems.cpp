@@ -1,6 +1,7 @@
 // Times the check of a menu for problems on the largest menus a menu file can hold: the check of a
 // document (what the editor's Problems list runs after every edit) and of a file's bytes (what
-// kelvmenu check runs, reading included). Each on two menus of every shape: as generated, where most
+// kelvmenu check runs, reading included), and the save check alone (what every Save runs first, the
+// length of the file counted in it). Each on two menus of every shape: as generated, where most
 // commands name a variable the catalogue does not know ("$dest$", "$fs-1234$"), so that nearly every
 // item has a problem, and the same menu with catalogue variables only, as a sound menu has.
 // Run by hand on a release build: kelvbench_problems [runs]
@@ -11,6 +12,7 @@
 #include "core/menuproblemcheck.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
+#include "menufile/saveproblemcheck.h"
 
 #include <QCoreApplication>
 #include <QRegularExpression>
@@ -48,11 +50,14 @@ int main(int argc, char* argv[])
     QTextStream out(stdout);
     out << "Median of " << runs << " runs, milliseconds. 32,767 items, 2 to 5 commands each.\n";
     out << "document: MenuProblems::checkDocument; file: MenuProblems::checkFileBytes (reading included);\n"
-           "read: readMenuBytes alone, for comparison. \"many\": nearly every item has a problem; \"sound\":\n"
-           "catalogue variables only. problems: found in the many / the sound menu.\n\n";
-    const QStringList headers { QStringLiteral("shape"),     QStringLiteral("problems"),  QStringLiteral("doc many"),
-                                QStringLiteral("doc sound"), QStringLiteral("file many"), QStringLiteral("file sound"),
-                                QStringLiteral("read sound") };
+           "read: readMenuBytes alone, for comparison; save check: findSaveProblems; size: menuFileSize;\n"
+           "bytes: menuFileBytes, which a save builds after the check. \"many\": nearly every item has a\n"
+           "problem; \"sound\": catalogue variables only. problems: found in the many / the sound menu.\n\n";
+    const QStringList headers { QStringLiteral("shape"),      QStringLiteral("problems"),
+                                QStringLiteral("doc many"),   QStringLiteral("doc sound"),
+                                QStringLiteral("file many"),  QStringLiteral("file sound"),
+                                QStringLiteral("read sound"), QStringLiteral("save check"),
+                                QStringLiteral("size"),       QStringLiteral("bytes") };
     for (const QString& header : headers) {
         out << header.rightJustified(12);
     }
@@ -80,10 +85,14 @@ int main(int argc, char* argv[])
             readMenuBytes(soundBytes, read);
         });
 
+        const double saveCheck = medianMilliseconds(runs, none, [&] { findSaveProblems(sound); });
+        const double size = medianMilliseconds(runs, none, [&] { menuFileSize(sound); });
+        const double bytes = medianMilliseconds(runs, none, [&] { menuFileBytes(sound); });
+
         out << MenuGenerator::shapeName(shape).rightJustified(12)
             << (QString::number(problemCount) + QLatin1Char('/') + QString::number(soundProblems)).rightJustified(12)
             << cell(documentMany) << cell(documentSound) << cell(fileMany) << cell(fileSound) << cell(readSound)
-            << '\n';
+            << cell(saveCheck) << cell(size) << cell(bytes) << '\n';
         out.flush();
     }
     out << "\nGoal: the check of a document under 100 ms.\n";

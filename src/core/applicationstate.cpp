@@ -30,6 +30,22 @@ void ApplicationState::removeLastDocumentSlot()
     m_editors.removeLast();
 }
 
+FileIdentity ApplicationState::fileIdentity(int index) const
+{
+    if (index < 1 || index >= m_editors.size()) {
+        return FileIdentity();
+    }
+    return m_editors.at(index).fileIdentity;
+}
+
+void ApplicationState::setFileIdentity(int index, const FileIdentity& identity)
+{
+    if (index < 1 || index >= m_editors.size()) {
+        return;
+    }
+    m_editors[index].fileIdentity = identity;
+}
+
 EditorView* ApplicationState::editor(int index) const
 {
     if (index < 1 || index >= m_editors.size()) {

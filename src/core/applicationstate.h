@@ -3,6 +3,7 @@
 #include "core/options.h"
 #include "editing/editcontext.h"
 #include "history/historytable.h"
+#include "menufile/fileidentity.h"
 #include "model/documentlist.h"
 
 #include <QList>
@@ -41,6 +42,13 @@ public:
     /// and kept for the whole run.
     HistoryTable& histories() { return m_histories; }
     const HistoryTable& histories() const { return m_histories; }
+
+    /// The identity of document `index`'s menu file when it was last opened, saved or reloaded; null
+    /// for a new menu and for an index that is no document. Kept beside the document, not in it: the
+    /// file on disk is what it is whatever Undo brings back, so the undo states must not carry it.
+    FileIdentity fileIdentity(int index) const;
+    /// Remembers the identity of document `index`'s file (after open, save, save as or reload).
+    void setFileIdentity(int index, const FileIdentity& identity);
 
     /// The editor window of document `index`; null for the placeholder, a closed or destroyed
     /// editor, or an index out of range.
@@ -94,6 +102,7 @@ private:
         EditorView* view = nullptr;
         QPointer<QObject> lifetime;
         WindowEditingState state;
+        FileIdentity fileIdentity;
     };
 
     DocumentList m_documents;

@@ -51,9 +51,10 @@ QString joinedMessage(const QString& heading, QStringList& lines, int unlisted)
 
 } // namespace
 
-MenuReadResult openMenuDocument(const QString& path, const Options& options, qint16 index, MenuDocument& document)
+MenuReadResult openMenuDocument(const QString& path, const Options& options, qint16 index, MenuDocument& document,
+                                FileIdentity* identity)
 {
-    const MenuReadResult result = openMenuFile(path, options.checkCopyCommand != 0, document);
+    const MenuReadResult result = openMenuFile(path, options.checkCopyCommand != 0, document, identity);
     if (result.ok()) {
         document.windowIndex = index;
         document.filePath = path;
@@ -68,13 +69,13 @@ QList<SaveProblem> documentSaveProblems(const MenuDocument& document)
     return findSaveProblems(document);
 }
 
-QList<SaveProblem> saveMenuDocument(MenuDocument& document, const QString& path)
+QList<SaveProblem> saveMenuDocument(MenuDocument& document, const QString& path, FileIdentity* identity)
 {
     QList<SaveProblem> problems = findSaveProblems(document);
     if (!problems.isEmpty()) {
         return problems;
     }
-    writeMenuFile(document, path);
+    writeMenuFile(document, path, identity);
     document.filePath = path;
     document.saved = true;
     return problems;

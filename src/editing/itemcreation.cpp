@@ -1,5 +1,7 @@
 #include "itemcreation.h"
 
+#include "itemroom.h"
+
 #include "model/errortable.h"
 #include "model/int16.h"
 #include "model/itemlookup.h"
@@ -18,6 +20,7 @@ const char* const labelEditSource = "lstMenu_AfterLabelEdit";
 TreeUpdate appendNewItem(EditContext& context, const QString& parentKey, const char* source)
 {
     MenuDocument& document = context.document;
+    ensureRoomForNewItems(document, 1, source);
 
     const qsizetype count = document.items.size();
     // The new slot starts empty: no link (an empty copyKey, not "-1") and level 0.

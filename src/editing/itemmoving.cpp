@@ -148,7 +148,7 @@ DropUpdates dropCopy(MenuDocument& source, MenuDocument& target, const DropReque
     const int destination = dropDestination(target, request);
     DropUpdates updates;
     updates.target.showBusy();
-    copyItemTree(dragged, destination, source, target, request.copyCommandDup, updates.target);
+    copyItemTree(dragged, destination, source, target, request.copyCommandDup, updates.target, dropSource);
     normalizeCopyLinks(target);
     updates.target.recolour().hideBusy().showItemCount();
     return updates;

@@ -2,6 +2,7 @@
 
 #include "copylinks.h"
 
+#include "menufile/fileidentity.h"
 #include "menufile/menufilereader.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
@@ -25,9 +26,15 @@ MenuReadResult detectLinks(MenuReadResult result, bool detectCopies, MenuDocumen
 
 } // namespace
 
-MenuReadResult openMenuFile(const QString& path, bool detectCopies, MenuDocument& document)
+MenuReadResult openMenuFile(const QString& path, bool detectCopies, MenuDocument& document, FileIdentity* identity)
 {
-    return detectLinks(readMenuFile(path, document), detectCopies, document);
+    FileIdentity read;
+    const MenuReadResult result
+        = detectLinks(readMenuFile(path, document, identity != nullptr ? &read : nullptr), detectCopies, document);
+    if (result.ok() && identity != nullptr) {
+        *identity = read;
+    }
+    return result;
 }
 
 MenuReadResult openMenuBytes(const QByteArray& bytes, bool detectCopies, MenuDocument& document)

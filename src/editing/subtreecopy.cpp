@@ -1,5 +1,7 @@
 #include "subtreecopy.h"
 
+#include "itemroom.h"
+
 #include "model/errortable.h"
 #include "model/int16.h"
 #include "model/itemlookup.h"
@@ -72,10 +74,29 @@ ChildIndex indexChildren(const MenuItemArray& items)
     return index;
 }
 
+/// The number of items a copy of the branch of `index` makes: the item and every item the walk
+/// through `children` reaches below it. Counting stops past the most items a menu can hold: a pasted
+/// record may name itself or its own branch as its parent, and the walk through such a loop would
+/// not end.
+qint64 branchCopyCount(const ChildIndex& children, int index)
+{
+    qint64 count = 0;
+    std::vector<int> pending { index };
+    while (!pending.empty() && count <= MenuDocument::maximumItemCount) {
+        const int visit = pending.back();
+        pending.pop_back();
+        ++count;
+        for (int c = children.start[std::size_t(visit)]; c < children.start[std::size_t(visit) + 1]; ++c) {
+            pending.push_back(children.children[std::size_t(c)]);
+        }
+    }
+    return count;
+}
+
 } // namespace
 
 int copyItemTree(int sourceIndex, int newParent, MenuDocument& source, MenuDocument& target, bool copyCommandDup,
-                 TreeUpdate& update)
+                 TreeUpdate& update, const char* operationName)
 {
     if (sourceIndex < 0 || sourceIndex >= source.items.size() || newParent < -1 || newParent >= target.items.size()) {
         throw RunTimeError(ErrorNumber::SubscriptOutOfRange, QString::fromLatin1(copySource));
@@ -84,6 +105,8 @@ int copyItemTree(int sourceIndex, int newParent, MenuDocument& source, MenuDocum
     const bool sameDocument = source.windowIndex == target.windowIndex;
     // Made before anything is appended: copies never become children of the items being copied.
     const ChildIndex children = indexChildren(source.items);
+    // Refused as a whole before the first copy is made, rather than failing halfway.
+    ensureRoomForNewItems(target, branchCopyCount(children, sourceIndex), operationName);
     QHash<QString, int> sourceIndexOfKey;
     if (!sameDocument) {
         sourceIndexOfKey.reserve(source.items.size());
@@ -186,7 +209,7 @@ TreeUpdate duplicateItem(EditContext& context)
     const int parent = findItemByKey(document, context.selected.parentKey);
     TreeUpdate update;
     update.showBusy();
-    copyItemTree(source, parent, document, document, context.editing.copyCommandDup, update);
+    copyItemTree(source, parent, document, document, context.editing.copyCommandDup, update, "mnuDuplicate_Click");
     update.recolour().hideBusy().showItemCount();
     return update;
 }

@@ -14,9 +14,10 @@ struct MenuDocument;
 /// no link), and otherwise keeps the source's own link. The nodes of the copies are added to
 /// `update`, parents before children. `source` and `target` may be the same document; `newParent`
 /// must then lie outside the copied branch. Returns the index of the copy of the source item.
-/// Throws RunTimeError on a bad index or when the key counter overflows.
+/// Throws RunTimeError 9 on a bad index, and RunTimeError 6 with `operationName` as its source when
+/// the copies would not fit into the target (ensureRoomForNewItems); either before anything changed.
 int copyItemTree(int sourceIndex, int newParent, MenuDocument& source, MenuDocument& target, bool copyCommandDup,
-                 TreeUpdate& update);
+                 TreeUpdate& update, const char* operationName = "copyItemTree");
 
 /// Copy: the selected item's record, commands included, becomes the clipboard item. Records nothing.
 TreeUpdate copyItem(EditContext& context);

@@ -4,11 +4,38 @@
 #include "historytable.h"
 #include "menufile/menufilewriter.h"
 #include "model/documentlist.h"
+#include "model/errortable.h"
+#include "model/runtimeerror.h"
 
 #include <QDir>
 
 #include <chrono>
 #include <utility>
+
+namespace {
+
+/// A failed write of an autosave file, told as such: the user never chose that file, so the message
+/// names it and where it is ("Path/File access error: the autosave file /home/me/.local/share/...
+/// /menuAutoSave1.ini cannot be written: No space left on device").
+RunTimeError autosaveError(const RunTimeError& error, const QString& path)
+{
+    const QString fixedText = errorDescription(error.number());
+    QString reason = error.description();
+    if (reason.startsWith(fixedText)) {
+        reason = reason.mid(fixedText.size());
+        if (reason.startsWith(QStringLiteral(": "))) {
+            reason = reason.mid(2);
+        }
+    }
+    QString description
+        = fixedText + QStringLiteral(": the autosave file %1 cannot be written").arg(QDir::toNativeSeparators(path));
+    if (!reason.isEmpty()) {
+        description += QStringLiteral(": ") + reason;
+    }
+    return RunTimeError(error.number(), error.source(), description);
+}
+
+} // namespace
 
 UndoManager::UndoManager(DocumentList& documents, HistoryTable& histories, QString autosaveFolder, HistoryMenu& menu)
     : m_documents(documents)
@@ -42,7 +69,11 @@ void UndoManager::saveUndoState(qint16 index, bool clearRedo)
     // The autosave file holds the state before the edit: the caller changes the document only after,
     // in its own copy, while this one is written.
     m_autosave = std::async(std::launch::async, [state = MenuDocument(document), path = autosavePath(index)] {
-        writeMenuFile(state, path);
+        try {
+            writeMenuFile(state, path);
+        } catch (const RunTimeError& error) {
+            throw autosaveError(error, path);
+        }
     });
 }
 

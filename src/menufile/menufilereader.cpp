@@ -1,5 +1,6 @@
 #include "menufilereader.h"
 
+#include "menufile/fileidentity.h"
 #include "menufile/windows1252codec.h"
 #include "model/errortable.h"
 #include "model/int16.h"
@@ -422,7 +423,7 @@ MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
     return result;
 }
 
-MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes)
+MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes, FileIdentity* identity)
 {
     bytes.clear();
     // Looked at before opening: opening a pipe for reading waits until something writes to it.
@@ -468,17 +469,25 @@ MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes)
         bytes.clear();
         return tooLarge(size);
     }
+    if (identity != nullptr) {
+        *identity = FileIdentity::ofOpenFile(file, bytes);
+    }
     MenuReadResult loaded;
     loaded.code = MenuReadResult::Read;
     return loaded;
 }
 
-MenuReadResult readMenuFile(const QString& path, MenuDocument& document)
+MenuReadResult readMenuFile(const QString& path, MenuDocument& document, FileIdentity* identity)
 {
     QByteArray bytes;
-    const MenuReadResult loaded = readMenuFileBytes(path, bytes);
+    FileIdentity read;
+    const MenuReadResult loaded = readMenuFileBytes(path, bytes, identity != nullptr ? &read : nullptr);
     if (!loaded.ok()) {
         return loaded;
     }
-    return readMenuBytes(bytes, document);
+    const MenuReadResult result = readMenuBytes(bytes, document);
+    if (result.ok() && identity != nullptr) {
+        *identity = read;
+    }
+    return result;
 }

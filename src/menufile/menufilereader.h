@@ -6,6 +6,7 @@
 #include <QString>
 #include <QtGlobal>
 
+class FileIdentity;
 struct MenuDocument;
 
 /// The text the editor shows (critical icon, OK) when a file is not a menu file.
@@ -27,8 +28,9 @@ constexpr qint64 maximumMenuFileSize = qint64(256) * 1024 * 1024;
 /// every item i has key "E" + i and lastIndex is the upper bound of the items; a file holds no
 /// copy-command links (opening a menu may derive them afterwards). On failure `document` is left
 /// partly filled and must be discarded; no file stays open.
-/// Only `items` and `lastIndex` of the document are touched.
-MenuReadResult readMenuFile(const QString& path, MenuDocument& document);
+/// Only `items` and `lastIndex` of the document are touched. When `identity` is given and the file was
+/// read, it receives the identity of the file taken from the very bytes read.
+MenuReadResult readMenuFile(const QString& path, MenuDocument& document, FileIdentity* identity = nullptr);
 
 /// The same as readMenuFile, on the bytes of a file already in memory.
 MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document);
@@ -36,5 +38,7 @@ MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document);
 /// The first step of readMenuFile: the whole file at `path` into `bytes`. Refuses a path with no
 /// file, a folder, anything that is not a regular file (a pipe would wait for a writer for ever, a
 /// device such as /dev/zero never ends) and a file larger than maximumMenuFileSize, without reading
-/// from it; the result then says why (the reader's result codes). No file stays open.
-MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes);
+/// from it; the result then says why (the reader's result codes). No file stays open. When `identity`
+/// is given and the bytes were read, it receives the identity of the file they came from (its length,
+/// time and inode as the open file had them, and the hash of these bytes): the file is read once.
+MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes, FileIdentity* identity = nullptr);

@@ -1,5 +1,6 @@
 #include "saveproblemcheck.h"
 
+#include "menufile/menufilewriter.h"
 #include "menufile/saveorder.h"
 #include "menufile/windows1252codec.h"
 #include "model/menudocument.h"
@@ -169,9 +170,15 @@ void checkCommand(const Command& command, const QString& name, QStringList& desc
     }
 }
 
+/// A number of bytes as the user reads it best: in MiB, one decimal.
+QString inMebibytes(qint64 bytes)
+{
+    return QString::number(double(bytes) / (1024.0 * 1024.0), 'f', 1) + QStringLiteral(" MiB");
+}
+
 } // namespace
 
-QList<SaveProblem> findSaveProblems(const MenuDocument& document)
+QList<SaveProblem> findSaveProblems(const MenuDocument& document, qint64 sizeLimit)
 {
     const MenuItemArray& items = document.items;
     // A link names the first item that bears its key, as the writer finds it.
@@ -181,6 +188,13 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
     }
 
     QList<SaveProblem> problems;
+    if (items.size() > MenuDocument::maximumItemCount) {
+        problems.append(SaveProblem { QString(),
+                                      QStringLiteral("the menu holds %1 items, more than the %2 a menu file can "
+                                                     "hold; delete some")
+                                          .arg(items.size())
+                                          .arg(MenuDocument::maximumItemCount) });
+    }
     const QList<SaveOrderEntry> order = saveOrder(document);
     if (order.isEmpty()) {
         // Every item gone, or none reached from the top level (a pasted record keeps the parent it
@@ -192,10 +206,15 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
     // The items from the top level down to the current one: the walk is in pre-order.
     QList<qint32> chain;
     QStringList descriptions;
-    for (const SaveOrderEntry& entry : order) {
+    // The length of the file, counted line by line as the writer would write it.
+    qint64 fileSize = menuFileFixedSize();
+    QList<SaveProblem> itemProblems;
+    for (qsizetype k = 0; k < order.size(); ++k) {
+        const SaveOrderEntry& entry = order.at(k);
         chain.resize(entry.depth);
         chain.append(entry.index);
         const MenuItem& item = items.at(entry.index);
+        fileSize += menuFileItemLineSize(entry.depth, item.caption);
 
         descriptions.clear();
         checkCaption(item.caption, entry.depth == 0, descriptions);
@@ -212,6 +231,7 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
         }
         if (source != nullptr) {
             for (qsizetype slot = 1; slot < source->commands.size(); ++slot) {
+                fileSize += menuFileCommandLineSize(qint32(k + 1), source->commands.at(slot));
                 if (!needsCheck(source->commands.at(slot))) {
                     continue;
                 }
@@ -227,8 +247,18 @@ QList<SaveProblem> findSaveProblems(const MenuDocument& document)
         }
         const QString path = itemPath(items, chain);
         for (const QString& description : std::as_const(descriptions)) {
-            problems.append(SaveProblem { path, description, item.key });
+            itemProblems.append(SaveProblem { path, description, item.key });
         }
     }
-    return problems;
+    if (fileSize > sizeLimit) {
+        // The reader refuses such a file before reading it, so the menu would be saved for nothing.
+        problems.append(
+            SaveProblem { QString(),
+                          QStringLiteral("the menu file would be %1 bytes (%2), more than the %3 bytes (%4) a menu "
+                                         "file may have to be opened again; shorten long captions or commands, or "
+                                         "delete items")
+                              .arg(QString::number(fileSize), inMebibytes(fileSize), QString::number(sizeLimit),
+                                   inMebibytes(sizeLimit)) });
+    }
+    return problems + itemProblems;
 }

@@ -8,6 +8,10 @@
 /// One open menu. The same record is the whole-document state kept by undo and redo.
 struct MenuDocument
 {
+    /// The most items a menu can hold: a menu file numbers its items with 16-bit numbers, and the
+    /// reader refuses a file with more item lines.
+    static constexpr qsizetype maximumItemCount = 32767;
+
     MenuItemArray items;
     /// 0 shows all items, 1 hides copy-command links, 2 hides items without commands, 3 hides both.
     qint32 hideMode = 0;

@@ -311,7 +311,8 @@ private Q_SLOTS:
     {
         const qint16 source = open(QStringLiteral("source.ini"), texts({ "Tools", "···Zip" }));
         const qint16 target = open(QStringLiteral("target.ini"), texts({ "Mine" }));
-        // The target's key counter is full: the copy's key overflows half way.
+        // The target's key counter has room for one key, the branch needs two: the drop is refused
+        // as an overflow.
         window().state().document(target).lastIndex = 32766;
         const MenuDocument sourceBefore = document(source);
         const MenuDocument targetBefore = document(target);
@@ -319,7 +320,7 @@ private Q_SLOTS:
         drag(tree(source), QStringLiteral("E0"), tree(target), QStringLiteral("E0"), Qt::RightButton);
         QCOMPARE(sandbox().prompts().messages.size(), 1);
         QCOMPARE(sandbox().prompts().messages.first().text,
-                 QStringLiteral("Error 6 : Overflow (copyItemTree)\r\nThis error will undo your action"));
+                 QStringLiteral("Error 6 : Overflow (lstMenu_OLEDragDrop)\r\nThis error will undo your action"));
         QCOMPARE(document(source), sourceBefore);
         QCOMPARE(document(target), targetBefore);
         QCOMPARE(undoCount(source), 0);

@@ -375,8 +375,10 @@ private Q_SLOTS:
         QVERIFY(
             edit(window, index, [](MenuDocument& document) { renameFirstItem(document, QStringLiteral("never")); }));
         const QList<MessageRequest> expected { critical(
-            QStringLiteral("Error 75 : Path/File access error: Is a directory (writeMenuFile)\r\n"
-                           "This error will undo your action")) };
+            QStringLiteral("Error 75 : Path/File access error: the autosave file %1 cannot be written: Is a "
+                           "directory (writeMenuFile)\r\nThis error will undo your action")
+                .arg(QDir::toNativeSeparators(
+                    QDir(sandbox.programFolder()).filePath(QStringLiteral("menuAutoSave1.ini"))))) };
         QTRY_COMPARE(sandbox.prompts().messages, expected);
         QVERIFY(!window.undoManager().isAutosavePending());
         QCOMPARE(window.state().document(index), before);

@@ -506,6 +506,79 @@ private Q_SLOTS:
         QVERIFY(dumped.out.isEmpty());
     }
 
+    void anOperationThatWouldPassTheMostItemsStopsTheRunAsAnOverflow_data()
+    {
+        QTest::addColumn<QByteArray>("ops");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("new item") << QByteArray(R"([{"op": "new-item", "key": "E5", "caption": "one more"}])")
+                                  << QByteArray("full.ini: operation 1 (new-item): Error 6 : Overflow (mnuNewItem)\n");
+        QTest::newRow("duplicate") << QByteArray(R"([{"op": "delete", "key": "E7"}, {"op": "duplicate", "key": "E0"},
+                                                    {"op": "duplicate", "key": "E1"}])")
+                                   << QByteArray("full.ini: operation 3 (duplicate): Error 6 : Overflow "
+                                                 "(mnuDuplicate_Click)\n");
+        QTest::newRow("copying drop")
+            << QByteArray(R"([{"op": "drop", "key": "E2", "target": "E3", "place": "child", "copy": true}])")
+            << QByteArray("full.ini: operation 1 (drop): Error 6 : Overflow (lstMenu_OLEDragDrop)\n");
+    }
+
+    void anOperationThatWouldPassTheMostItemsStopsTheRunAsAnOverflow()
+    {
+        QFETCH(QByteArray, ops);
+        QFETCH(QByteArray, message);
+        // The most items a menu file holds.
+        QByteArray full = "KELV - Menu\r\n\r\n[Menu]\r\n\r\n";
+        for (int i = 1; i <= 32767; ++i) {
+            full += "Item " + QByteArray::number(i) + "\r\n";
+        }
+        full += "\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n0001:=run\r\n\r\n[/Commands]\r\n";
+        QFile file(path(QStringLiteral("full.ini")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(full);
+        file.close();
+
+        const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("full.ini"), QStringLiteral("-"),
+                                       QStringLiteral("-o"), QStringLiteral("out.ini") },
+                                     ops);
+        QCOMPARE(result.exitCode, 6);
+        QCOMPARE(result.err, message);
+        QVERIFY(!QFileInfo::exists(path(QStringLiteral("out.ini"))));
+        QCOMPARE(fileBytes(path(QStringLiteral("full.ini"))), full);
+    }
+
+    void aResultWhoseFileWouldBeTooLargeToOpenIsNotWritten()
+    {
+        // A caption of 4 MiB doubled six times by duplicating the branch and dropping the copy into
+        // it: 64 captions share one text, so the menu stays small in memory while its file would be
+        // over 256 MiB, more than the editor opens.
+        QJsonArray ops;
+        ops.append(QJsonObject { { QStringLiteral("op"), QStringLiteral("rename") },
+                                 { QStringLiteral("key"), QStringLiteral("E1") },
+                                 { QStringLiteral("caption"), QString(4 * 1024 * 1024 + 1000, QLatin1Char('x')) } });
+        for (int round = 1; round <= 6; ++round) {
+            ops.append(QJsonObject { { QStringLiteral("op"), QStringLiteral("duplicate") },
+                                     { QStringLiteral("key"), QStringLiteral("E0") } });
+            // The copy of E0 takes the key after the ones given out so far.
+            ops.append(QJsonObject { { QStringLiteral("op"), QStringLiteral("drop") },
+                                     { QStringLiteral("key"), QStringLiteral("E%1").arg(3 * (1 << (round - 1)) + 1) },
+                                     { QStringLiteral("target"), QStringLiteral("E0") },
+                                     { QStringLiteral("place"), QStringLiteral("child") },
+                                     { QStringLiteral("copy"), false } });
+        }
+        const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));
+        // Into a folder that does not exist: should the check let it through, nothing reaches the disk.
+        const RunResult result = run({ QStringLiteral("edit"), QStringLiteral("archive.ini"), QStringLiteral("-"),
+                                       QStringLiteral("-o"), QStringLiteral("missing/out.ini") },
+                                     QJsonDocument(ops).toJson(QJsonDocument::Compact));
+        QCOMPARE(result.exitCode, 5);
+        QVERIFY2(result.err.startsWith("missing/out.ini: the menu file would be 268"), result.err.left(300));
+        QVERIFY2(result.err.contains(" MiB), more than the 268435456 bytes (256.0 MiB) a menu file may have to be "
+                                     "opened again"),
+                 result.err.left(300));
+        QVERIFY2(result.err.endsWith("missing/out.ini: nothing written: a menu file cannot hold the values above\n"),
+                 result.err.right(300));
+        QCOMPARE(fileBytes(path(QStringLiteral("archive.ini"))), before);
+    }
+
     void aResultTheFileCannotHoldIsListedAndNotWritten()
     {
         const QByteArray before = fileBytes(path(QStringLiteral("archive.ini")));

@@ -3,6 +3,8 @@
 #include "core/applicationstate.h"
 #include "model/runtimeerror.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -48,6 +50,30 @@ private Q_SLOTS:
         state.removeLastDocumentSlot(); // never the placeholder
         QCOMPARE(state.lastSlot(), qint16(0));
         QCOMPARE(state.appendDocumentSlot(), qint16(1));
+    }
+
+    void theIdentityOfEachMenusFileIsKeptBesideItsDocument()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("bytes");
+        file.close();
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const FileIdentity identity = FileIdentity::ofOpenFile(file, "bytes");
+
+        ApplicationState state;
+        QVERIFY(state.fileIdentity(0).isNull());
+        QVERIFY(state.fileIdentity(1).isNull());
+        state.setFileIdentity(1, identity); // no such document yet: nothing is kept
+        QCOMPARE(state.appendDocumentSlot(), qint16(1));
+        QVERIFY(state.fileIdentity(1).isNull());
+        state.setFileIdentity(1, identity);
+        QCOMPARE(state.fileIdentity(1), identity);
+        state.removeLastDocumentSlot();
+        QCOMPARE(state.appendDocumentSlot(), qint16(1));
+        QVERIFY(state.fileIdentity(1).isNull());
     }
 
     void closedEditorsLeaveTheirSlot()

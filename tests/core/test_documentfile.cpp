@@ -1,6 +1,9 @@
 #include "core/documentfile.h"
+#include "core/options.h"
+#include "menufile/fileidentity.h"
 #include "menufile/menufilereader.h"
 #include "model/menudocument.h"
+#include "model/runtimeerror.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -45,6 +48,34 @@ private Q_SLOTS:
         MenuDocument reread;
         QVERIFY(readMenuFile(path, reread).ok());
         QCOMPARE(reread.items.constFirst().caption, QStringLiteral("Edit"));
+    }
+
+    void openingAndSavingGiveTheIdentityOfTheFile()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        MenuDocument document = oneItemMenu(QStringLiteral("Edit"));
+        FileIdentity saved;
+        QVERIFY(saveMenuDocument(document, path, &saved).isEmpty());
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        QCOMPARE(saved.hash(), FileIdentity::hashOf(bytes));
+        QCOMPARE(saved.changeAt(path), FileIdentity::Change::Unchanged);
+
+        MenuDocument opened;
+        FileIdentity read;
+        QVERIFY(openMenuDocument(path, Options(), 1, opened, &read).ok());
+        QCOMPARE(read, saved);
+
+        // A menu refused by the save check, and a file that cannot be opened, give none.
+        FileIdentity refused;
+        MenuDocument unsavable = oneItemMenu(QStringLiteral("[/Menu]"));
+        QCOMPARE(saveMenuDocument(unsavable, path, &refused).size(), 1);
+        QVERIFY(refused.isNull());
+        FileIdentity unread;
+        QVERIFY(!openMenuDocument(folder.filePath(QStringLiteral("absent.ini")), Options(), 1, opened, &unread).ok());
+        QVERIFY(unread.isNull());
     }
 
     void anUnsavableMenuWritesNothingAndStaysAsItWas()

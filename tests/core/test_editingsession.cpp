@@ -4,6 +4,8 @@
 #include "editing/itemdeletion.h"
 #include "editing/itemmoving.h"
 #include "editing/linkediting.h"
+#include "editing/subtreecopy.h"
+#include "menufile/menufixtures.h"
 #include "model/errortable.h"
 #include "model/menudocument.h"
 
@@ -203,6 +205,49 @@ private Q_SLOTS:
         QCOMPARE(f.undoCount(), 0);
         // The failed operation handed nothing to the view.
         QVERIFY(f.view.updates.isEmpty());
+    }
+
+    void anEditThatWouldPassTheMostItemsAMenuHoldsIsAnOverflowWithTheMenuAsItWas()
+    {
+        SessionFixture f;
+        f.open(flatMenu(32767));
+        const MenuDocument before = f.document();
+        f.view.select(QStringLiteral("E3"));
+        QVERIFY(!f.session.run(EditOperations::duplicate));
+        QCOMPARE(f.criticalMessages,
+                 QStringList({ QStringLiteral(
+                     "Error 6 : Overflow (mnuDuplicate_Click)\r\nThis error will undo your action") }));
+        QCOMPARE(f.document(), before);
+        QCOMPARE(f.undoCount(), 0);
+        QVERIFY(f.view.updates.isEmpty());
+
+        // The menu is whole and savable, so the next edit runs as usual.
+        QVERIFY(f.session.run(EditOperations::deleteItem));
+        QCOMPARE(f.criticalMessages.size(), 1);
+        QCOMPARE(f.document().items.size(), 32766);
+    }
+
+    void aCopyingDropIntoAFullMenuLeavesBothMenusAsTheyWere()
+    {
+        SessionFixture f;
+        const qint16 source = f.open(threeItems());
+        const qint16 target = f.open(flatMenu(32767));
+        const MenuDocument sourceBefore = f.state.document(source);
+        const MenuDocument targetBefore = f.state.document(target);
+        for (const bool copy : { true, false }) {
+            DropRequest request;
+            request.draggedKey = QStringLiteral("E0");
+            request.targetKey = QStringLiteral("E5");
+            request.targetParentKey = SelectedNode::rootKey();
+            request.place = DropPlace::Next;
+            request.copy = copy;
+            QVERIFY(!f.session.runDrop(source, target, request));
+            QCOMPARE(f.criticalMessages.size(), copy ? 1 : 2);
+            QVERIFY(
+                f.criticalMessages.constLast().startsWith(QStringLiteral("Error 6 : Overflow (lstMenu_OLEDragDrop)")));
+            QCOMPARE(f.state.document(source), sourceBefore);
+            QCOMPARE(f.state.document(target), targetBefore);
+        }
     }
 
     void aFailureOfTheViewIsReportedAndUndoneToo()

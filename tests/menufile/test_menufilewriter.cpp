@@ -1,6 +1,9 @@
 #include "menufixtures.h"
 
+#include "editing/randommenu.h"
+
 #include "editing/menuopening.h"
+#include "menufile/fileidentity.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
 #include "model/menudocument.h"
@@ -9,7 +12,9 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
+#include <QScopeGuard>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 #include <QThread>
 
@@ -17,7 +22,10 @@
 #include <thread>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -99,6 +107,40 @@ void writeFile(const QString& path, const QByteArray& bytes)
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(bytes);
 }
+
+/// Every file in `folder` but the menu file itself: what a save may leave behind.
+QStringList filesBeside(const QString& folder, const QString& menuName)
+{
+    QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    names.removeAll(menuName);
+    return names;
+}
+
+#ifdef Q_OS_UNIX
+struct stat statusOf(const QString& path)
+{
+    struct stat status
+    {
+    };
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
+        status.st_mode = 0;
+    }
+    return status;
+}
+
+mode_t permissionBits(const QString& path)
+{
+    return statusOf(path).st_mode & 07777;
+}
+
+/// The mask the system applies to new files, read without changing it for long.
+mode_t currentUmask()
+{
+    const mode_t mask = ::umask(022);
+    ::umask(mask);
+    return mask;
+}
+#endif
 
 } // namespace
 
@@ -280,6 +322,42 @@ private Q_SLOTS:
         QCOMPARE(reread.items.at(9999).commands.at(1).command, QStringLiteral("open 9999"));
     }
 
+    void theLengthOfTheFileIsCountedExactlyWithoutBuildingIt()
+    {
+        QCOMPARE(menuFileSize(exampleDocument()), exampleBytes().size());
+        for (quint32 seed = 1; seed <= 400; ++seed) {
+            QRandomGenerator random(seed);
+            // Now and then more than 9,999 items, whose numbers take five digits.
+            const int count = seed % 50 == 0 ? 10000 + random.bounded(3000) : 1 + random.bounded(60);
+            MenuDocument document = RandomMenu::generate(random, count);
+            roughenTexts(random, document);
+            qsizetype expected = -1;
+            int expectedError = 0;
+            try {
+                expected = menuFileBytes(document).size();
+            } catch (const RunTimeError& error) {
+                expectedError = error.number();
+            }
+            try {
+                QCOMPARE(menuFileSize(document), qint64(expected));
+                QCOMPARE(expectedError, 0);
+            } catch (const RunTimeError& error) {
+                QCOMPARE(error.number(), expectedError);
+            }
+        }
+    }
+
+    void theLengthOfAMenuBeyondTheMostItemsIsCountedToo()
+    {
+        // The writer refuses to number item 32,768; the length is what it would take.
+        const MenuDocument full = flatMenu(32767);
+        MenuDocument document = full;
+        document.items.append(makeItem(QStringLiteral("Item 32768"), 32767, 0, 1));
+        document.items.first().childCount = 1;
+        QCOMPARE(menuFileSize(full), menuFileBytes(full).size());
+        QCOMPARE(menuFileSize(document), menuFileSize(full) + QByteArray("\xB7\xB7\xB7Item 32768\r\n").size());
+    }
+
     void writeMenuFileReplacesTheFile()
     {
         QTemporaryDir folder;
@@ -386,6 +464,201 @@ private Q_SLOTS:
 #else
         QSKIP("named pipes are a Unix thing");
 #endif
+    }
+
+    void theReplacementKeepsThePermissionBits_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::newRow("0640") << 0640;
+        QTest::newRow("0600") << 0600;
+        QTest::newRow("0604") << 0604;
+        QTest::newRow("0664") << 0664;
+        QTest::newRow("0755") << 0755;
+    }
+
+    void theReplacementKeepsThePermissionBits()
+    {
+#ifdef Q_OS_UNIX
+        QFETCH(int, mode);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        writeFile(path, "previous\r\n");
+        QCOMPARE(::chmod(QFile::encodeName(path).constData(), mode_t(mode)), 0);
+        writeMenuFile(exampleDocument(), path);
+        QCOMPARE(fileContents(path), exampleBytes());
+        QCOMPARE(int(permissionBits(path)), mode);
+        QVERIFY(filesBeside(folder.path(), QStringLiteral("menu.ini")).isEmpty());
+#else
+        QSKIP("permission bits are a Unix thing");
+#endif
+    }
+
+    void aWriteProtectedFileReplacedWithTheRightToStaysWriteProtected()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        writeFile(path, "previous\r\n");
+        QCOMPARE(::chmod(QFile::encodeName(path).constData(), 0444), 0);
+        if (!QFileInfo(path).isWritable()) {
+            QSKIP("only an administrator may replace a write-protected file; this user is refused (see "
+                  "writeProtectedFileIsNotReplaced)");
+        }
+        writeMenuFile(exampleDocument(), path);
+        QCOMPARE(fileContents(path), exampleBytes());
+        QCOMPARE(int(permissionBits(path)), 0444);
+#else
+        QSKIP("permission bits are a Unix thing");
+#endif
+    }
+
+    void aNewFileGetsThePermissionsOfAnyNewFile()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("new.ini"));
+        writeMenuFile(exampleDocument(), path);
+        QCOMPARE(int(permissionBits(path)), int(0666 & ~currentUmask()));
+#else
+        QSKIP("permission bits are a Unix thing");
+#endif
+    }
+
+    void theReplacementKeepsTheOwnerAndGroup()
+    {
+#ifdef Q_OS_UNIX
+        if (::geteuid() != 0) {
+            QSKIP("giving a file to another user takes an administrator; run the tests as root to check that a "
+                  "save keeps the owner and group of the file it replaces");
+        }
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        writeFile(path, "previous\r\n");
+        const QByteArray name = QFile::encodeName(path);
+        // Another user and group than the administrator's, and owner-only permissions that would lock
+        // that user out of a file that became the administrator's.
+        QCOMPARE(::chown(name.constData(), 4242, 4343), 0);
+        QCOMPARE(::chmod(name.constData(), 0640), 0);
+        writeMenuFile(exampleDocument(), path);
+        const struct stat status = statusOf(path);
+        QCOMPARE(status.st_uid, uid_t(4242));
+        QCOMPARE(status.st_gid, gid_t(4343));
+        QCOMPARE(int(status.st_mode & 07777), 0640);
+        QCOMPARE(fileContents(path), exampleBytes());
+#else
+        QSKIP("file owners are a Unix thing");
+#endif
+    }
+
+    void aFolderThatCannotBeWrittenIsNamed()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString sub = folder.filePath(QStringLiteral("locked"));
+        QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("locked")));
+        const QString path = QDir(sub).filePath(QStringLiteral("menu.ini"));
+        writeFile(path, "previous\r\n");
+        QCOMPARE(::chmod(QFile::encodeName(sub).constData(), 0555), 0);
+        const auto unlock = qScopeGuard([&sub] { ::chmod(QFile::encodeName(sub).constData(), 0755); });
+        QTemporaryFile probe(QDir(sub).filePath(QStringLiteral("probe-XXXXXX")));
+        if (probe.open()) {
+            QSKIP("this user can write into a folder without write permission (administrator): the message for a "
+                  "folder that cannot be written cannot be seen");
+        }
+        try {
+            writeMenuFile(exampleDocument(), path);
+            QFAIL("the file in a read-only folder was replaced");
+        } catch (const RunTimeError& error) {
+            QCOMPARE(error.report(),
+                     QStringLiteral("Error 70 : Permission denied: the folder %1 cannot be written, "
+                                    "so %2 cannot be replaced (writeMenuFile)")
+                         .arg(sub, path));
+        }
+        QCOMPARE(fileContents(path), QByteArray("previous\r\n"));
+        try {
+            writeMenuFile(exampleDocument(), QDir(sub).filePath(QStringLiteral("new.ini")));
+            QFAIL("a file was made in a read-only folder");
+        } catch (const RunTimeError& error) {
+            QVERIFY2(error.description().endsWith(QStringLiteral("cannot be created")), qPrintable(error.report()));
+        }
+        QCOMPARE(filesBeside(sub, QStringLiteral("menu.ini")), QStringList());
+#else
+        QSKIP("folder permissions are a Unix thing here");
+#endif
+    }
+
+    void aWriteThatFailsHalfwayLeavesTheOldFileAndNothingElse()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        const QByteArray previous("previous\r\n");
+        writeFile(path, previous);
+        // A file size limit below the file's length: the write stops with "File too large", as it
+        // would on a full disk.
+        struct rlimit limit
+        {
+        };
+        QCOMPARE(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+        const struct rlimit before = limit;
+        limit.rlim_cur = 64;
+        const auto oldSignal = std::signal(SIGXFSZ, SIG_IGN);
+        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+        QString report;
+        try {
+            writeMenuFile(exampleDocument(), path);
+        } catch (const RunTimeError& error) {
+            report = error.report();
+        }
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, oldSignal);
+        QCOMPARE(report, QStringLiteral("Error 75 : Path/File access error: File too large (writeMenuFile)"));
+        QCOMPARE(fileContents(path), previous);
+        QCOMPARE(filesBeside(folder.path(), QStringLiteral("menu.ini")), QStringList());
+#else
+        QSKIP("file size limits are a Unix thing");
+#endif
+    }
+
+    void aSymbolicLinkStaysAndTheFileItLeadsToIsReplaced()
+    {
+#ifdef Q_OS_UNIX
+        QTemporaryDir folder;
+        const QString real = folder.filePath(QStringLiteral("real.ini"));
+        const QString link = folder.filePath(QStringLiteral("link.ini"));
+        writeFile(real, "previous\r\n");
+        QVERIFY(QFile::link(real, link));
+        writeMenuFile(exampleDocument(), link);
+        QVERIFY(QFileInfo(link).isSymLink());
+        QCOMPARE(fileContents(real), exampleBytes());
+#else
+        QSKIP("symbolic links are a Unix thing here");
+#endif
+    }
+
+    void theIdentityOfTheFileWrittenIsTheFileOnDisk()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("menu.ini"));
+        writeFile(path, "previous\r\n");
+        FileIdentity identity;
+        writeMenuFile(exampleDocument(), path, &identity);
+        QVERIFY(!identity.isNull());
+        QCOMPARE(identity.size(), exampleBytes().size());
+        QCOMPARE(identity.hash(), FileIdentity::hashOf(exampleBytes()));
+        QCOMPARE(identity.changeAt(path), FileIdentity::Change::Unchanged);
+#ifdef Q_OS_UNIX
+        const struct stat status = statusOf(path);
+        QCOMPARE(identity.inode(), quint64(status.st_ino));
+        QCOMPARE(identity.device(), quint64(status.st_dev));
+        QCOMPARE(identity.modifiedNanoseconds(), qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec);
+#endif
+        // A failed write gives no identity.
+        FileIdentity untouched;
+        MenuDocument broken = exampleDocument();
+        broken.items[2].copyKey = QStringLiteral("E99");
+        QVERIFY_THROWS_EXCEPTION(RunTimeError, writeMenuFile(broken, path, &untouched));
+        QVERIFY(untouched.isNull());
     }
 
     void writeProtectedFileIsNotReplaced()

@@ -1,9 +1,12 @@
+#include "editing/randommenu.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
 #include "menufile/menufixtures.h"
 #include "menufile/saveproblemcheck.h"
 #include "model/menudocument.h"
+#include "model/runtimeerror.h"
 
+#include <QRandomGenerator>
 #include <QTest>
 
 namespace {
@@ -46,6 +49,23 @@ SaveProblem pack(const QString& description)
 SaveProblem below(const QString& caption, const QString& description)
 {
     return SaveProblem { QStringLiteral("\"Archive\" > \"") + caption + QLatin1Char('"'), description };
+}
+
+/// The problem of a menu whose file would be `size` bytes, over `limit`.
+SaveProblem tooLarge(qint64 size, const QString& sizeInMebibytes, qint64 limit, const QString& limitInMebibytes)
+{
+    return SaveProblem { QString(),
+                         QStringLiteral("the menu file would be %1 bytes (%2), more than the %3 bytes (%4) a menu file "
+                                        "may have to be opened again; shorten long captions or commands, or delete "
+                                        "items")
+                             .arg(QString::number(size), sizeInMebibytes, QString::number(limit), limitInMebibytes) };
+}
+
+bool holdsSizeProblem(const QList<SaveProblem>& problems)
+{
+    return std::any_of(problems.cbegin(), problems.cend(), [](const SaveProblem& problem) {
+        return problem.itemPath.isEmpty() && problem.description.startsWith(QStringLiteral("the menu file would be "));
+    });
 }
 
 } // namespace
@@ -227,6 +247,75 @@ private Q_SLOTS:
         QCOMPARE(problems.constFirst().itemPath,
                  QStringLiteral("\"L0\" > \"L1\" > \u2026 > \"L5\" > \"L6\" > \"") + QString(40, QLatin1Char('x'))
                      + QStringLiteral("\u2026\""));
+    }
+
+    void aMenuOfMoreItemsThanAFileHoldsIsRefused()
+    {
+        QVERIFY(findSaveProblems(flatMenu(32767)).isEmpty());
+        MenuDocument tooMany = flatMenu(32768);
+        const QList<SaveProblem> expected { SaveProblem {
+            QString(),
+            QStringLiteral("the menu holds 32768 items, more than the 32767 a menu file can hold; delete "
+                           "some") } };
+        QCOMPARE(findSaveProblems(tooMany), expected);
+        // Whatever else is wrong comes after it.
+        tooMany.items[3].caption = QStringLiteral("a\nb");
+        const QList<SaveProblem> problems = findSaveProblems(tooMany);
+        QCOMPARE(problems.size(), 2);
+        QCOMPARE(problems.constFirst(), expected.constFirst());
+        QCOMPARE(problems.constLast().description, QStringLiteral("caption holds a line break"));
+    }
+
+    void theSizeLimitIsTheExactLengthOfTheFileOnRandomMenus()
+    {
+        int measured = 0;
+        for (quint32 seed = 1; seed <= 300; ++seed) {
+            QRandomGenerator random(seed);
+            MenuDocument document = RandomMenu::generate(random, 1 + random.bounded(60));
+            roughenTexts(random, document);
+            qint64 size = 0;
+            try {
+                size = menuFileBytes(document).size();
+            } catch (const RunTimeError&) {
+                continue; // a link that names no item: the check names that instead
+            }
+            ++measured;
+            const QString context = QStringLiteral("seed %1, %2 bytes").arg(seed).arg(size);
+            QVERIFY2(!holdsSizeProblem(findSaveProblems(document, size)), qPrintable(context));
+            const QList<SaveProblem> problems = findSaveProblems(document, size - 1);
+            QVERIFY2(holdsSizeProblem(problems), qPrintable(context));
+            QVERIFY2(problems.constFirst().description.startsWith(
+                         QStringLiteral("the menu file would be %1 bytes").arg(size)),
+                     qPrintable(context));
+        }
+        QVERIFY(measured > 200);
+    }
+
+    void aMenuWhoseFileTheReaderWouldRefuseIsRefusedWithoutBuildingIt()
+    {
+        // 256 items of one shared 1 MiB line each, and the fixed lines: just over the reader's limit,
+        // while the captions take a few megabytes of memory.
+        const qint64 mebibyte = 1024 * 1024;
+        const QString caption(mebibyte - 2, QLatin1Char('x'));
+        MenuDocument document = flatMenu(256);
+        for (MenuItem& item : document.items) {
+            item.caption = caption;
+        }
+        const qint64 fixed = menuFileSize(flatMenu(0));
+        QCOMPARE(menuFileSize(document), maximumMenuFileSize + fixed);
+        QCOMPARE(findSaveProblems(document),
+                 QList<SaveProblem>({ tooLarge(maximumMenuFileSize + fixed, QStringLiteral("256.0 MiB"),
+                                               maximumMenuFileSize, QStringLiteral("256.0 MiB")) }));
+
+        // Exactly as large as the reader takes: saved.
+        document.items.last().caption.chop(fixed);
+        QCOMPARE(menuFileSize(document), maximumMenuFileSize);
+        QVERIFY(findSaveProblems(document).isEmpty());
+        // One byte more, in a command: refused.
+        document.items.first().commands.append(Command { QString(), QString() });
+        document.items.last().caption.chop(menuFileSize(document) - maximumMenuFileSize - 1);
+        QCOMPARE(menuFileSize(document), maximumMenuFileSize + 1);
+        QCOMPARE(findSaveProblems(document).size(), 1);
     }
 
     void whatTheCheckAcceptsReadsBackAndWhatItRefusesDoesNot_data()
