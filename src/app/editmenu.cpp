@@ -27,7 +27,12 @@ EditMenu::EditMenu(QMenu* menu, EditMenuHost& host, EditingSession& session)
     m_mnuUndo->setEnabled(false);
     connect(m_mnuUndo, &QAction::triggered, this, [this] { m_host.mnuUndo_Click(); });
     m_mnuRedo = addEntry(QStringLiteral("mnuRedo"), QStringLiteral("&Redo"));
-    m_mnuRedo->setShortcut(QKeySequence::Redo);
+    // Ctrl+Y redoes too, as in most editors, wherever the platform's Redo is another key.
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    if (!redoKeys.contains(QKeySequence(Qt::CTRL | Qt::Key_Y))) {
+        redoKeys.append(QKeySequence(Qt::CTRL | Qt::Key_Y));
+    }
+    m_mnuRedo->setShortcuts(redoKeys);
     m_mnuRedo->setEnabled(false);
     connect(m_mnuRedo, &QAction::triggered, this, [this] { m_host.mnuRedo_Click(); });
     addSeparator(QStringLiteral("Tire04"));
@@ -164,6 +169,28 @@ EditMenu::EditMenu(QMenu* menu, EditMenuHost& host, EditingSession& session)
 
     for (QAction* entry : std::as_const(m_treeEntries)) {
         entry->setShortcutContext(Qt::WidgetShortcut);
+    }
+
+    // The context menu of a tree node: the same entries, so the same keys and the same rule of
+    // which can be used.
+    m_treeMenu = new QMenu(m_menu->parentWidget());
+    m_treeMenu->setObjectName(QStringLiteral("mnuTreeNode"));
+    const QStringList groups[] = {
+        { QStringLiteral("mnuNewItem"), QStringLiteral("mnuNewSubItem"), QStringLiteral("mnuRename"),
+          QStringLiteral("mnuDelete") },
+        { QStringLiteral("mnuCut"), QStringLiteral("mnuCopy"), QStringLiteral("mnuPaste"),
+          QStringLiteral("mnuDuplicate") },
+        { QStringLiteral("mnuMoveUp"), QStringLiteral("mnuMoveDown"), QStringLiteral("mnuMoveIntoItemAbove"),
+          QStringLiteral("mnuMoveOutOfParent") },
+        { QStringLiteral("mnuFind") },
+    };
+    for (const QStringList& group : groups) {
+        if (!m_treeMenu->isEmpty()) {
+            m_treeMenu->addSeparator();
+        }
+        for (const QString& name : group) {
+            m_treeMenu->addAction(entry(name));
+        }
     }
 }
 

@@ -29,6 +29,9 @@ public:
     QAction* undoEntry() const { return m_mnuUndo; }
     QAction* redoEntry() const { return m_mnuRedo; }
     QAction* copyCommandDupEntry() const { return m_mnuCopyComDup; }
+    /// The context menu of a tree node (mnuTreeNode): New Item, New Sub-item, Rename, Delete, Cut,
+    /// Copy, Paste, Duplicate, the four moves and Find, the very entries of this menu.
+    QMenu* treeMenu() const { return m_treeMenu; }
 
     /// Lets the entries whose keys belong to the item tree (Delete, F2, Insert) work while `tree` has
     /// the focus, and only then, so that text fields keep those keys.
@@ -62,6 +65,7 @@ private:
     /// Entries whose shortcuts work only while an item tree has the focus.
     QList<QAction*> m_treeEntries;
     QAction* m_mnuSelectCopy = nullptr;
+    QMenu* m_treeMenu = nullptr;
     QAction* m_mnuNewSubItem = nullptr;
     /// Move into the item above and Move out of the parent.
     QList<QAction*> m_nestingEntries;

@@ -8,7 +8,7 @@
 #include "app/itemtree.h"
 #include "app/linktargetclicks.h"
 #include "app/nodedraghandler.h"
-#include "app/treeshapesteps.h"
+#include "app/treeupdateplayer.h"
 #include "core/applicationstate.h"
 #include "core/editingsession.h"
 #include "core/statuspanels.h"
@@ -71,6 +71,9 @@ EditorWindow::EditorWindow(EditorWindowHost& host, qint16 documentIndex, QWidget
     connect(m_itemPanel, &ItemSidePanel::moveUpClicked, this, &EditorWindow::cmdUp_Click);
     connect(m_itemPanel, &ItemSidePanel::moveDownClicked, this, &EditorWindow::cmdDown_Click);
     connect(m_itemPanel, &ItemSidePanel::commandEditRequested, this, [this] { m_host.editSelectedCommand(); });
+    connect(m_itemPanel, &ItemSidePanel::commandAddRequested, this, [this] { m_host.addCommand(); });
+    connect(m_itemPanel, &ItemSidePanel::commandRemoveRequested, this, [this] { m_host.removeSelectedCommand(); });
+    connect(m_lstMenu, &ItemTree::contextMenuRequested, this, &EditorWindow::showTreeMenu);
     connect(m_itemPanel, &ItemSidePanel::commandMenuRequested, this,
             [this](const QPoint& globalPos) { m_host.popupCommandMenu(globalPos); });
     // Following the link: the target becomes the selected item.
@@ -312,6 +315,25 @@ void EditorWindow::cmdDown_Click()
     m_host.session().run(m_documentIndex, EditOperations::moveDown);
 }
 
+void EditorWindow::showTreeMenu(const QModelIndex& node, const QPoint& globalPos)
+{
+    if (isChoosingLinkTarget() || !node.isValid()) {
+        return; // a click chooses the link's target meanwhile
+    }
+    // The node is selected and shown first, as a click on it does; the menu acts on it. A click on
+    // the root shows nothing, but the root is selected, as the view selects it for a click.
+    if (m_lstMenu->currentIndex() != node) {
+        if (m_lstMenu->indexOfNode(node) == 1) {
+            FlagScope selecting(m_selectingNode);
+            selectNode(node);
+        } else {
+            clickFromUser(node);
+        }
+    }
+    m_host.selectionChanged(m_documentIndex);
+    m_host.popupTreeMenu(globalPos);
+}
+
 void EditorWindow::lstMenu_OLEDragDrop(const QModelIndex& node, const QPoint& globalPos)
 {
     m_dragHandler->dropped(node, globalPos);
@@ -353,47 +375,7 @@ QString EditorWindow::nodeKey(int nodeIndex) const
 
 void EditorWindow::applyUpdate(const TreeUpdate& update)
 {
-    m_lstMenu->documentChanged();
-    bool busy = false;
-    const auto endBusy = [this, &busy] {
-        if (busy) {
-            busy = false;
-            m_lstMenu->setUpdatesEnabled(true);
-            hideBusyNotice();
-        }
-    };
-    try {
-        const QList<TreeStep>& steps = update.steps();
-        for (qsizetype s = 0; s < steps.size(); ++s) {
-            const TreeStep& step = steps.at(s);
-            if (TreeShapeSteps::handles(step.kind)) {
-                // The current node the tree moves on the way is not the user moving through it.
-                FlagScope selecting(m_selectingNode);
-                m_shownByMove.clear();
-                s = TreeShapeSteps::apply(*m_lstMenu, steps, s);
-                continue;
-            }
-            if (step.kind == TreeStep::Kind::ShowBusy) {
-                // The notice keeps the text it has; the tree stays unpainted until the work is done.
-                showBusyNotice(m_frm01->text());
-                m_lstMenu->setUpdatesEnabled(false);
-                busy = true;
-                continue;
-            }
-            if (step.kind == TreeStep::Kind::HideBusy) {
-                endBusy();
-                continue;
-            }
-            applyStep(step);
-        }
-    } catch (...) {
-        endBusy();
-        throw;
-    }
-    endBusy();
-    if (!update.steps().isEmpty()) {
-        m_findBar->followMenu();
-    }
+    TreeUpdatePlayer(*this).play(update);
 }
 
 void EditorWindow::openFindBar()
@@ -418,89 +400,6 @@ void EditorWindow::showFoundItem(const QString& key)
 void EditorWindow::selectNode(const QModelIndex& node)
 {
     m_lstMenu->selectionModel()->setCurrentIndex(node, QItemSelectionModel::ClearAndSelect);
-}
-
-void EditorWindow::applyStep(const TreeStep& step)
-{
-    switch (step.kind) {
-    case TreeStep::Kind::AddNode:
-    case TreeStep::Kind::RemoveNode:
-    case TreeStep::Kind::SetNodeText:
-    case TreeStep::Kind::MoveNodeUp:
-    case TreeStep::Kind::MoveNodeDown:
-    case TreeStep::Kind::MoveNodeUnder:
-    case TreeStep::Kind::MoveNodeToLastChild:
-    case TreeStep::Kind::MoveNodeAfter:
-    case TreeStep::Kind::SetNodeColour:
-    case TreeStep::Kind::AddNodeWhenOnlyRoot:
-    case TreeStep::Kind::ShowBusy:
-    case TreeStep::Kind::HideBusy:
-        break; // carried out by applyUpdate: the shape steps in runs, the busy notice while work lasts
-    case TreeStep::Kind::Recolour:
-        ColorizeMenu();
-        break;
-    case TreeStep::Kind::Regenerate:
-        m_host.regenerateTree(m_documentIndex);
-        break;
-    case TreeStep::Kind::ShowItemCount:
-        // The item-count panel belongs to the active window (a drop may change another one).
-        if (m_host.activeDocumentIndex() == m_documentIndex) {
-            m_host.showItemCount(int(document().items.size()));
-        }
-        break;
-    case TreeStep::Kind::ShowPosition: {
-        const MenuDocument& menu = document();
-        const MenuItem& item = menu.items.at(requireItemByKey(menu, step.key, "ShowPosition"));
-        showStatusPanel(6, StatusPanels::positionOf(item));
-        break;
-    }
-    case TreeStep::Kind::SelectNode:
-        if (const QModelIndex node = m_lstMenu->nodeByKey(step.key); node.isValid()) {
-            FlagScope selecting(m_selectingNode);
-            selectNode(node);
-        }
-        break;
-    case TreeStep::Kind::ClickNode:
-        // A node that is not in the tree (a hidden target) cannot be clicked: nothing happens.
-        if (const QModelIndex node = m_lstMenu->nodeByKey(step.key); node.isValid()) {
-            lstMenu_NodeClick(node);
-        }
-        break;
-    case TreeStep::Kind::ClickFirstItemNode:
-        if (const QModelIndex node = m_lstMenu->node(2); node.isValid()) {
-            lstMenu_NodeClick(node);
-        } else {
-            showNoItem();
-        }
-        break;
-    case TreeStep::Kind::ShowItem:
-        SelectItem();
-        break;
-    case TreeStep::Kind::StartLabelEdit:
-        m_lstMenu->setFocus();
-        m_lstMenu->startLabelEdit(m_lstMenu->nodeByKey(step.key));
-        break;
-    case TreeStep::Kind::ToggleLinkTargetChoice:
-        m_itemPanel->toggleChoosing();
-        break;
-    case TreeStep::Kind::EndLinkTargetChoice: {
-        // The operation that ends the choice has already applied the check box.
-        m_itemPanel->endChoosing();
-        windowState().linkTargetChoice = false;
-        updateLinkControls();
-        m_host.updateMenus();
-        break;
-    }
-    case TreeStep::Kind::FocusTree:
-        m_lstMenu->setFocus();
-        break;
-    case TreeStep::Kind::ShowMessage:
-        m_host.showPlainMessage(step.text);
-        break;
-    case TreeStep::Kind::ShowRefusal:
-        m_host.showRefusal(step.text);
-        break;
-    }
 }
 
 void EditorWindow::onCurrentNodeChanged(const QModelIndex& current)

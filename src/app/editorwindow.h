@@ -123,8 +123,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    friend class TreeUpdatePlayer;
+
     void buildLayout();
-    void applyStep(const TreeStep& step);
     /// Selects the first item node and shows it, and gives the root its text, as after a rebuild.
     void showFirstItem();
     /// Makes `node` the current and only selected node of the tree.
@@ -140,6 +141,8 @@ private:
     void onRootCollapsed();
     /// Runs a click from the user, reporting a failure instead of passing it on.
     void clickFromUser(const QModelIndex& node);
+    /// The context menu of `node`, selected and shown first, at `globalPos`.
+    void showTreeMenu(const QModelIndex& node, const QPoint& globalPos);
 
     EditorWindowHost& m_host;
     const qint16 m_documentIndex;

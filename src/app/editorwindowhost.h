@@ -36,10 +36,16 @@ public:
     /// Rebuilds the tree of document `index` and brings the menus and the status bar up to date.
     virtual void regenerateTree(qint16 index) = 0;
 
-    /// Edits the selected line of the active command list (its double click).
+    /// Edits the selected line of the active command list (its double click, Enter).
     virtual void editSelectedCommand() = 0;
+    /// Adds a command to the selected item (a double click on the list's empty space, Insert).
+    virtual void addCommand() = 0;
+    /// Removes the selected line of the active command list (Delete).
+    virtual void removeSelectedCommand() = 0;
     /// Pops the command list's menu up at `globalPos`.
     virtual void popupCommandMenu(const QPoint& globalPos) = 0;
+    /// Pops the context menu of the tree's selected node up at `globalPos`.
+    virtual void popupTreeMenu(const QPoint& globalPos) = 0;
     /// Shows the drop menu of a right-button drop at `globalPos` (see DragAndDrop).
     virtual void popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo,
                                const QPoint& globalPos)

@@ -5,10 +5,12 @@
 #include "editing/itempanel.h"
 
 #include <QCheckBox>
+#include <QContextMenuEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -41,7 +43,8 @@ ItemSidePanel::ItemSidePanel(QWidget* parent)
     // A double click edits the line; the right button's release pops the command menu up, also
     // over an empty list.
     m_lstCommand->viewport()->installEventFilter(this);
-    connect(m_lstCommand, &QListWidget::itemDoubleClicked, this, &ItemSidePanel::commandEditRequested);
+    m_lstCommand->installEventFilter(this);
+    m_lstCommand->setContextMenuPolicy(Qt::DefaultContextMenu);
 
     // The copy-command link: the check box switches it, the field names the target item (a double
     // click follows the link) and the button starts choosing a target in the tree.
@@ -100,6 +103,11 @@ void ItemSidePanel::showPath(const QString& path)
 {
     m_lblPath->setText(path);
     m_lstCommand->clear();
+}
+
+void ItemSidePanel::setPath(const QString& path)
+{
+    m_lblPath->setText(path);
 }
 
 void ItemSidePanel::showItem(const ItemPanel& panel)
@@ -168,7 +176,43 @@ void ItemSidePanel::showChoosingColour(bool choosing)
 
 int ItemSidePanel::selectedCommandIndex() const
 {
-    return m_lstCommand->count() > 0 ? m_lstCommand->currentRow() : -1;
+    const QList<QListWidgetItem*> selected = m_lstCommand->selectedItems();
+    return selected.isEmpty() ? -1 : m_lstCommand->row(selected.constFirst());
+}
+
+void ItemSidePanel::selectLine(int row)
+{
+    if (row >= 0 && row < m_lstCommand->count()) {
+        m_lstCommand->setCurrentRow(row, QItemSelectionModel::ClearAndSelect);
+    }
+}
+
+bool ItemSidePanel::commandListKey(const QKeyEvent* key)
+{
+    if (key->modifiers() != Qt::NoModifier && key->modifiers() != Qt::KeypadModifier) {
+        return false;
+    }
+    switch (key->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        // The line the keyboard is on is the one edited, and is shown selected.
+        if (m_lstCommand->currentRow() >= 0) {
+            selectLine(m_lstCommand->currentRow());
+            Q_EMIT commandEditRequested();
+        }
+        return true;
+    case Qt::Key_Insert:
+        Q_EMIT commandAddRequested();
+        return true;
+    case Qt::Key_Delete:
+        if (selectedCommandIndex() >= 0) {
+            Q_EMIT commandRemoveRequested();
+        }
+        return true;
+    default:
+        break;
+    }
+    return false;
 }
 
 QString ItemSidePanel::commandToolTip(int row) const
@@ -215,9 +259,42 @@ bool ItemSidePanel::eventFilter(QObject* watched, QEvent* event)
     if (watched == m_lstCommand->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const auto* mouse = static_cast<QMouseEvent*>(event);
         if (mouse->button() == Qt::RightButton) {
+            // The menu acts on the line under the pointer, which is selected first.
+            if (const QListWidgetItem* line = m_lstCommand->itemAt(mouse->position().toPoint())) {
+                selectLine(m_lstCommand->row(line));
+            }
             Q_EMIT commandMenuRequested(mouse->globalPosition().toPoint());
             return true;
         }
+    }
+    if (watched == m_lstCommand->viewport() && event->type() == QEvent::MouseButtonDblClick) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (mouse->button() == Qt::LeftButton) {
+            if (const QListWidgetItem* line = m_lstCommand->itemAt(mouse->position().toPoint())) {
+                selectLine(m_lstCommand->row(line));
+                Q_EMIT commandEditRequested();
+            } else {
+                Q_EMIT commandAddRequested();
+            }
+            return true;
+        }
+    }
+    if (watched == m_lstCommand && event->type() == QEvent::KeyPress
+        && commandListKey(static_cast<QKeyEvent*>(event))) {
+        return true;
+    }
+    if (watched == m_lstCommand && event->type() == QEvent::ContextMenu) {
+        const auto* menu = static_cast<QContextMenuEvent*>(event);
+        if (menu->reason() == QContextMenuEvent::Keyboard) {
+            // The menu opens at the current line, selected, or at the list's top when it is empty.
+            selectLine(m_lstCommand->currentRow());
+            QRect line = m_lstCommand->visualItemRect(m_lstCommand->currentItem());
+            if (m_lstCommand->currentItem() == nullptr) {
+                line = QRect(0, 0, 1, 1);
+            }
+            Q_EMIT commandMenuRequested(m_lstCommand->viewport()->mapToGlobal(line.bottomLeft()));
+        }
+        return true; // the mouse's menu comes with the release of the right button
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -7,6 +7,7 @@
 #include <functional>
 
 class QCheckBox;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -29,6 +30,8 @@ public:
 
     /// Shows `path` and, for an item, its link and commands.
     void showPath(const QString& path);
+    /// Shows `path` and leaves the rest as it is.
+    void setPath(const QString& path);
     void showItem(const ItemPanel& panel);
     /// Shows no item at all.
     void showNothing();
@@ -46,7 +49,9 @@ public:
     /// Gives the link-target button the colour of choosing, or its usual one.
     void showChoosingColour(bool choosing);
 
-    /// The selected line of the command list (0-based); -1 when none is selected or it is empty.
+    /// The selected line of the command list (0-based); -1 when none is selected or it is empty. A
+    /// line that merely has the keyboard focus is not selected: nothing acts on a line the user does
+    /// not see selected.
     int selectedCommandIndex() const;
     /// The tooltip of line `row` of the command list: the whole line when it is too long to show in
     /// the list's width, otherwise empty.
@@ -61,9 +66,15 @@ Q_SIGNALS:
     void chooseTargetToggled();
     void moveUpClicked();
     void moveDownClicked();
-    /// The user double-clicked a line of the command list.
+    /// The user double-clicked a line of the command list, or pressed Enter on it.
     void commandEditRequested();
-    /// The user released the right button over the command list, at `globalPos`.
+    /// The user double-clicked the list's empty space, or pressed Insert in it.
+    void commandAddRequested();
+    /// The user pressed Delete in the list while a line is selected.
+    void commandRemoveRequested();
+    /// The user released the right button over the command list, or pressed Shift+F10 or the Menu
+    /// key in it: the menu opens at `globalPos`, the line under the pointer (or the current one)
+    /// selected first.
     void commandMenuRequested(const QPoint& globalPos);
     /// The user double-clicked the link-target field.
     void followLinkRequested();
@@ -72,6 +83,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// Makes line `row` the current and only selected line of the command list.
+    void selectLine(int row);
+    /// Enter edits the current line, Insert adds a command, Delete removes the selected line; true
+    /// when `key` was one of them.
+    bool commandListKey(const QKeyEvent* key);
+
     QLabel* m_lblPath = nullptr;
     QListWidget* m_lstCommand = nullptr;
     QCheckBox* m_chkCopyCommand = nullptr;

@@ -9,12 +9,14 @@
 #include <QApplication>
 #include <QBrush>
 #include <QColor>
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDragLeaveEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QFont>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QSignalBlocker>
@@ -405,8 +407,42 @@ void ItemTree::mouseMoveEvent(QMouseEvent* event)
 
 void ItemTree::mouseReleaseEvent(QMouseEvent* event)
 {
-    m_pressKey.clear();
+    // A right button pressed and released on a node without dragging it is a right click: its
+    // context menu. A right-button drag has cleared the key when it started.
+    const QString clickedKey = std::exchange(m_pressKey, QString());
     QTreeView::mouseReleaseEvent(event);
+    if (event->button() == Qt::RightButton && m_pressButton == Qt::RightButton && !clickedKey.isEmpty()
+        && clickedKey == keyOf(indexAt(event->position().toPoint()))) {
+        Q_EMIT contextMenuRequested(nodeByKey(clickedKey), event->globalPosition().toPoint());
+    }
+}
+
+void ItemTree::contextMenuEvent(QContextMenuEvent* event)
+{
+    // The mouse's context menu comes with the release of a right click (see mouseReleaseEvent), so
+    // that a right-button drag can start from the press; the keyboard's opens at the current node.
+    event->accept();
+    if (event->reason() != QContextMenuEvent::Keyboard || !currentIndex().isValid()) {
+        return;
+    }
+    scrollTo(currentIndex());
+    const QRect row = visualRect(currentIndex());
+    Q_EMIT contextMenuRequested(currentIndex(), viewport()->mapToGlobal(QPoint(row.left(), row.bottom())));
+}
+
+void ItemTree::keyPressEvent(QKeyEvent* event)
+{
+    // Left on the open root collapses it, which the root never is: its first item is shown instead,
+    // as collapsing it by any other way does. The view would otherwise put the selection back on the
+    // root once the first item was shown.
+    const TreeNode* current = treeNode(currentIndex());
+    if (event->key() == Qt::Key_Left && event->modifiers() == Qt::NoModifier && current != nullptr
+        && current == m_model->nodes().root()) {
+        event->accept();
+        Q_EMIT rootCollapsed();
+        return;
+    }
+    QTreeView::keyPressEvent(event);
 }
 
 void ItemTree::dragEnterEvent(QDragEnterEvent* event)

@@ -131,6 +131,9 @@ Q_SIGNALS:
     void labelEditCancelled(const QString& key);
     /// The root node was collapsed; it has been expanded again at once, as the root stays open.
     void rootCollapsed();
+    /// The user asked for the context menu of `node` at `globalPos`: a right click on it (pressed and
+    /// released without dragging), or Shift+F10 or the Menu key on the current node.
+    void contextMenuRequested(const QModelIndex& node, const QPoint& globalPos);
     /// The user pressed `button` on `node` and moved the pointer far enough to drag it.
     void dragStartRequested(const QModelIndex& node, Qt::MouseButton button);
     /// A node of this program is dragged over `node` (invalid: over no node).
@@ -143,6 +146,8 @@ protected:
     bool viewportEvent(QEvent* event) override;
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;

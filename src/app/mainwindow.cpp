@@ -478,9 +478,24 @@ void MainWindow::editSelectedCommand()
     m_commandMenu->mnuEditCommand_Click();
 }
 
+void MainWindow::addCommand()
+{
+    m_commandMenu->mnuAddCommand_Click();
+}
+
+void MainWindow::removeSelectedCommand()
+{
+    m_commandMenu->mnuRemoveCommand_Click();
+}
+
 void MainWindow::popupCommandMenu(const QPoint& globalPos)
 {
     m_dragAndDrop->popupMenu(m_commandMenu->menu(), globalPos);
+}
+
+void MainWindow::popupTreeMenu(const QPoint& globalPos)
+{
+    m_dragAndDrop->popupMenu(m_editMenu->treeMenu(), globalPos);
 }
 
 void MainWindow::execDrag(QDrag* drag)

@@ -144,7 +144,10 @@ public:
     // EditorWindowHost
     void attachTree(QWidget* tree) override;
     void editSelectedCommand() override;
+    void addCommand() override;
+    void removeSelectedCommand() override;
     void popupCommandMenu(const QPoint& globalPos) override;
+    void popupTreeMenu(const QPoint& globalPos) override;
     bool confirmCloseEditor(qint16 index) override;
     void editorClosed(qint16 index) override;
 

@@ -198,7 +198,8 @@ TreeUpdate pasteItem(EditContext& context)
     clipboard.siblingOrder = document.items.at(selected).siblingOrder;
     document.items[selected] = clipboard;
     TreeUpdate update;
-    update.setNodeText(context.selected.key, clipboard.caption);
+    // The tree is neither rebuilt nor recoloured; the item panel shows what the item now holds.
+    update.setNodeText(context.selected.key, clipboard.caption).showItem();
     return update;
 }
 

@@ -708,7 +708,7 @@ private Q_SLOTS:
         const TreeUpdate update = window.run(&pasteItem, editing, "E1", "E0");
 
         TreeUpdate expected;
-        expected.setNodeText(key("E1"), QStringLiteral("Caption of E3"));
+        expected.setNodeText(key("E1"), QStringLiteral("Caption of E3")).showItem();
         QCOMPARE(update, expected);
         const MenuItem& pasted = window.document.items.at(1);
         QCOMPARE(pasted.key, key("E1"));
@@ -764,7 +764,7 @@ private Q_SLOTS:
 
         const TreeUpdate update = window.run(&pasteItem, editing, "E0", "Root");
         TreeUpdate expected;
-        expected.setNodeText(key("E0"), QStringLiteral("Caption of E1"));
+        expected.setNodeText(key("E0"), QStringLiteral("Caption of E1")).showItem();
         QCOMPARE(update, expected);
         const MenuItem& pasted = window.document.items.at(0);
         QCOMPARE(pasted.key, key("E0"));
