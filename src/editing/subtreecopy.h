@@ -24,7 +24,8 @@ TreeUpdate copyItem(EditContext& context);
 
 /// Paste: the selected item takes over the clipboard item's record (caption, commands, link and
 /// also its level, parent and childCount as they were when it was copied), keeping its key and its
-/// place among its siblings; only the node's text changes in the tree.
+/// place among its siblings; only the node's text changes in the tree, and the item panel shows the
+/// item as it now stands.
 TreeUpdate pasteItem(EditContext& context);
 /// Paste needs something copied first.
 QString pasteRefusal(const EditContext& context);
