@@ -10,17 +10,16 @@
 namespace {
 
 #ifndef Q_OS_WIN
-/// The desktop entry the desktop opens help files with, as xdg-mime reports it; empty when the
-/// desktop names none or xdg-mime is not there.
-QString desktopDefaultForHelpFiles()
+/// The desktop entry the desktop opens files of `mimeType` with, as xdg-mime reports it; empty when
+/// the desktop names none or xdg-mime is not there.
+QString desktopDefaultFor(const QString& mimeType)
 {
     const QString xdgMime = QStandardPaths::findExecutable(QStringLiteral("xdg-mime"));
     if (xdgMime.isEmpty()) {
         return {};
     }
     QProcess query;
-    query.start(xdgMime,
-                { QStringLiteral("query"), QStringLiteral("default"), QStringLiteral("application/vnd.ms-htmlhelp") });
+    query.start(xdgMime, { QStringLiteral("query"), QStringLiteral("default"), mimeType });
     if (!query.waitForFinished(5000) || query.exitStatus() != QProcess::NormalExit || query.exitCode() != 0) {
         query.kill();
         query.waitForFinished(1000);
@@ -50,7 +49,7 @@ std::optional<HelpSystem::Viewer> DesktopHelpSystem::findChmViewer() const
     return Viewer { program, {} };
 #else
     // The user's own choice of viewer comes first.
-    if (!desktopDefaultForHelpFiles().isEmpty()) {
+    if (!desktopDefaultFor(QStringLiteral("application/vnd.ms-htmlhelp")).isEmpty()) {
         const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
         if (!opener.isEmpty()) {
             return Viewer { opener, {} };
@@ -74,7 +73,36 @@ bool DesktopHelpSystem::startChmViewer(const Viewer& viewer, const QString& chmF
 
 bool DesktopHelpSystem::openInBrowser(const QString& htmlFilePath)
 {
+    if (!hasWebBrowser()) {
+        return false;
+    }
     return QDesktopServices::openUrl(QUrl::fromLocalFile(htmlFilePath));
+}
+
+QStringList DesktopHelpSystem::knownBrowsers()
+{
+    return { QStringLiteral("x-www-browser"), QStringLiteral("firefox"),          QStringLiteral("firefox-esr"),
+             QStringLiteral("chromium"),      QStringLiteral("chromium-browser"), QStringLiteral("google-chrome"),
+             QStringLiteral("epiphany"),      QStringLiteral("konqueror"),        QStringLiteral("falkon"),
+             QStringLiteral("midori"),        QStringLiteral("qutebrowser") };
+}
+
+bool DesktopHelpSystem::hasWebBrowser()
+{
+#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
+    return true; // the system always has one
+#else
+    if (!qEnvironmentVariable("BROWSER").isEmpty() || !desktopDefaultFor(QStringLiteral("text/html")).isEmpty()) {
+        return true;
+    }
+    const QStringList browsers = knownBrowsers();
+    for (const QString& name : browsers) {
+        if (!QStandardPaths::findExecutable(name).isEmpty()) {
+            return true;
+        }
+    }
+    return false;
+#endif
 }
 
 QStringList DesktopHelpSystem::knownViewers()

@@ -14,4 +14,10 @@ public:
 
     /// Programs known to show .chm files, looked for in PATH when the desktop names no default.
     static QStringList knownViewers();
+    /// Web browsers looked for in PATH when the desktop names none for web pages.
+    static QStringList knownBrowsers();
+    /// Whether a web browser can show a page: the desktop names one for web pages (xdg-mime), the
+    /// BROWSER variable names one, or a known browser is in PATH. Without one the desktop's URL
+    /// handler would start and fail unseen.
+    static bool hasWebBrowser();
 };

@@ -52,10 +52,11 @@ void DragAndDrop::execDrag(QDrag* drag)
 void DragAndDrop::popupDropMenu(const QString& targetText, const QString& parentText, bool nextToo,
                                 const QPoint& globalPos)
 {
-    // The captions are the nodes' texts, shown as written.
-    m_mnuNodesInsertSub->setTitle(AccessKeys::onFirstLetter(targetText));
+    // The captions are the nodes' texts, shown as written, each with an access key of its own.
+    QString taken;
+    m_mnuNodesInsertSub->setTitle(AccessKeys::onFreeLetter(targetText, taken));
     if (nextToo) {
-        m_mnuNodesInsertNext->setTitle(AccessKeys::onFirstLetter(parentText));
+        m_mnuNodesInsertNext->setTitle(AccessKeys::onFreeLetter(parentText, taken));
     }
     m_mnuNodesInsertNext->menuAction()->setVisible(nextToo);
     popupMenu(m_mnuNodes, globalPos);

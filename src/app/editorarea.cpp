@@ -23,6 +23,9 @@ QString noMenuHint()
         .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText));
 }
 
+/// The caption of the window a Window entry stands for, as the entry keeps it.
+const char* const windowCaptionProperty = "windowCaption";
+
 QAction* addEntry(QMenu* menu, const QString& name, const QString& caption)
 {
     QAction* entry = menu->addAction(caption);
@@ -123,7 +126,7 @@ EditorWindow* EditorArea::createEditor(qint16 index)
     m_state.setEditor(index, created);
 
     QAction* entry = addEntry(m_windowMenu, QStringLiteral("mnuWindowName") + QString::number(index), QString());
-    entry->setData(index);
+    entry->setData(index); // the entry's tag: the document index
     entry->setVisible(false);
     connect(entry, &QAction::triggered, this, [this, index]() { activateEditor(index); });
     m_mnuWindowName.append(entry);
@@ -185,8 +188,24 @@ void EditorArea::setEditorCaption(qint16 index, const QString& caption)
         shown->setCaption(caption);
     }
     if (index >= 1 && index < m_mnuWindowName.size()) {
-        m_mnuWindowName.at(index)->setText(AccessKeys::onFirstLetter(caption));
+        m_mnuWindowName.at(index)->setProperty(windowCaptionProperty, caption);
         m_mnuWindowName.at(index)->setVisible(true);
+        labelWindowEntries();
+    }
+}
+
+void EditorArea::labelWindowEntries()
+{
+    // Each window's entry takes a letter of its caption that no other entry of the Window menu has.
+    QString taken;
+    for (const QAction* entry : std::as_const(m_arrangeEntries)) {
+        taken += AccessKeys::keyOf(entry->text());
+    }
+    for (qsizetype index = 1; index < m_mnuWindowName.size(); ++index) {
+        QAction* entry = m_mnuWindowName.at(index);
+        if (entry->isVisible()) {
+            entry->setText(AccessKeys::onFreeLetter(entry->property(windowCaptionProperty).toString(), taken));
+        }
     }
 }
 
@@ -194,6 +213,7 @@ void EditorArea::editorClosed(qint16 index)
 {
     if (index >= 1 && index < m_mnuWindowName.size()) {
         m_mnuWindowName.at(index)->setVisible(false);
+        labelWindowEntries();
     }
 }
 

@@ -70,6 +70,8 @@ private:
     /// The rectangle editor windows are placed in, in the area's own coordinates.
     QRect placementArea() const;
     void tileWindows(Qt::Orientation orientation);
+    /// Gives every shown window entry an access key of its own.
+    void labelWindowEntries();
     void onSubWindowActivated(QMdiSubWindow* window);
 
     QMainWindow& m_frame;
@@ -80,6 +82,6 @@ private:
     QMenu* m_windowMenu = nullptr;
     QLabel* m_lblNoMenu = nullptr;
     QList<QAction*> m_arrangeEntries;
-    /// One entry per document slot, addressed by document index.
+    /// One entry per document slot, addressed by document index (its data).
     QList<QAction*> m_mnuWindowName;
 };

@@ -85,6 +85,7 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
             [this](const QString& path) { openMenu(path, QFileInfo(path).fileName()); });
     connect(m_editors, &EditorArea::editorActivated, this, &MainWindow::editorActivated);
 
+    m_recent->load();
     m_state.setOptions(m_optionsStore.loadOptions());
     m_editMenu->copyCommandDupEntry()->setChecked(m_state.options().copyCommandDup);
     // Until a file is chosen, the dialogs start where the newest menu of the last session lies.

@@ -129,10 +129,11 @@ qint16 MenuFiles::openMenu(const QString& path, const QString& fileTitle)
         } else if (result.fileMissing()) {
             text = missingFileMessage(path);
         }
-        m_messages.showCritical(text, readFailureText(path, result));
+        // Nothing of the failed menu is left while the user reads why: no window, no entry, no slot.
         m_editors.discardNewestEditor(index, previousFrame);
         m_state.setActiveDocumentIndex(m_state.editor(previousIndex) ? previousIndex : 0);
         m_host.editorActivated(m_state.activeDocumentIndex());
+        m_messages.showCritical(text, readFailureText(path, result));
         return 0;
     }
 

@@ -25,6 +25,10 @@ RecentFilesMenu::RecentFilesMenu(QMenu* fileMenu, const QString& folder, QObject
     m_separator = fileMenu->addSeparator();
     m_separator->setObjectName(QStringLiteral("Tire03"));
     m_separator->setVisible(false);
+}
+
+void RecentFilesMenu::load()
+{
     m_list.loadRecentList();
     syncEntries();
 }
@@ -43,9 +47,19 @@ QString RecentFilesMenu::newestFile() const
 
 void RecentFilesMenu::syncEntries()
 {
+    // A file's entry takes a letter of its name that no other entry of the File menu has: archive.ini
+    // must not take the "a" of "Save as".
+    QString taken;
+    const QList<QAction*> entries = m_fileMenu->actions();
+    for (const QAction* entry : entries) {
+        if (!entry->isSeparator() && !m_entries.contains(entry)) {
+            taken += AccessKeys::keyOf(entry->text());
+        }
+    }
     for (int index = 0; index < m_entries.size(); ++index) {
         const RecentFileList::Entry recent = m_list.entry(index);
-        m_entries.at(index)->setText(AccessKeys::onFileName(recent.caption));
+        m_entries.at(index)->setText(recent.visible ? AccessKeys::onFreeFileNameLetter(recent.caption, taken)
+                                                    : AccessKeys::onFileName(recent.caption));
         m_entries.at(index)->setVisible(recent.visible);
     }
     m_separator->setVisible(m_list.separatorVisible());

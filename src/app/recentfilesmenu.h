@@ -17,9 +17,13 @@ class RecentFilesMenu final : public QObject
     Q_OBJECT
 
 public:
-    /// Adds the entries and the separator to `fileMenu`, at its end, and loads the list from the
+    /// Adds the entries and the separator to `fileMenu`, at its end; the list comes from the
     /// Recent.ini in `folder`.
     RecentFilesMenu(QMenu* fileMenu, const QString& folder, QObject* parent = nullptr);
+
+    /// Loads the list and shows it, once the File menu has all its entries: each file takes an access
+    /// key no other entry has.
+    void load();
 
     /// Puts `path` at the top, unless it is listed already, and rewrites Recent.ini.
     void addRecentFile(const QString& path);

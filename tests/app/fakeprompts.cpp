@@ -3,6 +3,9 @@
 UserPrompts::Answer FakePrompts::showMessage(const MessageRequest& request)
 {
     messages.append(request);
+    if (whileShown) {
+        whileShown(request);
+    }
     if (request.buttons == MessageRequest::Buttons::Ok) {
         return Answer::Ok;
     }

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /// Answers message boxes and file dialogs from queues filled in advance and logs every request
 /// exactly as the user would have seen it.
 class FakePrompts final : public UserPrompts
@@ -29,6 +31,9 @@ public:
     QList<Answer> answers;
     /// Names the coming file dialogs return, in order; a dialog with none left returns no name.
     QStringList fileNames;
+
+    /// Runs while each message box is shown, before it is answered: what the user sees behind it.
+    std::function<void(const MessageRequest&)> whileShown;
 
     QList<MessageRequest> messages;
     QList<FileRequest> fileRequests;

@@ -96,6 +96,28 @@ private Q_SLOTS:
         QTRY_COMPARE(fileText(mark), helpFile);
     }
 
+    void withoutAnyBrowserTheGuideIsNotOpened()
+    {
+        QTemporaryDir bin;
+        QVERIFY(bin.isValid());
+        PathOverride path(bin.path());
+        const QByteArray browser = qgetenv("BROWSER");
+        qunsetenv("BROWSER");
+        QVERIFY(!DesktopHelpSystem::hasWebBrowser());
+        QVERIFY(!DesktopHelpSystem().openInBrowser(bin.filePath(QStringLiteral("index.html"))));
+        // A browser among the known ones counts, and so does one named by BROWSER.
+        QVERIFY(writeExecutable(bin.filePath(QStringLiteral("firefox")), "#!/bin/sh\nexit 0\n"));
+        QVERIFY(DesktopHelpSystem::hasWebBrowser());
+        QVERIFY(QFile::remove(bin.filePath(QStringLiteral("firefox"))));
+        qputenv("BROWSER", "lynx");
+        QVERIFY(DesktopHelpSystem::hasWebBrowser());
+        if (browser.isNull()) {
+            qunsetenv("BROWSER");
+        } else {
+            qputenv("BROWSER", browser);
+        }
+    }
+
     void aViewerThatCannotStartIsReported()
     {
         DesktopHelpSystem system;

@@ -5,6 +5,7 @@
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
 #include "app/menufiles.h"
+#include "app/problemspanel.h"
 #include "core/aboutinfo.h"
 #include "core/helplauncher.h"
 #include "core/languageconfig.h"
@@ -32,8 +33,10 @@
 #include <QScreen>
 #include <QSet>
 #include <QSplitter>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QUrl>
 
 namespace {
@@ -310,11 +313,17 @@ private Q_SLOTS:
         window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini"), QStringLiteral("tom & jerry.ini")),
                         QStringLiteral("tom & jerry.ini"));
         window.mnuNew_Click();
+        // Files and windows whose names begin alike, and like fixed entries ("Save as", "Cascade").
+        for (const QString& name :
+             { QStringLiteral("archive-tools.ini"), QStringLiteral("another.ini"), QStringLiteral("cascade.ini") }) {
+            window.openMenu(sandbox.copyExample(QStringLiteral("archive-tools.ini"), name), name);
+        }
         window.setMenuPopup([](QMenu*, const QPoint&) {});
-        window.popupDropMenu(QStringLiteral("Pack & go"), QStringLiteral("Archive"), true, QPoint());
+        window.popupDropMenu(QStringLiteral("Pack & go"), QStringLiteral("Packing"), true, QPoint());
 
         QList<const QMenu*> menus = { window.findChild<QMenu*>(QStringLiteral("mnuCommand")),
-                                      window.findChild<QMenu*>(QStringLiteral("mnuNodes")) };
+                                      window.findChild<QMenu*>(QStringLiteral("mnuNodes")),
+                                      window.findChild<QMenu*>(QStringLiteral("mnuTreeNode")) };
         const QList<QAction*> barActions = window.menuBar()->actions();
         for (const QAction* action : barActions) {
             menus.append(action->menu());
@@ -338,19 +347,18 @@ private Q_SLOTS:
                 if (action->menu()) {
                     menus.append(action->menu());
                 }
-                // The entries listing windows and recent files may share keys, as their names do.
-                if (!name.startsWith(QLatin1String("mnuWindowName")) && !name.startsWith(QLatin1String("mnuRecent"))
-                    && !name.startsWith(QLatin1String("mnuNodesInsert"))) {
-                    QVERIFY2(!fixedKeys.contains(key), qPrintable(name + QStringLiteral(": ") + key));
-                    fixedKeys.append(key);
-                }
+                // Entries whose captions come from files and items take keys no other entry has.
+                QVERIFY2(!fixedKeys.contains(key), qPrintable(name + QStringLiteral(": ") + key));
+                fixedKeys.append(key);
             }
         }
         // What comes from files and items shows as written.
         QCOMPARE(MenuTexts::visible(sandbox.action(QStringLiteral("mnuWindowName1"))->text()),
                  QStringLiteral("tom & jerry.ini"));
-        QCOMPARE(MenuTexts::visible(sandbox.action(QStringLiteral("mnuRecent0"))->text()),
+        QCOMPARE(MenuTexts::visible(sandbox.action(QStringLiteral("mnuRecent3"))->text()),
                  sandbox.menuPath(QStringLiteral("tom & jerry.ini")));
+        // A file named like a fixed entry takes another letter of its name.
+        QCOMPARE(MenuTexts::accessKey(sandbox.action(QStringLiteral("mnuRecent2"))->text()), QLatin1Char('r'));
         QCOMPARE(MenuTexts::visible(window.findChild<QMenu*>(QStringLiteral("mnuNodesInsertSub"))->title()),
                  QStringLiteral("Pack & go"));
         // The special items hand on their text without the key.
@@ -604,7 +612,24 @@ private Q_SLOTS:
 
         MainWindow& window = sandbox.window();
         window.mnuNew_Click();
+        window.problemsPanel().show();
+        // While the user reads the message, nothing of the failed menu is there any more.
+        int windowsBehindTheMessage = -1;
+        QStringList entriesBehindTheMessage;
+        QStringList problemsBehindTheMessage;
+        sandbox.prompts().whileShown = [&](const MessageRequest&) {
+            windowsBehindTheMessage = int(mdiArea(window)->subWindowList().size());
+            entriesBehindTheMessage = visibleWindowEntries(window);
+            const auto* list = window.problemsPanel().findChild<QTreeWidget*>();
+            for (int row = 0; row < list->topLevelItemCount(); ++row) {
+                problemsBehindTheMessage.append(list->topLevelItem(row)->text(0));
+            }
+        };
         QCOMPARE(window.openMenu(broken, QStringLiteral("broken.ini")), qint16(0));
+        QCOMPARE(windowsBehindTheMessage, 1);
+        QCOMPARE(entriesBehindTheMessage, QStringList({ QStringLiteral("New menu 1") }));
+        QVERIFY2(problemsBehindTheMessage.join(QLatin1Char(' ')).indexOf(QStringLiteral("cannot be saved")) < 0,
+                 qPrintable(problemsBehindTheMessage.join(QLatin1Char('|'))));
 
         const QString expected = QStringLiteral("An error occured while opening the file !\r\n\r\n"
                                                 "This is not a valid KELV Menu file\r\n\r\n"
@@ -1660,6 +1685,34 @@ private Q_SLOTS:
         QVERIFY(sandbox.prompts().messages.constFirst().text.startsWith(QLatin1String("KELV Menu Editor v")));
         QVERIFY(sandbox.prompts().messages.constFirst().title.isEmpty());
         QVERIFY(sandbox.prompts().messages.constFirst().text.endsWith(licenceName()));
+    }
+
+    void helpWithoutViewerOrBrowserNamesWhatToInstall()
+    {
+#ifdef Q_OS_UNIX
+        GuiSandbox sandbox;
+        const QString helpFile = LanguageConfig(sandbox.programFolder()).helpFilePath();
+        QVERIFY(QDir().mkpath(QFileInfo(helpFile).absolutePath()));
+        QVERIFY(!GuiSandbox::writeFile(helpFile, QByteArrayLiteral("ITSF")).isEmpty());
+        const QString guide = LanguageConfig(sandbox.programFolder()).htmlGuidePath();
+        QVERIFY(QDir().mkpath(QFileInfo(guide).absolutePath()));
+        QVERIFY(!GuiSandbox::writeFile(guide, QByteArrayLiteral("<html></html>")).isEmpty());
+        // A machine with neither a help viewer nor a web browser: nothing in PATH, no BROWSER.
+        QTemporaryDir emptyBin;
+        const QByteArray path = qgetenv("PATH");
+        const QByteArray browser = qgetenv("BROWSER");
+        qputenv("PATH", QFile::encodeName(emptyBin.path()));
+        qunsetenv("BROWSER");
+        sandbox.action(QStringLiteral("mnuHelp"))->trigger();
+        qputenv("PATH", path);
+        if (!browser.isNull()) {
+            qputenv("BROWSER", browser);
+        }
+        QCOMPARE(sandbox.prompts().messageTexts(), QStringList({ HelpLauncher::noViewerText(helpFile) }));
+        QVERIFY(sandbox.prompts().messages.constFirst().text.contains(QStringLiteral("xchm")));
+#else
+        QSKIP("Windows always has a help viewer and a browser.");
+#endif
     }
 
     void helpWithoutAHelpFileSaysSo()

@@ -46,6 +46,37 @@ private Q_SLOTS:
         // A name without a letter leaves the path without a key rather than marking a folder.
         QCOMPARE(AccessKeys::onFileName(QStringLiteral("/menus/__")), QStringLiteral("/menus/__"));
     }
+
+    void theKeyOfACaptionIsTheLetterAfterASingleAmpersand()
+    {
+        QCOMPARE(AccessKeys::keyOf(QStringLiteral("Save &as ...")), QLatin1Char('a'));
+        QCOMPARE(AccessKeys::keyOf(QStringLiteral("&Quit")), QLatin1Char('q'));
+        QCOMPARE(AccessKeys::keyOf(QStringLiteral("Tom && &Jerry")), QLatin1Char('j'));
+        QVERIFY(AccessKeys::keyOf(QStringLiteral("Tom && Jerry")).isNull());
+        QVERIFY(AccessKeys::keyOf(QStringLiteral("end&")).isNull());
+    }
+
+    void aFreeLetterIsTakenAndNoted()
+    {
+        QString taken = QStringLiteral("ans");
+        QCOMPARE(AccessKeys::onFreeLetter(QStringLiteral("Archive & Co"), taken), QStringLiteral("A&rchive && Co"));
+        QCOMPARE(taken, QStringLiteral("ansr"));
+        QCOMPARE(AccessKeys::onFreeLetter(QStringLiteral("Archive"), taken), QStringLiteral("Ar&chive"));
+        // Letter case aside: "R" is taken by "r".
+        QCOMPARE(AccessKeys::onFreeLetter(QStringLiteral("RAN"), taken), QStringLiteral("RAN"));
+        QCOMPARE(taken, QStringLiteral("ansrc"));
+        // Before the start when nothing after it is free.
+        QCOMPARE(AccessKeys::onFreeLetter(QStringLiteral("xy ca"), taken, 3), QStringLiteral("&xy ca"));
+    }
+
+    void aFilePathTakesAFreeLetterOfItsNameFirst()
+    {
+        QString taken = QStringLiteral("a");
+        QCOMPARE(AccessKeys::onFreeFileNameLetter(QStringLiteral("/menus/archive.ini"), taken),
+                 QStringLiteral("/menus/a&rchive.ini"));
+        QString all = QStringLiteral("abcdefghijklmnopqrstuvwxyz0123456789");
+        QCOMPARE(AccessKeys::onFreeFileNameLetter(QStringLiteral("/m/ab.ini"), all), QStringLiteral("/m/ab.ini"));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestAccessKeys)
