@@ -2,6 +2,7 @@
 
 #include "app/commandtextbox.h"
 #include "app/inputform.h"
+#include "app/variablehelppopup.h"
 #include "commands/commandediting.h"
 #include "commands/commandtext.h"
 #include "commands/richtextconversion.h"
@@ -131,12 +132,20 @@ void CommandEditorDialog::buildVariablesMenu()
 {
     m_mnuVariants = new QMenu(this);
     m_mnuVariants->setObjectName(QStringLiteral("mnuVariants"));
+    m_helpPopup = new VariableHelpPopup(this);
+    connect(m_mnuVariants, &QMenu::aboutToHide, m_helpPopup, &QWidget::hide);
     for (int index = 0; index < VariableCatalogue::Count; ++index) {
         QAction* entry = m_mnuVariants->addAction(VariableCatalogue::name(index));
         entry->setObjectName(QStringLiteral("mnuVar") + QString::number(index));
         entry->setData(VariableCatalogue::help(index));
-        // The pointer or the keyboard on an entry shows its help; choosing it too.
-        connect(entry, &QAction::hovered, this, [this, index] { showVariableHelp(index); });
+        // The pointer or the keyboard on an entry shows its help, beside the menu and in the help pane;
+        // choosing it too.
+        connect(entry, &QAction::hovered, this, [this, index, entry] {
+            showVariableHelp(index);
+            const QString help = VariableCatalogue::help(index);
+            const bool rich = VariableCatalogue::hasRichHelp(index);
+            m_helpPopup->showBeside(m_mnuVariants, entry, rich ? rtfToHtml(help) : QString(), rich ? QString() : help);
+        });
         connect(entry, &QAction::triggered, this, [this, index] {
             showVariableHelp(index);
             insertVariable(index);

@@ -17,6 +17,7 @@ class QTextBrowser;
 class QToolButton;
 class RunTimeError;
 class UserPrompts;
+class VariableHelpPopup;
 struct Command;
 
 /// The command editor (frmAddCommand): one command of the selected item, its extension filter and
@@ -84,4 +85,5 @@ private:
     QPushButton* m_cmdCancel = nullptr;
     QLabel* m_label1 = nullptr;
     QMenu* m_mnuVariants = nullptr;
+    VariableHelpPopup* m_helpPopup = nullptr;
 };

@@ -2,14 +2,18 @@
 
 #include "commands/commandkeys.h"
 #include "commands/commandtext.h"
+#include "core/commandtextcheck.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTimer>
+#include <QToolTip>
 
 namespace {
 
@@ -80,11 +84,70 @@ CommandTextBox::CommandTextBox(QWidget* parent)
     }
     setFont(font);
     document()->setDefaultFont(font);
+    // The marks are laid once the change is over: selections made while the document is still being
+    // changed (or cleared) corrupt it.
+    m_marking = new QTimer(this);
+    m_marking->setSingleShot(true);
+    m_marking->setInterval(0);
+    connect(m_marking, &QTimer::timeout, this, &CommandTextBox::markUnknownVariables);
     connect(document(), &QTextDocument::contentsChange, this, [this] {
         if (!m_applying) {
             m_shown.reset();
+            m_marking->start();
         }
     });
+}
+
+void CommandTextBox::markUnknownVariables()
+{
+    // A wavy underline beside the colours: the look of the text itself stays what colouring makes it.
+    m_unknownVariables = CommandTextCheck::unknownVariables(document()->toPlainText());
+    QTextCharFormat wavy;
+    wavy.setUnderlineStyle(QTextCharFormat::WaveUnderline);
+    wavy.setUnderlineColor(QColor(Qt::red));
+    QList<QTextEdit::ExtraSelection> marks;
+    marks.reserve(m_unknownVariables.size());
+    for (const CommandTextCheck::UnknownVariable& variable : std::as_const(m_unknownVariables)) {
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(document());
+        mark.cursor.setPosition(int(variable.start));
+        mark.cursor.setPosition(int(variable.start + variable.length), QTextCursor::KeepAnchor);
+        mark.format = wavy;
+        marks.append(mark);
+    }
+    setExtraSelections(marks);
+}
+
+QString CommandTextBox::unknownVariableAt(const QPoint& viewportPos) const
+{
+    // The nearest place between two characters; the pointer is on the character after it, or on the
+    // one before it when it lies left of that place.
+    const QTextCursor nearest = cursorForPosition(viewportPos);
+    int position = nearest.position();
+    if (viewportPos.x() < cursorRect(nearest).left() && position > 0) {
+        --position;
+    }
+    for (const CommandTextCheck::UnknownVariable& variable : m_unknownVariables) {
+        if (position >= variable.start && position < variable.start + variable.length) {
+            return variable.message;
+        }
+    }
+    return QString();
+}
+
+bool CommandTextBox::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        const QString text = unknownVariableAt(help->pos());
+        if (text.isEmpty()) {
+            QToolTip::hideText();
+        } else {
+            QToolTip::showText(help->globalPos(), text, viewport());
+        }
+        return true;
+    }
+    return QPlainTextEdit::viewportEvent(event);
 }
 
 QString CommandTextBox::commandText() const

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "commands/colouredtext.h"
+#include "core/commandtextcheck.h"
 
 #include <QPlainTextEdit>
 
 #include <optional>
 #include <vector>
+
+class QTimer;
 
 /// The command editor's text box (txtCommand): the command's lines in a fixed-pitch font, coloured
 /// as ColouredText decides. The box shows a text with Qt's paragraphs; ColouredText counts a line
@@ -48,12 +51,19 @@ public:
     /// Whether the key being pressed was refused (cleared when it is released).
     bool keyRefused() const { return m_keyRefused; }
 
+    /// The variables of the text the catalogue does not know, as they are marked (box positions); the
+    /// marks follow a change as soon as the events queued by it are handled.
+    const QList<CommandTextCheck::UnknownVariable>& unknownVariables() const { return m_unknownVariables; }
+    /// What the mark under `viewportPos` says (the Problems panel's text); empty off the marks.
+    QString unknownVariableAt(const QPoint& viewportPos) const;
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void insertFromMimeData(const QMimeData* source) override;
+    bool viewportEvent(QEvent* event) override;
 
 private:
     /// The Qt position of `position` counted with CR LF line breaks; the second character of a line
@@ -68,6 +78,8 @@ private:
     void expandSeparators();
     void setTypingFormat();
     void insertLineBreakAtCaret();
+    /// Underlines the unknown variables of the text with a wavy line, beside the colours.
+    void markUnknownVariables();
 
     bool m_keyRefused = false;
     /// The text and looks as the last colouring run left them, so that a run after a click need not
@@ -75,4 +87,6 @@ private:
     std::optional<ColouredText> m_shown;
     /// True while a run writes its looks into the box.
     bool m_applying = false;
+    QList<CommandTextCheck::UnknownVariable> m_unknownVariables;
+    QTimer* m_marking = nullptr;
 };

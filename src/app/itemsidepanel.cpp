@@ -180,6 +180,17 @@ int ItemSidePanel::selectedCommandIndex() const
     return selected.isEmpty() ? -1 : m_lstCommand->row(selected.constFirst());
 }
 
+void ItemSidePanel::popupMenuAtCurrentLine()
+{
+    // The menu opens at the current line, selected, or at the list's top when it is empty.
+    selectLine(m_lstCommand->currentRow());
+    QRect line = m_lstCommand->visualItemRect(m_lstCommand->currentItem());
+    if (m_lstCommand->currentItem() == nullptr) {
+        line = QRect(0, 0, 1, 1);
+    }
+    Q_EMIT commandMenuRequested(m_lstCommand->viewport()->mapToGlobal(line.bottomLeft()));
+}
+
 void ItemSidePanel::selectLine(int row)
 {
     if (row >= 0 && row < m_lstCommand->count()) {
@@ -189,6 +200,10 @@ void ItemSidePanel::selectLine(int row)
 
 bool ItemSidePanel::commandListKey(const QKeyEvent* key)
 {
+    if (key->key() == Qt::Key_Menu || (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier)) {
+        popupMenuAtCurrentLine();
+        return true;
+    }
     if (key->modifiers() != Qt::NoModifier && key->modifiers() != Qt::KeypadModifier) {
         return false;
     }
@@ -284,17 +299,9 @@ bool ItemSidePanel::eventFilter(QObject* watched, QEvent* event)
         return true;
     }
     if (watched == m_lstCommand && event->type() == QEvent::ContextMenu) {
-        const auto* menu = static_cast<QContextMenuEvent*>(event);
-        if (menu->reason() == QContextMenuEvent::Keyboard) {
-            // The menu opens at the current line, selected, or at the list's top when it is empty.
-            selectLine(m_lstCommand->currentRow());
-            QRect line = m_lstCommand->visualItemRect(m_lstCommand->currentItem());
-            if (m_lstCommand->currentItem() == nullptr) {
-                line = QRect(0, 0, 1, 1);
-            }
-            Q_EMIT commandMenuRequested(m_lstCommand->viewport()->mapToGlobal(line.bottomLeft()));
-        }
-        return true; // the mouse's menu comes with the release of the right button
+        // The mouse's menu comes with the release of the right button, the keyboard's with its key
+        // (commandListKey): the window system's request of either is not a second one.
+        return true;
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -85,6 +85,8 @@ protected:
 private:
     /// Makes line `row` the current and only selected line of the command list.
     void selectLine(int row);
+    /// Asks for the command menu at the current line, which is selected first.
+    void popupMenuAtCurrentLine();
     /// Enter edits the current line, Insert adds a command, Delete removes the selected line; true
     /// when `key` was one of them.
     bool commandListKey(const QKeyEvent* key);

@@ -20,6 +20,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QSignalBlocker>
+#include <QTimer>
 #include <QToolTip>
 
 #include <utility>
@@ -420,9 +421,17 @@ void ItemTree::mouseReleaseEvent(QMouseEvent* event)
 void ItemTree::contextMenuEvent(QContextMenuEvent* event)
 {
     // The mouse's context menu comes with the release of a right click (see mouseReleaseEvent), so
-    // that a right-button drag can start from the press; the keyboard's opens at the current node.
+    // that a right-button drag can start from the press; the keyboard's is opened by keyPressEvent,
+    // and a request the window system makes of the same key is not a second one.
     event->accept();
-    if (event->reason() != QContextMenuEvent::Keyboard || !currentIndex().isValid()) {
+    if (event->reason() == QContextMenuEvent::Keyboard && !m_keyboardMenuShown) {
+        requestMenuAtCurrentNode();
+    }
+}
+
+void ItemTree::requestMenuAtCurrentNode()
+{
+    if (!currentIndex().isValid()) {
         return;
     }
     scrollTo(currentIndex());
@@ -432,6 +441,13 @@ void ItemTree::contextMenuEvent(QContextMenuEvent* event)
 
 void ItemTree::keyPressEvent(QKeyEvent* event)
 {
+    if (event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)) {
+        event->accept();
+        m_keyboardMenuShown = true;
+        QTimer::singleShot(0, this, [this] { m_keyboardMenuShown = false; });
+        requestMenuAtCurrentNode();
+        return;
+    }
     // Left on the open root collapses it, which the root never is: its first item is shown instead,
     // as collapsing it by any other way does. The view would otherwise put the selection back on the
     // root once the first item was shown.

@@ -173,6 +173,8 @@ private:
     /// Forgets the edit, press and highlight of nodes that are gone.
     void forgetGoneNodes();
     void updateFonts();
+    /// Asks for the context menu of the current node, just below its row.
+    void requestMenuAtCurrentNode();
 
     ItemTreeModel* m_model = nullptr;
     /// The node the mouse was pressed on, and where and with which button: a drag may start from it.
@@ -187,4 +189,6 @@ private:
     std::function<QString(const QString& key)> m_toolTipSource;
     /// How many changes of the tree's shape are under way.
     int m_shapeChanges = 0;
+    /// Set while the key that opened a context menu is handled.
+    bool m_keyboardMenuShown = false;
 };

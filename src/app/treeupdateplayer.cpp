@@ -61,11 +61,11 @@ void TreeUpdatePlayer::play(const TreeUpdate& update)
     endBusy();
     if (!update.steps().isEmpty()) {
         m_editor.m_findBar->followMenu();
-        // The path of the selected node follows renames and moves, whatever the steps said.
-        const QModelIndex current = tree->currentIndex();
-        if (current.isValid()) {
-            m_editor.m_itemPanel->setPath(tree->fullPath(current));
-        }
+    }
+    // The path of the selected node follows renames (whose update may hold no step) and moves.
+    const QModelIndex current = tree->currentIndex();
+    if (current.isValid()) {
+        m_editor.m_itemPanel->setPath(tree->fullPath(current));
     }
 }
 

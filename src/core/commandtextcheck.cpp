@@ -76,6 +76,14 @@ struct CommandScan
     }
 };
 
+QString unknownVariableMessage(QStringView variable)
+{
+    QString message = QStringLiteral("unknown variable \"");
+    message += variable;
+    message += QLatin1Char('"');
+    return message;
+}
+
 /// Variables run from one "$" to the next, as the command editor colours them; a last "$" without
 /// a partner opens a variable that never closes.
 void checkVariables(const QString& command, const CommandScan& scan, QList<MenuProblem>& problems)
@@ -89,10 +97,7 @@ void checkVariables(const QString& command, const CommandScan& scan, QList<MenuP
             continue;
         }
         told.append(variable);
-        QString message = QStringLiteral("unknown variable \"");
-        message += variable;
-        message += QLatin1Char('"');
-        problems.append(problem(MenuProblem::Kind::UnknownVariable, message));
+        problems.append(problem(MenuProblem::Kind::UnknownVariable, unknownVariableMessage(variable)));
     }
     if (dollars.size() % 2 != 0) {
         problems.append(
@@ -240,6 +245,28 @@ void appendProblems(const QString& command, QList<MenuProblem>& problems)
     const CommandScan scan(command);
     checkVariables(command, scan, problems);
     checkScriptCalls(command, scan, problems);
+}
+
+QList<UnknownVariable> unknownVariables(const QString& text)
+{
+    QList<UnknownVariable> found;
+    const KnownVariables& known = KnownVariables::catalogue();
+    qsizetype open = -1;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i) != QLatin1Char('$')) {
+            continue;
+        }
+        if (open < 0) {
+            open = i;
+            continue;
+        }
+        const QStringView variable = QStringView(text).mid(open, i - open + 1);
+        if (!known.isKnown(variable)) {
+            found.append(UnknownVariable { open, i - open + 1, unknownVariableMessage(variable) });
+        }
+        open = -1;
+    }
+    return found;
 }
 
 } // namespace CommandTextCheck

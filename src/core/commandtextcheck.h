@@ -19,4 +19,18 @@ QList<MenuProblem> check(const QString& command);
 /// check(command), appended to `problems`: a whole menu is checked without a list per command.
 void appendProblems(const QString& command, QList<MenuProblem>& problems);
 
+/// One variable of a text that the catalogue does not know, where it stands.
+struct UnknownVariable
+{
+    qsizetype start = 0;
+    /// From its first "$" to its last, both included.
+    qsizetype length = 0;
+    /// What the problem check says of it ("unknown variable "$fz-001$"").
+    QString message;
+};
+
+/// Every unknown variable of `text`, in order, paired from one "$" to the next as the command
+/// editor colours them, whatever separates the lines of the text.
+QList<UnknownVariable> unknownVariables(const QString& text);
+
 } // namespace CommandTextCheck

@@ -8,6 +8,7 @@
 #include "app/inputform.h"
 #include "app/itemtree.h"
 #include "app/mainwindow.h"
+#include "app/variablehelppopup.h"
 #include "commands/variablecatalogue.h"
 #include "model/menudocument.h"
 
@@ -110,6 +111,14 @@ private:
     static void click(CommandEditorDialog& dialog, const char* button)
     {
         QTest::mouseClick(control<QPushButton>(&dialog, button), Qt::LeftButton);
+    }
+
+    /// A cursor at `position` of the box's text.
+    static QTextCursor markCursor(CommandTextBox* box, int position)
+    {
+        QTextCursor cursor(box->document());
+        cursor.setPosition(position);
+        return cursor;
     }
 
     void selectLine(qint16 index, int row)
@@ -533,6 +542,83 @@ private Q_SLOTS:
             QVERIFY(hereFormat.fontWeight() >= QFont::Bold);
             QTextCursor attention = help->document()->find(QStringLiteral("ATTENTION"));
             QCOMPARE(attention.charFormat().foreground().color(), QColor(255, 0, 0));
+        }));
+    }
+
+    void theHelpOfThePointedVariableShowsBesideTheOpenMenu()
+    {
+        sandbox().openMenu(QStringLiteral("menu.ini"), texts({ "A" }));
+        QVERIFY(chooseAndDrive(QStringLiteral("mnuAddCommand"), [](CommandEditorDialog& dialog) {
+            QMenu* menu = dialog.variablesMenu();
+            menu->popup(QPoint(40, 40));
+            QTRY_VERIFY(menu->isVisible());
+            auto* beside = dialog.findChild<VariableHelpPopup*>(QStringLiteral("lblVariableHelp"));
+            QVERIFY(beside);
+            QAction* entry = menu->actions().at(0);
+            entry->hover();
+            QVERIFY(beside->isVisible());
+            QCOMPARE(beside->text(), control<QTextBrowser>(&dialog, "lblHelp")->toPlainText());
+            // Nothing of it lies under the menu, and it stands level with the entry.
+            QVERIFY(!beside->geometry().intersects(menu->geometry()));
+            QCOMPARE(beside->geometry().top(), menu->mapToGlobal(menu->actionGeometry(entry).topLeft()).y());
+            // The rich help of another entry replaces it.
+            menu->actions().at(32)->hover();
+            QVERIFY(beside->text().startsWith(QStringLiteral("Menu mode required : -")));
+            QVERIFY(!beside->geometry().intersects(menu->geometry()));
+            menu->hide();
+            QVERIFY(!beside->isVisible());
+        }));
+    }
+
+    void theHelpBoxGoesLeftOfTheMenuWhenTheRightHasNoRoom()
+    {
+        const QRect screen(0, 0, 1000, 800);
+        const QSize size(300, 100);
+        // Room on the right: beside it, level with the entry.
+        QCOMPARE(VariableHelpPopup::placeBeside(QRect(100, 50, 200, 600), QRect(100, 120, 200, 20), size, screen),
+                 QRect(QPoint(302, 120), size));
+        // None on the right: left of the menu.
+        QCOMPARE(VariableHelpPopup::placeBeside(QRect(650, 50, 200, 600), QRect(650, 120, 200, 20), size, screen),
+                 QRect(QPoint(348, 120), size));
+        // An entry near the bottom keeps the box on the screen.
+        QCOMPARE(VariableHelpPopup::placeBeside(QRect(100, 50, 200, 750), QRect(100, 770, 200, 20), size, screen),
+                 QRect(QPoint(302, 700), size));
+    }
+
+    void unknownVariablesAreUnderlinedAndSayWhyWhenPointedAt()
+    {
+        sandbox().openMenu(QStringLiteral("menu.ini"), texts({ "A" }));
+        QVERIFY(chooseAndDrive(QStringLiteral("mnuAddCommand"), [](CommandEditorDialog& dialog) {
+            CommandTextBox* box = dialog.commandBox();
+            typeCommand(dialog, QStringLiteral("txt"), QStringLiteral("x $fz-001$ $fs-001$"));
+            QTRY_COMPARE(box->unknownVariables().size(), 1);
+            const QList<QTextEdit::ExtraSelection> marks = box->extraSelections();
+            QCOMPARE(marks.size(), 1);
+            QCOMPARE(marks.at(0).cursor.selectionStart(), 2);
+            QCOMPARE(marks.at(0).cursor.selectionEnd(), 10);
+            QCOMPARE(marks.at(0).format.underlineStyle(), QTextCharFormat::WaveUnderline);
+            // The colours stay the colouring's: the unknown variable looks like the known one.
+            const ColouredText shown = box->colouredText();
+            QCOMPARE(shown.formats().at(2).colour, shown.formats().at(11).colour);
+            QCOMPARE(shown.formats().at(2).bold, shown.formats().at(11).bold);
+            // Pointed at, the mark tells what the Problems panel tells.
+            const QRect unknown = box->cursorRect(markCursor(box, 5));
+            QCOMPARE(box->unknownVariableAt(unknown.center() + QPoint(2, 0)),
+                     QStringLiteral("unknown variable \"$fz-001$\""));
+            const QRect known = box->cursorRect(markCursor(box, 14));
+            QCOMPARE(box->unknownVariableAt(known.center() + QPoint(2, 0)), QString());
+            // Corrected, the mark goes.
+            box->setSelection(5, 0);
+            QTest::keyClick(box, Qt::Key_Backspace);
+            QTest::keyClicks(box, QStringLiteral("s"));
+            QCOMPARE(box->commandText(), QStringLiteral("x $fs-001$ $fs-001$"));
+            QTRY_VERIFY(box->unknownVariables().isEmpty());
+            QVERIFY(box->extraSelections().isEmpty());
+            // A text set whole (a script loaded, the editor opened) is marked as well.
+            box->setCommandText(QStringLiteral("$a$ $fs-001$||$b$"));
+            QTRY_COMPARE(box->extraSelections().size(), 2);
+            box->setCommandText(QString());
+            QTRY_VERIFY(box->extraSelections().isEmpty());
         }));
     }
 

@@ -104,6 +104,64 @@ private Q_SLOTS:
                  QStringList { QStringLiteral("unknown variable | unknown variable \"$FS-001$\"") });
     }
 
+    void unknownVariablesAreFoundWhereTheyStand()
+    {
+        const QList<CommandTextCheck::UnknownVariable> found
+            = CommandTextCheck::unknownVariables(QStringLiteral("copy $fs-001$ $dest$\n$fz-001$ $$ $fs-mkv-001$ $x"));
+        QStringList messages;
+        for (const CommandTextCheck::UnknownVariable& variable : found) {
+            messages.append(variable.message);
+        }
+        QCOMPARE(
+            messages.join(QStringLiteral(" / ")),
+            (QStringList { QStringLiteral("unknown variable \"$dest$\""),
+                           QStringLiteral("unknown variable \"$fz-001$\""), QStringLiteral("unknown variable \"$$\"") })
+                .join(QStringLiteral(" / ")));
+        QCOMPARE(found.at(0).start, qsizetype(14));
+        QCOMPARE(found.at(0).length, qsizetype(6));
+        QCOMPARE(found.at(0).message, QStringLiteral("unknown variable \"$dest$\""));
+        QCOMPARE(found.at(1).start, qsizetype(21));
+        QCOMPARE(found.at(1).message, QStringLiteral("unknown variable \"$fz-001$\""));
+        QCOMPARE(found.at(2).start, qsizetype(30));
+        QCOMPARE(found.at(2).length, qsizetype(2));
+        // A "$" left open is no variable to mark; each unknown one is marked wherever it repeats.
+        QCOMPARE(CommandTextCheck::unknownVariables(QStringLiteral("del $fs-001")).size(), 0);
+        QCOMPARE(CommandTextCheck::unknownVariables(QStringLiteral("$a$ $a$")).size(), 2);
+    }
+
+    void theMarkedVariablesAreTheOnesTheCheckTells()
+    {
+        // Random commands of variables, known or not, and text: the check tells each unknown one once.
+        const QStringList pieces = { QStringLiteral("$fs-001$"),   QStringLiteral("$fz-001$"), QStringLiteral("$"),
+                                     QStringLiteral("a"),          QStringLiteral(" "),        QStringLiteral("||"),
+                                     QStringLiteral("$datetime$"), QStringLiteral("fs-") };
+        quint32 seed = 12345;
+        for (int round = 0; round < 2000; ++round) {
+            QString command;
+            seed = seed * 1103515245u + 12345u;
+            const int count = int(seed >> 16) % 12;
+            for (int piece = 0; piece < count; ++piece) {
+                seed = seed * 1103515245u + 12345u;
+                command += pieces.at(int(seed >> 16) % pieces.size());
+            }
+            QStringList marked;
+            for (const CommandTextCheck::UnknownVariable& variable : CommandTextCheck::unknownVariables(command)) {
+                QCOMPARE(variable.message,
+                         QStringLiteral("unknown variable \"%1\"").arg(command.mid(variable.start, variable.length)));
+                if (!marked.contains(variable.message)) {
+                    marked.append(variable.message);
+                }
+            }
+            QStringList told;
+            for (const MenuProblem& problem : CommandTextCheck::check(command)) {
+                if (problem.kind == MenuProblem::Kind::UnknownVariable) {
+                    told.append(problem.message);
+                }
+            }
+            QCOMPARE(marked, told);
+        }
+    }
+
     void anUnknownVariableIsToldOncePerCommand()
     {
         QCOMPARE(checked(QStringLiteral("copy $dest$ $dest$||del $dest$")),
