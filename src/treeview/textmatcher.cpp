@@ -4,6 +4,9 @@
 
 namespace {
 
+constexpr char16_t kKelvinSign = 0x212A;
+constexpr char16_t kLongS = 0x017F;
+
 /// The case folding of the unit at `at` of a text that starts at `start`, as QStringMatcher folds
 /// it: a low surrogate after a high one folds as the character the two make.
 inline char32_t foldedAt(const char16_t* at, const char16_t* start)
@@ -22,6 +25,24 @@ inline char32_t foldedAt(const char16_t* at, const char16_t* start)
 struct AsIs
 {
     char32_t operator()(const char16_t* at, const char16_t*) const { return *at; }
+};
+
+/// The folding of a unit for a pattern that folds to plain ASCII: such a pattern can only match
+/// units that fold into ASCII, which are the ASCII ones, the Kelvin sign and the long s; any other
+/// unit stands for a character the pattern lacks.
+struct AsciiFolded
+{
+    char32_t operator()(const char16_t* at, const char16_t*) const
+    {
+        const char16_t unit = *at;
+        if (unit < 0x80) {
+            return unit >= u'A' && unit <= u'Z' ? char32_t(unit + (u'a' - u'A')) : char32_t(unit);
+        }
+        if (unit == kKelvinSign) {
+            return U'k';
+        }
+        return unit == kLongS ? U's' : char32_t(0xFFFF);
+    }
 };
 
 struct Folded
@@ -66,6 +87,10 @@ TextMatcher::TextMatcher(const QString& pattern, Qt::CaseSensitivity sensitivity
     for (qsizetype i = 0; i < size; ++i) {
         m_units.push_back(m_caseSensitive ? char32_t(units[i]) : foldedAt(units + i, units));
     }
+    m_asciiFolded = !m_caseSensitive;
+    for (const char32_t unit : m_units) {
+        m_asciiFolded = m_asciiFolded && unit < 0x80;
+    }
     m_shift.fill(size);
     for (qsizetype i = 0; i + 1 < size; ++i) {
         m_shift[m_units[std::size_t(i)] & 0xff] = size - 1 - i;
@@ -86,8 +111,11 @@ qsizetype TextMatcher::indexIn(QStringView text) const
     if (length == 1) {
         return indexOfOne(units, size);
     }
-    return m_caseSensitive ? slide(units, size, m_units, m_shift, AsIs())
-                           : slide(units, size, m_units, m_shift, Folded());
+    if (m_caseSensitive) {
+        return slide(units, size, m_units, m_shift, AsIs());
+    }
+    return m_asciiFolded ? slide(units, size, m_units, m_shift, AsciiFolded())
+                         : slide(units, size, m_units, m_shift, Folded());
 }
 
 qsizetype TextMatcher::indexOfOne(const char16_t* text, qsizetype size) const
@@ -95,6 +123,15 @@ qsizetype TextMatcher::indexOfOne(const char16_t* text, qsizetype size) const
     const char32_t wanted = m_units.front();
     if (m_caseSensitive) {
         return QStringView(text, size).indexOf(QChar(char16_t(wanted)));
+    }
+    if (m_asciiFolded) {
+        const AsciiFolded folded;
+        for (qsizetype i = 0; i < size; ++i) {
+            if (folded(text + i, text) == wanted) {
+                return i;
+            }
+        }
+        return -1;
     }
     for (qsizetype i = 0; i < size; ++i) {
         if (foldedAt(text + i, text) == wanted) {

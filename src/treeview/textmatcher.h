@@ -9,8 +9,10 @@
 /// Looks for one text in many others, as QStringMatcher does and with the same results, a text's
 /// letter case ignored on request exactly as QStringMatcher ignores it (each UTF-16 unit compared
 /// by its case folding, a low surrogate with the high one before it). It is quicker because it
-/// folds plain ASCII characters through a table, skips ahead over the text by a full table of
-/// distances (Horspool's rule) and scans for a single character without folding the pattern again:
+/// folds plain ASCII characters without the Unicode tables, does not fold the text's other units at
+/// all when the pattern is plain ASCII (only two of them fold into ASCII), skips ahead over the text
+/// by a full table of distances (Horspool's rule) and scans for a single character without folding
+/// the pattern again:
 /// the find bar runs it over every caption and command text of a large menu on each keystroke.
 class TextMatcher final
 {
@@ -26,6 +28,8 @@ private:
     qsizetype indexOfOne(const char16_t* text, qsizetype size) const;
 
     bool m_caseSensitive = true;
+    /// The case is ignored and the pattern folds to plain ASCII, as most searches do.
+    bool m_asciiFolded = false;
     /// The pattern's units, case-folded when the case is ignored.
     std::vector<char32_t> m_units;
     /// How far the pattern may move on when the text unit under its last unit ends in a given byte.

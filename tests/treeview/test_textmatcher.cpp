@@ -88,6 +88,20 @@ private Q_SLOTS:
         QCOMPARE(TextMatcher(QString::fromUcs4(U"\U00010428"), Qt::CaseSensitive).indexIn(deseret), -1);
     }
 
+    void onlyTheKelvinSignAndTheLongSFoldIntoAscii()
+    {
+        // A pattern of plain ASCII is compared with these two only; any other character must fold
+        // to something beyond ASCII.
+        for (char32_t character = 0x80; character <= 0x10FFFF; ++character) {
+            const char32_t folded = QChar::toCaseFolded(character);
+            if (folded < 0x80) {
+                QVERIFY2(character == 0x212A || character == 0x017F, qPrintable(QString::number(character, 16)));
+            }
+        }
+        QCOMPARE(TextMatcher(QStringLiteral("SK"), Qt::CaseInsensitive).indexIn(u"x\u017F\u212A"), 1);
+        QCOMPARE(TextMatcher(QStringLiteral("k"), Qt::CaseInsensitive).indexIn(u"\u00E4\u212A"), 1);
+    }
+
     void aPatternLongerThanTheShiftTable()
     {
         const QString pattern = QString(300, QLatin1Char('a')) + QStringLiteral("b");
