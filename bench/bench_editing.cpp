@@ -3,7 +3,8 @@
 // shown window that follows: Delete of a 10,000-item branch, New Item (with its label edit started),
 // the choice of a link target, Duplicate, drops within a window and into another one, Move up, and
 // the Undo of each, which rebuilds the tree, beside a plain Refresh of the same menu.
-// Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs]
+// Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs] [find]
+// ("find": the find bar's tables alone).
 
 #include "benchtiming.h"
 #include "menugenerator.h"
@@ -15,6 +16,7 @@
 #include "app/mainwindow.h"
 #include "core/editingsession.h"
 #include "core/optionsstore.h"
+#include "editing/copylinks.h"
 #include "editing/itemcreation.h"
 #include "editing/itemdeletion.h"
 #include "editing/subtreecopy.h"
@@ -23,6 +25,7 @@
 #include "menufile/menufilewriter.h"
 #include "model/itemlookup.h"
 #include "model/runtimeerror.h"
+#include "treeview/itemfinder.h"
 
 #include <QAction>
 #include <QApplication>
@@ -433,16 +436,18 @@ void benchReplace(QTextStream& out, int runs)
 
 void benchFind(QTextStream& out, int runs)
 {
-    printHeader(
-        out,
-        { QStringLiteral("shape"), QStringLiteral("caption"), QStringLiteral("commands"), QStringLiteral("no match") });
+    printHeader(out,
+                { QStringLiteral("shape"), QStringLiteral("letter"), QStringLiteral("caption"),
+                  QStringLiteral("typing"), QStringLiteral("commands"), QStringLiteral("no match"),
+                  QStringLiteral("step") });
     for (const MenuShape shape : MenuGenerator::allShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         BenchWindow bench(generatorOptions);
         bench.editor()->openFindBar();
-        auto* text = bench.editor()->findBar()->findChild<QLineEdit*>(QStringLiteral("txtFindItem"));
-        auto* inCommands = bench.editor()->findBar()->findChild<QCheckBox*>(QStringLiteral("chkFindInCommands"));
+        FindBar* bar = bench.editor()->findBar();
+        auto* text = bar->findChild<QLineEdit*>(QStringLiteral("txtFindItem"));
+        auto* inCommands = bar->findChild<QCheckBox*>(QStringLiteral("chkFindInCommands"));
         // One keystroke: the text grows by a character, the bar searches and shows the first match.
         const auto keystroke = [text](const QString& typed) {
             return [text, typed] {
@@ -451,20 +456,93 @@ void benchFind(QTextStream& out, int runs)
             };
         };
         // The worst keystroke: the first after the menu changed, with the tree's nodes planned afresh.
-        FindBar* bar = bench.editor()->findBar();
-        const auto clear = [text, bar] {
+        const auto afresh = [text, bar] {
             text->clear();
             bar->menuChanged();
         };
-        const double caption = medianMilliseconds(runs, clear, keystroke(QStringLiteral("Item 12")));
+        const double letter = medianMilliseconds(runs, afresh, keystroke(QStringLiteral("i")));
+        const double caption = medianMilliseconds(runs, afresh, keystroke(QStringLiteral("Item 12")));
+        // A keystroke that narrows the matches of the one before.
+        const double typing = medianMilliseconds(
+            runs,
+            [text, bar] {
+                text->clear();
+                bar->menuChanged();
+                text->setText(QStringLiteral("Item 12"));
+                paint();
+            },
+            keystroke(QStringLiteral("Item 123")));
+        // F3 on to the next match: the showing and the paint alone, without a search.
+        const double step = medianMilliseconds(
+            runs, [] {},
+            [bar] {
+                bar->findNext();
+                paint();
+            });
         inCommands->setChecked(true);
-        const double commands = medianMilliseconds(runs, clear, keystroke(QStringLiteral("$fs-00")));
-        const double none = medianMilliseconds(runs, clear, keystroke(QStringLiteral("no such text")));
+        const double commands = medianMilliseconds(runs, afresh, keystroke(QStringLiteral("$fs-00")));
+        const double none = medianMilliseconds(runs, afresh, keystroke(QStringLiteral("no such text")));
         inCommands->setChecked(false);
-        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(caption) << cell(commands) << cell(none)
-            << "\n";
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(letter) << cell(caption) << cell(typing)
+            << cell(commands) << cell(none) << cell(step) << "\n";
         out.flush();
     }
+}
+
+/// The search of the find bar alone, without the bar, the showing of a match and the paint.
+void benchFinder(QTextStream& out, int runs)
+{
+    printHeader(out,
+                { QStringLiteral("shape"), QStringLiteral("letter"), QStringLiteral("caption"),
+                  QStringLiteral("typing"), QStringLiteral("commands"), QStringLiteral("no match"),
+                  QStringLiteral("cmd type") });
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options generatorOptions;
+        generatorOptions.shape = shape;
+        MenuDocument document = MenuGenerator::generate(generatorOptions);
+        normalizeCopyLinks(document);
+        ItemFinder finder;
+        const auto request = [](const QString& text, bool inCommands) {
+            FindRequest made;
+            made.text = text;
+            made.inCommands = inCommands;
+            return made;
+        };
+        // The first search after the menu changed.
+        const auto afresh = [&](const QString& text, bool inCommands) {
+            return medianMilliseconds(
+                runs, [&finder] { finder.reset(); }, [&] { finder.find(document, 0, request(text, inCommands)); });
+        };
+        // A search whose text grew from the one before.
+        const auto typing = [&](const QString& before, const QString& text, bool inCommands) {
+            return medianMilliseconds(
+                runs,
+                [&] {
+                    finder.reset();
+                    finder.find(document, 0, request(before, inCommands));
+                },
+                [&] { finder.find(document, 0, request(text, inCommands)); });
+        };
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(afresh(QStringLiteral("i"), false))
+            << cell(afresh(QStringLiteral("Item 12"), false))
+            << cell(typing(QStringLiteral("Item 12"), QStringLiteral("Item 123"), false))
+            << cell(afresh(QStringLiteral("$fs-00"), true)) << cell(afresh(QStringLiteral("no such text"), true))
+            << cell(typing(QStringLiteral("$fs-00"), QStringLiteral("$fs-001"), true)) << "\n";
+        out.flush();
+    }
+}
+
+/// The find bar: a keystroke in the bar, then the search alone.
+void benchFindBar(QTextStream& out, int runs)
+{
+    out << "32,767 items. One keystroke in the find bar: the search, the first match shown as a click\n"
+           "shows it, and the paint; each the first after the menu changed but typing. letter: \"i\", in\n"
+           "every caption; caption: \"Item 12\"; typing: \"Item 123\" after \"Item 12\"; commands: \"$fs-00\"\n"
+           "also in the commands; no match: in the commands, none; step: F3 to the next match, no search.\n";
+    benchFind(out, runs);
+    out << "\nThe same searches alone, without the bar, the showing and the paint; cmd type: \"$fs-001\"\n"
+           "after \"$fs-00\", in the commands.\n";
+    benchFinder(out, runs);
 }
 
 } // namespace
@@ -474,6 +552,7 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     const int runs = arguments.size() > 1 ? std::max(1, arguments.at(1).toInt()) : 5;
+    const bool findOnly = arguments.size() > 2 && arguments.at(2) == QLatin1String("find");
 
     QTextStream out(stdout);
     out << "Median of " << runs
@@ -481,6 +560,10 @@ int main(int argc, char* argv[])
            "10,000 items. Each time includes the undo snapshot and the paint that follows; undo: the\n"
            "Undo of the operation before it, which rebuilds the tree.\n\n";
     try {
+        if (findOnly) {
+            benchFindBar(out, runs);
+            return 0;
+        }
         out << "32,767 items. refresh: Refresh List; delete: Delete of the branch; new: New Item up to\n"
                "its open label editor, in the menu less two leaves (a full one has no room); link: the\n"
                "click that chooses a link target.\n";
@@ -495,9 +578,8 @@ int main(int argc, char* argv[])
                "10,000-item branch in the document alone; command: Replace All with its message answered\n"
                "and the tree rebuilt.\n";
         benchReplace(out, runs);
-        out << "\n32,767 items. One keystroke in the find bar: the search, the first match shown as a click\n"
-               "shows it, and the paint; commands: also in the commands; no match: in the commands, none.\n";
-        benchFind(out, runs);
+        out << "\n";
+        benchFindBar(out, runs);
     } catch (const RunTimeError& error) {
         std::fprintf(stderr, "%s\n", qPrintable(error.report()));
         return 1;

@@ -3,19 +3,24 @@
 // kelvmenu check runs, reading included), and the save check alone (what every Save runs first, the
 // length of the file counted in it). Each on two menus of every shape: as generated, where most
 // commands name a variable the catalogue does not know ("$dest$", "$fs-1234$"), so that nearly every
-// item has a problem, and the same menu with catalogue variables only, as a sound menu has.
+// item has a problem, and the same menu with catalogue variables only, as a sound menu has. Then
+// `kelvmenu check` of the first menu, whole: its time and the size of the warnings it prints.
 // Run by hand on a release build: kelvbench_problems [runs]
 
 #include "benchtiming.h"
 #include "menugenerator.h"
 
+#include "cli/kelvmenutool.h"
 #include "core/menuproblemcheck.h"
 #include "menufile/menufilereader.h"
 #include "menufile/menufilewriter.h"
 #include "menufile/saveproblemcheck.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
+#include <QIODevice>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTextStream>
 
 namespace {
@@ -37,6 +42,33 @@ MenuDocument soundMenu(MenuDocument document)
         }
     }
     return document;
+}
+
+/// Keeps nothing of what is written to it, only how much: kelvmenu check prints hundreds of
+/// megabytes of warnings on a deep menu.
+class ByteCounter final : public QIODevice
+{
+public:
+    ByteCounter() { open(QIODevice::WriteOnly | QIODevice::Unbuffered); }
+
+    qint64 count() const { return m_count; }
+    void zero() { m_count = 0; }
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+    qint64 writeData(const char*, qint64 size) override
+    {
+        m_count += size;
+        return size;
+    }
+
+private:
+    qint64 m_count = 0;
+};
+
+QString megabytes(qint64 bytes)
+{
+    return QString::number(double(bytes) / 1e6, 'f', 1).rightJustified(12);
 }
 
 } // namespace
@@ -96,5 +128,38 @@ int main(int argc, char* argv[])
         out.flush();
     }
     out << "\nGoal: the check of a document under 100 ms.\n";
+
+    out << "\nkelvmenu check of the \"many\" menu read from a file, its warnings counted, not kept.\n"
+           "warnings: lines printed; size: megabytes printed; check: milliseconds.\n";
+    const QStringList checkHeaders { QStringLiteral("shape"), QStringLiteral("warnings"), QStringLiteral("size"),
+                                     QStringLiteral("check") };
+    for (const QString& header : checkHeaders) {
+        out << header.rightJustified(12);
+    }
+    out << '\n';
+    const QTemporaryDir folder;
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options options;
+        options.shape = shape;
+        const QString path = folder.filePath(MenuGenerator::shapeName(shape) + QStringLiteral(".ini"));
+        writeMenuFile(MenuGenerator::generate(options), path);
+        QBuffer in;
+        ByteCounter printed;
+        ByteCounter warned;
+        const double check = medianMilliseconds(
+            runs,
+            [&] {
+                printed.zero();
+                warned.zero();
+            },
+            [&] {
+                KelvMenuTool tool(in, printed, warned);
+                tool.run({ QStringLiteral("check"), path });
+            });
+        const qsizetype warnings = MenuProblems::checkFile(path).problems.size();
+        out << MenuGenerator::shapeName(shape).rightJustified(12) << QString::number(warnings).rightJustified(12)
+            << megabytes(printed.count() + warned.count()) << cell(check) << '\n';
+        out.flush();
+    }
     return 0;
 }

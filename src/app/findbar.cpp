@@ -8,7 +8,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QSet>
 #include <QToolButton>
 
 FindBar::FindBar(std::function<const MenuDocument&()> document, QWidget* parent)
@@ -79,7 +78,7 @@ FindBar::FindBar(std::function<const MenuDocument&()> document, QWidget* parent)
     });
     connect(m_txtFind, &QLineEdit::textChanged, this, [this] {
         search();
-        if (!m_matches.isEmpty()) {
+        if (m_finder.count() > 0) {
             showMatch(0);
         }
     });
@@ -105,35 +104,14 @@ void FindBar::search()
     request.inCommands = m_chkInCommands->isChecked();
     request.matchCase = m_chkMatchCase->isChecked();
     const MenuDocument& document = m_document();
-    if (!m_nodes.has_value()) {
-        m_nodes = planTree(document, document.hideMode);
-        m_lastRequest.reset();
-    }
-    // Whatever holds the longer text holds the shorter one it grew from.
-    const bool narrowing = m_lastRequest.has_value() && !m_lastRequest->text.isEmpty()
-        && m_lastRequest->inCommands == request.inCommands && m_lastRequest->matchCase == request.matchCase
-        && request.text.contains(m_lastRequest->text, request.matchCase ? Qt::CaseSensitive : Qt::CaseInsensitive);
-    const QList<PlannedNode>& candidates = narrowing ? m_matchedNodes : *m_nodes;
-    m_matches = findItems(document, candidates, request);
-    const QSet<QString> found(m_matches.cbegin(), m_matches.cend());
-    QList<PlannedNode> matched;
-    matched.reserve(m_matches.size());
-    for (const PlannedNode& node : candidates) {
-        if (found.contains(node.key)) {
-            matched.append(node);
-        }
-    }
-    m_matchedNodes = std::move(matched);
-    m_lastRequest = request;
+    m_finder.find(document, document.hideMode, request);
     m_current = -1;
     showCount();
 }
 
 void FindBar::menuChanged()
 {
-    m_nodes.reset();
-    m_lastRequest.reset();
-    m_matchedNodes.clear();
+    m_finder.reset();
 }
 
 void FindBar::followMenu()
@@ -146,37 +124,37 @@ void FindBar::followMenu()
 
 void FindBar::findNext()
 {
-    if (m_matches.isEmpty()) {
+    if (m_finder.count() == 0) {
         return;
     }
-    showMatch(m_current + 1 >= m_matches.size() ? 0 : m_current + 1);
+    showMatch(m_current + 1 >= m_finder.count() ? 0 : m_current + 1);
 }
 
 void FindBar::findPrevious()
 {
-    if (m_matches.isEmpty()) {
+    if (m_finder.count() == 0) {
         return;
     }
-    showMatch(m_current <= 0 ? int(m_matches.size()) - 1 : m_current - 1);
+    showMatch(m_current <= 0 ? int(m_finder.count()) - 1 : m_current - 1);
 }
 
 void FindBar::showMatch(int index)
 {
     m_current = index;
     showCount();
-    Q_EMIT matchChosen(m_matches.at(index));
+    Q_EMIT matchChosen(m_finder.keyAt(index));
 }
 
 void FindBar::showCount()
 {
     if (m_txtFind->text().isEmpty()) {
         m_lblMatches->clear();
-    } else if (m_matches.isEmpty()) {
+    } else if (m_finder.count() == 0) {
         m_lblMatches->setText(tr("No match"));
     } else if (m_current < 0) {
-        m_lblMatches->setText(m_matches.size() == 1 ? tr("1 match") : tr("%1 matches").arg(m_matches.size()));
+        m_lblMatches->setText(m_finder.count() == 1 ? tr("1 match") : tr("%1 matches").arg(m_finder.count()));
     } else {
-        m_lblMatches->setText(tr("%1 of %2").arg(m_current + 1).arg(m_matches.size()));
+        m_lblMatches->setText(tr("%1 of %2").arg(m_current + 1).arg(m_finder.count()));
     }
 }
 

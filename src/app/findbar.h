@@ -1,13 +1,11 @@
 #pragma once
 
 #include "treeview/itemfinder.h"
-#include "treeview/treeplan.h"
 
 #include <QStringList>
 #include <QWidget>
 
 #include <functional>
-#include <optional>
 
 class QCheckBox;
 class QLabel;
@@ -39,7 +37,7 @@ public:
     void findNext();
     void findPrevious();
 
-    QStringList matches() const { return m_matches; }
+    QStringList matches() const { return m_finder.keys(); }
     /// The match shown last, -1 when none was.
     int current() const { return m_current; }
 
@@ -65,11 +63,8 @@ private:
     QToolButton* m_cmdPrevious = nullptr;
     QToolButton* m_cmdNext = nullptr;
     QToolButton* m_cmdClose = nullptr;
-    QStringList m_matches;
+    /// The matches of the last search; it keeps what it learnt of the menu while the menu does not
+    /// change.
+    ItemFinder m_finder;
     int m_current = -1;
-    /// The tree's nodes and the last search with the nodes it found, kept while the menu does not
-    /// change: a text that grows from the last one is looked for among the last matches only.
-    std::optional<QList<PlannedNode>> m_nodes;
-    std::optional<FindRequest> m_lastRequest;
-    QList<PlannedNode> m_matchedNodes;
 };

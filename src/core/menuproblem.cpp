@@ -1,5 +1,10 @@
 #include "menuproblem.h"
 
+QString MenuProblem::pathOmission()
+{
+    return QStringLiteral("\u2026");
+}
+
 QString MenuProblem::placeText() const
 {
     if (itemPath.isEmpty() && itemNumber == 0) {

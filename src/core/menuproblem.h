@@ -33,8 +33,16 @@ struct MenuProblem
         UnsavableValue,
     };
 
+    /// How many captions the path of an item shows at most. A problem deep down a menu of 200 levels
+    /// would otherwise name its item by 200 captions; its number and its line tell which item it is.
+    static constexpr int PathCaptions = 3;
+    /// What stands for the captions left out at the top of a longer path.
+    static QString pathOmission();
+
     Kind kind = Kind::EmptyCaption;
-    /// Captions from the top level down to the item; empty when the problem concerns no item.
+    /// The item's path as shown: its captions from the top level down to the item or, for an item
+    /// deeper than PathCaptions levels, pathOmission() and its last PathCaptions captions; empty when
+    /// the problem concerns no item.
     QStringList itemPath;
     /// The item's position among the item lines of the file (as the [Commands] section numbers
     /// them), from 1; 0 when the problem concerns no item or the item is not written.
@@ -48,8 +56,8 @@ struct MenuProblem
     /// What is wrong, without the item: `unknown variable "$fs-01$"`.
     QString message;
 
-    /// The item and command the problem concerns: `item 4 "Archive > Pack", command 2`; empty when
-    /// it concerns no item.
+    /// The item and command the problem concerns: `item 4 "Archive > Pack", command 2`, or
+    /// `item 4 "… > Tools > Archive > Pack"` deep down a menu; empty when it concerns no item.
     QString placeText() const;
     /// placeText(), ": " and the message; the message alone when there is no place.
     QString text() const;

@@ -9,6 +9,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <utility>
 #include <vector>
@@ -17,7 +18,9 @@ namespace {
 
 constexpr int markersPerLevel = 3;
 
-/// Captions from the top level down to an item. The problems of one item share one list.
+/// The paths shown for items: the captions from the top level down to an item, or the omission and
+/// the last MenuProblem::PathCaptions of them for a deeper item. Walking no further than that keeps a
+/// check of a deep menu linear. The problems of one item share one list.
 class ItemPaths
 {
 public:
@@ -32,15 +35,23 @@ public:
             return m_lastPath;
         }
         const qint32 count = qint32(m_items.size());
-        m_chain.clear();
-        // A parent chain that turns in a circle is cut where it would go round a second time.
-        for (qint32 at = index; at >= 0 && at < count && qint32(m_chain.size()) <= count; at = m_items.at(at).parent) {
-            m_chain.push_back(at);
+        // A parent chain is followed for at most one step more than the menu has items, so that one
+        // turning in a circle ends.
+        const auto continues
+            = [count](qint32 at, std::size_t length) { return at >= 0 && at < count && qint32(length) <= count; };
+        std::array<qint32, MenuProblem::PathCaptions> chain {};
+        std::size_t length = 0;
+        qint32 at = index;
+        for (; length < chain.size() && continues(at, length); at = m_items.at(at).parent) {
+            chain[length++] = at;
         }
         QStringList path;
-        path.reserve(qsizetype(m_chain.size()));
-        for (auto item = m_chain.crbegin(); item != m_chain.crend(); ++item) {
-            path.append(m_items.at(*item).caption);
+        path.reserve(qsizetype(length) + 1);
+        if (continues(at, length)) {
+            path.append(MenuProblem::pathOmission());
+        }
+        while (length > 0) {
+            path.append(m_items.at(chain[--length]).caption);
         }
         m_lastIndex = index;
         m_lastPath = path;
@@ -49,7 +60,6 @@ public:
 
 private:
     const MenuItemArray& m_items;
-    std::vector<qint32> m_chain;
     qint32 m_lastIndex = -1;
     QStringList m_lastPath;
 };

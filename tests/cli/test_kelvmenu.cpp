@@ -481,6 +481,28 @@ private Q_SLOTS:
         QCOMPARE(result.err.split('\n'), expected + QList<QByteArray> { QByteArray() });
     }
 
+    void checkNamesAnItemDeepDownByItsLastCaptions()
+    {
+        // An item is named by its line, its number and no more than its last three captions.
+        const auto line
+            = [](int level, const QByteArray& caption) { return QByteArray(level * 3, '\xb7') + caption + "\r\n"; };
+        QFile deep(path(QStringLiteral("deep.ini")));
+        QVERIFY(deep.open(QIODevice::WriteOnly));
+        deep.write("KELV - Menu\r\n\r\n[Menu]\r\n\r\n" + line(0, "One") + line(1, "Two") + line(2, "Three")
+                   + line(3, "") + line(4, "Five") + line(5, "Far") + line(1, "Back") + line(5, "Jump")
+                   + "\r\n[/Menu]\r\n\r\n[Commands]\r\n\r\n0006:=del $fs-01$\r\n\r\n[/Commands]\r\n");
+        deep.close();
+        const RunResult result = run({ QStringLiteral("check"), QStringLiteral("deep.ini") });
+        QCOMPARE(result.exitCode, 0);
+        const QList<QByteArray> expected {
+            "deep.ini:8: warning: item 4 \"\xe2\x80\xa6 > Two > Three > \": has an empty caption",
+            "deep.ini:12: warning: item 8 \"\xe2\x80\xa6 >  > Five > Jump\": its line is 4 levels deeper than the "
+            "item line before it, so it is read as a child of item 5 \"\xe2\x80\xa6 > Three >  > Five\"",
+            "deep.ini:18: warning: item 6 \"\xe2\x80\xa6 >  > Five > Far\", command 1: unknown variable \"$fs-01$\"",
+        };
+        QCOMPARE(result.err.split('\n'), expected + QList<QByteArray> { QByteArray() });
+    }
+
     void checkStrictFailsOnWarnings_data()
     {
         QTest::addColumn<QStringList>("files");

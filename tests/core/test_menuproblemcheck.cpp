@@ -1,10 +1,14 @@
 #include "core/menuproblemcheck.h"
 
+#include "editing/randommenu.h"
 #include "menufile/menufilereader.h"
+#include "menufile/menufilewriter.h"
 #include "menufile/menufixtures.h"
 #include "problemtext.h"
 
 #include <QFile>
+#include <QHash>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -47,6 +51,25 @@ MenuItem item(const QString& caption, qint16 parent, qint16 siblingOrder, qint16
 void addCommand(MenuItem& target, const QString& extension, const QString& command)
 {
     target.commands.append(Command { extension, command });
+}
+
+/// Every caption from the top level down to item `index`, the whole path, step by step.
+QStringList fullPath(const MenuDocument& document, int index)
+{
+    QStringList path;
+    for (int at = index; at >= 0; at = document.items.at(at).parent) {
+        path.prepend(document.items.at(at).caption);
+    }
+    return path;
+}
+
+/// The path a problem shows for an item whose whole path is `path`.
+QStringList shownPath(const QStringList& path)
+{
+    if (path.size() <= MenuProblem::PathCaptions) {
+        return path;
+    }
+    return QStringList { QStringLiteral("\u2026") } + path.last(MenuProblem::PathCaptions);
 }
 
 } // namespace
@@ -397,6 +420,59 @@ private Q_SLOTS:
         QCOMPARE(placedProblems(MenuProblems::checkDocument(document)), QStringList());
     }
 
+    void anItemDeepDownIsNamedByItsLastCaptions()
+    {
+        MenuDocument document;
+        for (int level = 0; level < 6; ++level) {
+            document.items.append(item(QStringLiteral("L%1").arg(level), qint16(level - 1), 1, level < 5 ? 1 : 0,
+                                       QStringLiteral("E%1").arg(level)));
+        }
+        document.items[2].caption.clear();
+        addCommand(document.items[5], QString(), QStringLiteral("$x$"));
+        QCOMPARE(placedProblems(MenuProblems::checkDocument(document)),
+                 (QStringList {
+                     QStringLiteral("0 | 3 | E2 | 0 | empty caption | item 3 \"L0 > L1 > \": has an empty caption"),
+                     QStringLiteral("0 | 6 | E5 | 1 | unknown variable | item 6 \"\u2026 > L3 > L4 > L5\", command "
+                                    "1: unknown variable \"$x$\"") }));
+    }
+
+    void theItemOfAProblemIsShownByTheEndOfItsPathInRandomMenus()
+    {
+        QRandomGenerator random(19);
+        int shortened = 0;
+        for (int round = 0; round < 300; ++round) {
+            MenuDocument document = RandomMenu::generate(random, 1 + random.bounded(60));
+            for (MenuItem& changed : document.items) {
+                if (random.bounded(4) == 0) {
+                    changed.caption = random.bounded(2) == 0 ? QString() : QStringLiteral("Same");
+                }
+                if (random.bounded(4) == 0) {
+                    changed.copiesCommands = false;
+                    addCommand(changed, QString(), QStringLiteral("run $what$"));
+                }
+            }
+            QHash<QString, int> indexOfKey;
+            for (int i = 0; i < int(document.items.size()); ++i) {
+                indexOfKey.insert(document.items.at(i).key, i);
+            }
+            const QList<MenuProblem> problems = MenuProblems::checkDocument(document);
+            for (const MenuProblem& problem : problems) {
+                QVERIFY(indexOfKey.contains(problem.itemKey));
+                QCOMPARE(problem.itemPath, shownPath(fullPath(document, indexOfKey.value(problem.itemKey))));
+            }
+            // The same menu as a file: the items read back in the order of their lines.
+            const MenuFileCheck check = MenuProblems::checkFileBytes(menuFileBytes(document));
+            QVERIFY(check.read.ok());
+            for (const MenuProblem& problem : check.problems) {
+                QVERIFY(problem.itemNumber >= 1);
+                QCOMPARE(problem.itemPath, shownPath(fullPath(check.document, problem.itemNumber - 1)));
+                shortened += problem.itemPath.size() > MenuProblem::PathCaptions ? 1 : 0;
+            }
+        }
+        // The menus are deep enough for paths to be shortened often.
+        QVERIFY2(shortened > 1000, qPrintable(QString::number(shortened)));
+    }
+
     // texts
 
     void problemTexts()
@@ -411,6 +487,8 @@ private Q_SLOTS:
         QCOMPARE(problem.text(), QStringLiteral("item 12 \"Archive > Pack\": has an empty caption"));
         problem.commandNumber = 3;
         QCOMPARE(problem.placeText(), QStringLiteral("item 12 \"Archive > Pack\", command 3"));
+        problem.itemPath.prepend(MenuProblem::pathOmission());
+        QCOMPARE(problem.placeText(), QStringLiteral("item 12 \"\u2026 > Archive > Pack\", command 3"));
     }
 };
 

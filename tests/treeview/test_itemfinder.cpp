@@ -1,7 +1,9 @@
+#include "literalitemfinder.h"
 #include "testmenus.h"
 
 #include "treeview/itemfinder.h"
 
+#include <QRandomGenerator>
 #include <QTest>
 
 namespace {
@@ -44,6 +46,89 @@ FindRequest request(const QString& text, bool inCommands = false, bool matchCase
     find.inCommands = inCommands;
     find.matchCase = matchCase;
     return find;
+}
+
+/// Pieces of the random captions, commands and search texts: letters in both cases, characters
+/// whose case folding leads elsewhere (the Kelvin sign folds to "k"), a character beyond 16 bits,
+/// and the "$" of variables.
+const QStringList& pieces()
+{
+    static const QStringList all { QStringLiteral("a"),
+                                   QStringLiteral("A"),
+                                   QStringLiteral("k"),
+                                   QStringLiteral("K"),
+                                   QStringLiteral("$"),
+                                   QStringLiteral(" "),
+                                   QStringLiteral("\u212A"),
+                                   QStringLiteral("\u00E4"),
+                                   QStringLiteral("\u00C4"),
+                                   QString::fromUcs4(U"\U00010400"),
+                                   QString::fromUcs4(U"\U00010428") };
+    return all;
+}
+
+QString randomText(QRandomGenerator& random, int maxPieces)
+{
+    QString text;
+    const int count = random.bounded(maxPieces + 1);
+    for (int i = 0; i < count; ++i) {
+        text += pieces().at(random.bounded(int(pieces().size())));
+    }
+    return text;
+}
+
+/// Random texts for the captions and commands of `document`, links to items that do not exist, and
+/// now and then a key that two items bear.
+void fillRandomly(QRandomGenerator& random, MenuDocument& document)
+{
+    const int count = int(document.items.size());
+    for (MenuItem& item : document.items) {
+        item.caption = randomText(random, 6);
+        for (qsizetype slot = 1; slot < item.commands.size(); ++slot) {
+            item.commands[slot] = Command { randomText(random, 2), randomText(random, 8) };
+        }
+        if (random.bounded(8) == 0) {
+            item.copiesCommands = true;
+            item.copyKey = QStringLiteral("E%1").arg(count + random.bounded(3));
+        }
+    }
+    if (count > 1 && random.bounded(6) == 0) {
+        document.items[random.bounded(count)].key = document.items.at(random.bounded(count)).key;
+    }
+}
+
+/// One change of the menu as the editor makes them: a caption, a command, a link switched, the
+/// hide mode.
+void changeRandomly(QRandomGenerator& random, MenuDocument& document)
+{
+    const int count = int(document.items.size());
+    const int what = random.bounded(4);
+    if (what == 3 || count == 0) {
+        document.hideMode = random.bounded(4);
+        return;
+    }
+    MenuItem& item = document.items[random.bounded(count)];
+    if (what == 0) {
+        item.caption = randomText(random, 6);
+    } else if (what == 1) {
+        item.commands.append(Command { QString(), randomText(random, 8) });
+    } else {
+        item.copiesCommands = !item.copiesCommands;
+        item.copyKey = document.items.at(random.bounded(count)).key;
+    }
+}
+
+/// The next text of the find bar: mostly a character typed or taken back, now and then a new text.
+QString nextText(QRandomGenerator& random, const QString& text)
+{
+    const int what = random.bounded(10);
+    if (what < 5) {
+        return text + randomText(random, 1);
+    }
+    if (what < 8 && !text.isEmpty()) {
+        return text.chopped(1);
+    }
+    return randomText(random, 3);
 }
 
 } // namespace
@@ -103,6 +188,82 @@ private Q_SLOTS:
         // Hide mode 1 hides the links.
         QCOMPARE(findItems(document, 1, request(QStringLiteral("e"))),
                  QStringList({ QStringLiteral("E3"), QStringLiteral("E4") }));
+    }
+
+    void aFinderFollowsTheMenuItSearches()
+    {
+        MenuDocument document = sampleMenu();
+        ItemFinder finder;
+        finder.find(document, 0, request(QStringLiteral("pack")));
+        QCOMPARE(finder.keys(), QStringList({ QStringLiteral("E0"), QStringLiteral("E1") }));
+        QCOMPARE(finder.count(), 2);
+        QCOMPARE(finder.keyAt(1), QStringLiteral("E1"));
+        // An edit: the next search sees it without being told.
+        document.items[4].caption = QStringLiteral("Packed notes");
+        finder.find(document, 0, request(QStringLiteral("pack")));
+        QCOMPARE(finder.keys(), QStringList({ QStringLiteral("E0"), QStringLiteral("E1"), QStringLiteral("E4") }));
+        // So is another hide mode; Delete, a link, is found in its target's commands.
+        finder.find(document, 0, request(QStringLiteral("zip"), true));
+        QCOMPARE(finder.keys(), QStringList({ QStringLiteral("E0"), QStringLiteral("E2") }));
+        finder.find(document, 1, request(QStringLiteral("zip"), true));
+        QCOMPARE(finder.keys(), QStringList({ QStringLiteral("E0") }));
+        // A longer text narrows down, a shorter one finds again.
+        finder.find(document, 1, request(QStringLiteral("zip!"), true));
+        QCOMPARE(finder.count(), 0);
+        finder.find(document, 1, request(QStringLiteral("zi"), true));
+        QCOMPARE(finder.keys(), QStringList({ QStringLiteral("E0") }));
+        finder.reset();
+        QCOMPARE(finder.count(), 0);
+    }
+
+    void aFinderFindsWhatThePlainSearchFindsOnRandomMenus()
+    {
+        QRandomGenerator random(19);
+        int found = 0;
+        int searches = 0;
+        for (quint32 seed = 1; seed <= 400; ++seed) {
+            MenuDocument document = TestMenus::randomMenu(seed);
+            fillRandomly(random, document);
+            document.hideMode = random.bounded(5) - (random.bounded(8) == 0 ? 1 : 0);
+            ItemFinder finder;
+            FindRequest find;
+            for (int step = 0; step < 40; ++step) {
+                const int what = random.bounded(20);
+                if (what == 0) {
+                    find.matchCase = !find.matchCase;
+                } else if (what == 1) {
+                    find.inCommands = !find.inCommands;
+                } else if (what == 2) {
+                    changeRandomly(random, document);
+                } else if (what == 3) {
+                    finder.reset();
+                } else {
+                    find.text = nextText(random, find.text);
+                }
+                finder.find(document, document.hideMode, find);
+                const QStringList expected = literalFindItems(document, document.hideMode, find);
+                const QStringList keys = finder.keys();
+                if (keys != expected) {
+                    QFAIL(qPrintable(QStringLiteral("seed %1, step %2, \"%3\" case %4 commands %5 hide mode %6:\n"
+                                                    " expected %7\n found    %8")
+                                         .arg(seed)
+                                         .arg(step)
+                                         .arg(find.text)
+                                         .arg(find.matchCase)
+                                         .arg(find.inCommands)
+                                         .arg(document.hideMode)
+                                         .arg(expected.join(QLatin1Char(' ')), keys.join(QLatin1Char(' ')))));
+                }
+                QCOMPARE(finder.count(), expected.size());
+                if (!expected.isEmpty()) {
+                    QCOMPARE(finder.keyAt(expected.size() - 1), expected.last());
+                }
+                found += expected.isEmpty() ? 0 : 1;
+                ++searches;
+            }
+        }
+        // The texts must find something often, and not always.
+        QVERIFY2(found > searches / 4 && found < searches * 3 / 4, qPrintable(QString::number(found)));
     }
 
     void findingChangesNothing()
