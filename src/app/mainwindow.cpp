@@ -2,6 +2,7 @@
 
 #include "app/commandmenu.h"
 #include "app/desktophelpsystem.h"
+#include "app/diskchangewatch.h"
 #include "app/draganddrop.h"
 #include "app/edithistory.h"
 #include "app/editmenu.h"
@@ -14,6 +15,7 @@
 #include "app/optionsdialog.h"
 #include "app/problemspanel.h"
 #include "app/recentfilesmenu.h"
+#include "app/recoverycopies.h"
 #include "app/replacedialog.h"
 #include "core/aboutinfo.h"
 #include "core/editmenustate.h"
@@ -63,19 +65,28 @@ void addSeparator(QMenu* menu, const QString& name)
 
 } // namespace
 
-MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder, QWidget* parent)
+MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder,
+                       const QString& recoveryFolder, QWidget* parent)
     : QMainWindow(parent)
     , m_optionsStore(optionsStore)
     , m_programFolder(programFolder)
     , m_messages(std::make_unique<MessageBoxes>(prompts))
+    , m_recovery(std::make_unique<RecoveryCopies>(m_state, *m_messages, recoveryFolder,
+                                                  [this](qint16 index) { return m_files->captionOf(index); }))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("KELV Menu Editor"));
     setAcceptDrops(true);
 
     const QString folder = writableFolder(programFolder);
+    // Every change reaches the menus, and the recovery copy of every menu it changed.
     m_history = new EditHistory(
-        m_state, *m_messages, *this, folder, [this] { updateMenus(); }, this);
+        m_state, *m_messages, *this, folder,
+        [this] {
+            updateMenus();
+            m_recovery->documentsChanged();
+        },
+        this);
     m_dragAndDrop = new DragAndDrop(m_state, this);
     m_commandMenu = new CommandMenu(*this, this);
     buildMenus();
@@ -84,6 +95,9 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     connect(m_recent, &RecentFilesMenu::openRequested, this,
             [this](const QString& path) { openMenu(path, QFileInfo(path).fileName()); });
     connect(m_editors, &EditorArea::editorActivated, this, &MainWindow::editorActivated);
+    m_diskWatch = new DiskChangeWatch(
+        m_state, m_history->session(), *m_messages,
+        [this](qint16 index) { return editor(index) != nullptr ? editor(index)->fileChangeBar() : nullptr; }, this);
 
     m_state.setOptions(m_optionsStore.loadOptions());
     m_editMenu->copyCommandDupEntry()->setChecked(m_state.options().copyCommandDup);
@@ -212,6 +226,12 @@ void MainWindow::openCommandLineMenu(const QString& commandLine)
     m_files->openCommandLineMenu(commandLine, m_programFolder);
 }
 
+void MainWindow::offerRecovery(RecoveryPrompt& prompt)
+{
+    m_recovery->offerLeftCopies(
+        prompt, [this](const RecoveryCopy& copy) { return m_files->openRecoveredMenu(m_recovery->store(), copy); });
+}
+
 void MainWindow::mnuNew_Click()
 {
     m_files->mnuNew_Click();
@@ -292,6 +312,12 @@ void MainWindow::editorActivated(qint16 index)
     updateMenus();
     // The panels belong to the window now active: its selected item and its item count.
     showActiveStatus();
+    m_diskWatch->follow(index);
+}
+
+void MainWindow::documentShown(qint16 index)
+{
+    m_recovery->documentShown(index);
 }
 
 bool MainWindow::confirmCloseEditor(qint16 index)
@@ -301,6 +327,7 @@ bool MainWindow::confirmCloseEditor(qint16 index)
 
 void MainWindow::editorClosed(qint16 index)
 {
+    m_recovery->documentClosed(index);
     m_editors->editorClosed(index);
     m_state.clearEditor(index);
     if (m_state.activeDocumentIndex() == index) {
@@ -316,6 +343,8 @@ void MainWindow::savedStateChanged()
 {
     updateSaveEntry();
     updateUnsavedMarks();
+    m_recovery->documentsChanged();
+    m_diskWatch->documentsSaved();
 }
 
 // ---- Tree display and status bar --------------------------------------------------------------
