@@ -71,9 +71,14 @@ void DiskChangeWatch::watchFollowed()
 
 void DiskChangeWatch::connectBar(qint16 index, FileChangeBar* bar)
 {
-    if (!m_connected.insert(index).second) {
+    QPointer<FileChangeBar>& connected = m_connected[index];
+    if (connected == bar) {
         return;
     }
+    // A window whose menu could not be read gives its index back, and the next window takes it with
+    // a bar of its own: nothing the user dismissed before belongs to it.
+    connected = bar;
+    m_dismissed.erase(index);
     connect(bar, &FileChangeBar::reloadClicked, this, [this, index] { reload(index); });
     connect(bar, &FileChangeBar::keepMineClicked, this, [this, index] { keepMine(index); });
 }

@@ -4,12 +4,12 @@
 
 #include <QFileSystemWatcher>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QtGlobal>
 
 #include <functional>
 #include <map>
-#include <set>
 
 class ApplicationState;
 class EditingSession;
@@ -73,5 +73,6 @@ private:
     QFileSystemWatcher m_watcher;
     qint16 m_followed = 0;
     std::map<qint16, Dismissed> m_dismissed;
-    std::set<qint16> m_connected;
+    /// The bar whose buttons reach each document, once connected.
+    std::map<qint16, QPointer<FileChangeBar>> m_connected;
 };

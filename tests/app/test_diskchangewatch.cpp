@@ -265,6 +265,27 @@ private Q_SLOTS:
         QCOMPARE(captionsInFile(path), captionsOf(mine));
     }
 
+    void aWindowThatTakesTheIndexOfOneThatFailedToOpenHasABarThatWorks()
+    {
+        GuiSandbox sandbox;
+        QVERIFY(sandbox.showWindow());
+        MainWindow& window = sandbox.window();
+        const QString broken
+            = GuiSandbox::writeFile(sandbox.menuPath(QStringLiteral("broken.ini")), QByteArrayLiteral("no menu\r\n"));
+        QCOMPARE(window.openMenu(broken, QStringLiteral("broken.ini")), qint16(0));
+        sandbox.prompts().clearLog();
+
+        const qint16 index = sandbox.openMenu(QStringLiteral("a.ini"), { QStringLiteral("One") });
+        QCOMPARE(index, qint16(1));
+        const QString path = sandbox.menuPath(QStringLiteral("a.ini"));
+        replaceFile(path, GuiSandbox::menuBytes({ QStringLiteral("Theirs") }, {}));
+        QTRY_VERIFY(barShown(window, index));
+        barButton(window, index, "cmdReload")->click();
+        QCOMPARE(captionsOf(window.state().document(index)), QStringList({ QStringLiteral("Theirs") }));
+        QVERIFY(!barShown(window, index));
+        QVERIFY(sandbox.prompts().messages.isEmpty());
+    }
+
     void aFileThatIsNoLongerAMenuIsNotReloaded()
     {
         GuiSandbox sandbox;
