@@ -121,7 +121,7 @@ int main(int argc, char** argv)
     QTemporaryDir folder;
     OptionsStore options(folder.filePath(QStringLiteral("options.ini")));
     SilentPrompts prompts;
-    MainWindow window(prompts, options, folder.path());
+    MainWindow window(prompts, options, folder.path(), folder.filePath(QStringLiteral("recovery")));
     const Command command { QStringLiteral("avi"), lines.join(QStringLiteral("||")) };
     out << "editor opened on it         "
         << cell(medianMilliseconds(

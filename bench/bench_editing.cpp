@@ -116,7 +116,8 @@ struct BenchWindow
         options.checkCopyCommand = 1;
         options.dragNDrop = dragAndDrop ? 1 : 0;
         store.saveOptions(options);
-        window = std::make_unique<MainWindow>(prompts, store, folder.path());
+        window
+            = std::make_unique<MainWindow>(prompts, store, folder.path(), folder.filePath(QStringLiteral("recovery")));
         window->show();
         index = window->openMenu(menuPath, QStringLiteral("menu.ini"));
         if (index == 0) {

@@ -199,7 +199,8 @@ int runChild(const QString& program, const QString& path)
     std::unique_ptr<QTreeView> view;
     std::unique_ptr<QTreeWidget> widget;
     if (program == QLatin1String("editor")) {
-        window = std::make_unique<MainWindow>(prompts, store, folder.path());
+        window
+            = std::make_unique<MainWindow>(prompts, store, folder.path(), folder.filePath(QStringLiteral("recovery")));
         timer.start();
         const qint16 index = window->openMenu(path, QStringLiteral("menu.ini"));
         if (index == 0) {

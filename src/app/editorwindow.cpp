@@ -2,6 +2,7 @@
 
 #include "app/busynoticeframe.h"
 #include "app/editorwindowhost.h"
+#include "app/filechangebar.h"
 #include "app/findbar.h"
 #include "app/flagscope.h"
 #include "app/itemsidepanel.h"
@@ -120,6 +121,7 @@ void EditorWindow::buildLayout()
     auto* treeLayout = new QVBoxLayout(treeSide);
     treeLayout->setContentsMargins(0, 0, 0, 0);
     treeLayout->setSpacing(0);
+    treeLayout->addWidget(m_fileChangeBar = new FileChangeBar(treeSide));
     treeLayout->addWidget(m_findBar);
     treeLayout->addWidget(m_lstMenu, 1);
 

@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <QtGlobal>
 
+class FileChangeBar;
 class FindBar;
 class BusyNoticeFrame;
 class EditorWindowHost;
@@ -54,6 +55,8 @@ public:
 
     ItemTree* tree() const { return m_lstMenu; }
     FindBar* findBar() const { return m_findBar; }
+    /// The bar above the tree that says the menu's file was changed on disk by someone else.
+    FileChangeBar* fileChangeBar() const { return m_fileChangeBar; }
 
     /// Shows the find bar above the tree, ready for typing.
     void openFindBar();
@@ -156,6 +159,7 @@ private:
 
     ItemTree* m_lstMenu = nullptr;
     FindBar* m_findBar = nullptr;
+    FileChangeBar* m_fileChangeBar = nullptr;
     ItemSidePanel* m_itemPanel = nullptr;
     BusyNoticeFrame* m_frm01 = nullptr;
     NodeDragHandler* m_dragHandler = nullptr;

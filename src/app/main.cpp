@@ -1,10 +1,12 @@
 #include "app/applicationicon.h"
 #include "app/mainwindow.h"
 #include "app/widgetprompts.h"
+#include "app/widgetrecoveryprompt.h"
 #include "core/aboutinfo.h"
 #include "core/editorcommandline.h"
 #include "core/optionsstore.h"
 #include "core/programfolder.h"
+#include "core/recoverystore.h"
 
 #include <QApplication>
 #include <QFile>
@@ -47,11 +49,14 @@ int main(int argc, char* argv[])
 
     WidgetPrompts prompts;
     OptionsStore optionsStore;
-    MainWindow window(prompts, optionsStore, ProgramFolder::path());
+    MainWindow window(prompts, optionsStore, ProgramFolder::path(), RecoveryStore::defaultFolder());
     prompts.setParentWidget(&window);
 
     // The command line holds at most one menu file; a path with blanks may come split in pieces.
     window.openCommandLineMenu(QApplication::arguments().mid(1).join(QLatin1Char(' ')));
     window.show();
+    // Menus whose changes an editor that did not quit normally left behind, over the open window.
+    WidgetRecoveryPrompt recoveryPrompt(&window);
+    window.offerRecovery(recoveryPrompt);
     return QApplication::exec();
 }

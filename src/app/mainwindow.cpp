@@ -1,24 +1,23 @@
 #include "mainwindow.h"
 
 #include "app/commandmenu.h"
-#include "app/desktophelpsystem.h"
+#include "app/diskchangewatch.h"
 #include "app/draganddrop.h"
 #include "app/edithistory.h"
 #include "app/editmenu.h"
 #include "app/editorarea.h"
 #include "app/editorwindow.h"
 #include "app/findbar.h"
+#include "app/helpmenu.h"
 #include "app/mainstatusbar.h"
 #include "app/menufiles.h"
 #include "app/messageboxes.h"
 #include "app/optionsdialog.h"
 #include "app/problemspanel.h"
 #include "app/recentfilesmenu.h"
+#include "app/recoverycopies.h"
 #include "app/replacedialog.h"
-#include "core/aboutinfo.h"
 #include "core/editmenustate.h"
-#include "core/helplauncher.h"
-#include "core/languageconfig.h"
 #include "core/optionsstore.h"
 #include "core/programfolder.h"
 #include "core/statuspanels.h"
@@ -27,7 +26,6 @@
 #include "treeview/hidemode.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -63,19 +61,28 @@ void addSeparator(QMenu* menu, const QString& name)
 
 } // namespace
 
-MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder, QWidget* parent)
+MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder,
+                       const QString& recoveryFolder, QWidget* parent)
     : QMainWindow(parent)
     , m_optionsStore(optionsStore)
     , m_programFolder(programFolder)
     , m_messages(std::make_unique<MessageBoxes>(prompts))
+    , m_recovery(std::make_unique<RecoveryCopies>(m_state, *m_messages, recoveryFolder,
+                                                  [this](qint16 index) { return m_files->captionOf(index); }))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("KELV Menu Editor"));
     setAcceptDrops(true);
 
     const QString folder = writableFolder(programFolder);
+    // Every change reaches the menus, and the recovery copy of every menu it changed.
     m_history = new EditHistory(
-        m_state, *m_messages, *this, folder, [this] { updateMenus(); }, this);
+        m_state, *m_messages, *this, folder,
+        [this] {
+            updateMenus();
+            m_recovery->documentsChanged();
+        },
+        this);
     m_dragAndDrop = new DragAndDrop(m_state, this);
     m_commandMenu = new CommandMenu(*this, this);
     buildMenus();
@@ -84,6 +91,9 @@ MainWindow::MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const Q
     connect(m_recent, &RecentFilesMenu::openRequested, this,
             [this](const QString& path) { openMenu(path, QFileInfo(path).fileName()); });
     connect(m_editors, &EditorArea::editorActivated, this, &MainWindow::editorActivated);
+    m_diskWatch = new DiskChangeWatch(
+        m_state, m_history->session(), *m_messages,
+        [this](qint16 index) { return editor(index) != nullptr ? editor(index)->fileChangeBar() : nullptr; }, this);
 
     m_recent->load();
     m_state.setOptions(m_optionsStore.loadOptions());
@@ -180,15 +190,7 @@ void MainWindow::buildMenus()
 
     // Help
     m_mnuH = namedMenu(QStringLiteral("mnuH"), QStringLiteral("&Help"));
-    QAction* mnuHelp = addEntry(m_mnuH, QStringLiteral("mnuHelp"), QStringLiteral("&Help"));
-    mnuHelp->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(mnuHelp, &QAction::triggered, this, &MainWindow::showHelp);
-    QAction* mnuAbout = addEntry(m_mnuH, QStringLiteral("mnuAbout"), QStringLiteral("&About"));
-    connect(mnuAbout, &QAction::triggered, this, &MainWindow::showAbout);
-    // The toolkit's licence asks for its own About box to be reachable.
-    QAction* mnuAboutQt = addEntry(m_mnuH, QStringLiteral("mnuAboutQt"), QStringLiteral("About &Qt"));
-    mnuAboutQt->setMenuRole(QAction::AboutQtRole);
-    connect(mnuAboutQt, &QAction::triggered, qApp, &QApplication::aboutQt);
+    new HelpMenu(m_mnuH, prompts(), m_programFolder, this);
 }
 
 UserPrompts& MainWindow::prompts()
@@ -211,6 +213,12 @@ UndoManager& MainWindow::undoManager()
 void MainWindow::openCommandLineMenu(const QString& commandLine)
 {
     m_files->openCommandLineMenu(commandLine, m_programFolder);
+}
+
+void MainWindow::offerRecovery(RecoveryPrompt& prompt)
+{
+    m_recovery->offerLeftCopies(
+        prompt, [this](const RecoveryCopy& copy) { return m_files->openRecoveredMenu(m_recovery->store(), copy); });
 }
 
 void MainWindow::mnuNew_Click()
@@ -293,6 +301,12 @@ void MainWindow::editorActivated(qint16 index)
     updateMenus();
     // The panels belong to the window now active: its selected item and its item count.
     showActiveStatus();
+    m_diskWatch->follow(index);
+}
+
+void MainWindow::documentShown(qint16 index)
+{
+    m_recovery->documentShown(index);
 }
 
 bool MainWindow::confirmCloseEditor(qint16 index)
@@ -302,6 +316,7 @@ bool MainWindow::confirmCloseEditor(qint16 index)
 
 void MainWindow::editorClosed(qint16 index)
 {
+    m_recovery->documentClosed(index);
     m_editors->editorClosed(index);
     m_state.clearEditor(index);
     if (m_state.activeDocumentIndex() == index) {
@@ -317,6 +332,8 @@ void MainWindow::savedStateChanged()
 {
     updateSaveEntry();
     updateUnsavedMarks();
+    m_recovery->documentsChanged();
+    m_diskWatch->documentsSaved();
 }
 
 // ---- Tree display and status bar --------------------------------------------------------------
@@ -566,20 +583,4 @@ void MainWindow::showOptions()
     OptionsDialog dialog(m_optionsStore, m_state.options(), this);
     dialog.exec();
     m_state.setOptions(dialog.options());
-}
-
-void MainWindow::showHelp()
-{
-    DesktopHelpSystem system;
-    HelpLauncher launcher(system, prompts());
-    const LanguageConfig language(m_programFolder);
-    launcher.showHelp(language.helpFilePath(), language.htmlGuidePath());
-}
-
-void MainWindow::showAbout()
-{
-    MessageRequest request;
-    request.text = aboutText();
-    request.icon = MessageRequest::Icon::Information;
-    prompts().showMessage(request);
 }

@@ -14,6 +14,7 @@
 #include <QString>
 
 class CommandMenu;
+class DiskChangeWatch;
 class DragAndDrop;
 class EditHistory;
 class EditMenu;
@@ -27,6 +28,8 @@ class ProblemsPanel;
 class QAction;
 class QMenu;
 class RecentFilesMenu;
+class RecoveryCopies;
+class RecoveryPrompt;
 class ReplaceDialog;
 class UndoManager;
 class UserPrompts;
@@ -51,9 +54,10 @@ class MainWindow final : public QMainWindow,
 
 public:
     /// Loads the options from `optionsStore` and the recent list from the program's folder (or the
-    /// per-user folder when the program's folder cannot be written to).
+    /// per-user folder when the program's folder cannot be written to). The recovery copies of menus
+    /// with unsaved changes go to `recoveryFolder` (RecoveryStore::defaultFolder() in the editor).
     MainWindow(UserPrompts& prompts, OptionsStore& optionsStore, const QString& programFolder,
-               QWidget* parent = nullptr);
+               const QString& recoveryFolder, QWidget* parent = nullptr);
     ~MainWindow() override;
 
     ApplicationState& state() override { return m_state; }
@@ -70,6 +74,12 @@ public:
     CommandMenu& commandMenu() { return *m_commandMenu; }
     ProblemsPanel& problemsPanel() { return *m_problemsPanel; }
     DragAndDrop& dragAndDrop() { return *m_dragAndDrop; }
+    RecoveryCopies& recoveryCopies() { return *m_recovery; }
+    DiskChangeWatch& diskChangeWatch() { return *m_diskWatch; }
+
+    /// At start-up, once the command line's menu is open: asks `prompt` about the recovery copies that
+    /// editors which did not quit normally left behind, and opens those to be recovered.
+    void offerRecovery(RecoveryPrompt& prompt);
 
     /// Opens the menu file named on the command line, if it names one ("$exepath$" stands for the
     /// program's folder; anything not ending in "ini" is ignored).
@@ -160,6 +170,7 @@ public:
     // MenuFilesHost
     void savedStateChanged() override;
     void editorActivated(qint16 index) override;
+    void documentShown(qint16 index) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -174,13 +185,14 @@ private:
     /// when it is the active document.
     void showTreeState(qint16 index);
     void showOptions();
-    void showHelp();
-    void showAbout();
 
     OptionsStore& m_optionsStore;
     QString m_programFolder;
     ApplicationState m_state;
     std::unique_ptr<MessageBoxes> m_messages;
+    /// Goes before the state whose menus it copies.
+    std::unique_ptr<RecoveryCopies> m_recovery;
+    DiskChangeWatch* m_diskWatch = nullptr;
     std::unique_ptr<MainStatusBar> m_statusBar;
     EditorArea* m_editors = nullptr;
     RecentFilesMenu* m_recent = nullptr;

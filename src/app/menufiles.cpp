@@ -11,10 +11,13 @@
 #include "core/commandlinemenu.h"
 #include "core/documentfile.h"
 #include "core/newmenudocument.h"
+#include "core/recoverystore.h"
+#include "menufile/fileidentity.h"
 #include "menufile/menufilereader.h"
 #include "model/menudocument.h"
 #include "model/runtimeerror.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 #include <QUrl>
@@ -45,6 +48,7 @@ MenuFiles::MenuFiles(ApplicationState& state, MessageBoxes& messages, EditorArea
     , m_editors(editors)
     , m_recent(recent)
     , m_host(host)
+    , m_overwriteCheck(state, messages)
 {
 }
 
@@ -92,6 +96,7 @@ void MenuFiles::mnuNew_Click()
         m_messages.showRunTimeError(error);
     }
     m_editors.setEditorCaption(index, caption);
+    m_host.documentShown(index);
 }
 
 void MenuFiles::mnuOpen_Click()
@@ -115,8 +120,9 @@ qint16 MenuFiles::openMenu(const QString& path, const QString& fileTitle)
     editor->tree()->setUpdatesEnabled(false);
 
     MenuReadResult result;
+    FileIdentity identity;
     try {
-        result = openMenuDocument(path, m_state.options(), index, m_state.document(index));
+        result = openMenuDocument(path, m_state.options(), index, m_state.document(index), &identity);
     } catch (const RunTimeError& error) {
         result.code = MenuReadResult::Failed;
         result.errorNumber = error.number();
@@ -137,6 +143,7 @@ qint16 MenuFiles::openMenu(const QString& path, const QString& fileTitle)
         return 0;
     }
 
+    m_state.setFileIdentity(index, identity);
     editor->tree()->setUpdatesEnabled(true);
     editor->hideBusyNotice();
     m_state.noteEditorCreated();
@@ -149,6 +156,47 @@ qint16 MenuFiles::openMenu(const QString& path, const QString& fileTitle)
     m_editors.setEditorCaption(index, fileTitle);
     noteFolderUsed(path);
     m_recent.addRecentFile(path);
+    m_host.documentShown(index);
+    return index;
+}
+
+qint16 MenuFiles::openRecoveredMenu(RecoveryStore& store, const RecoveryCopy& copy)
+{
+    QMdiSubWindow* previousFrame = m_editors.activeFrame();
+    const qint16 previousIndex = m_state.activeDocumentIndex();
+    const qint16 index = m_state.appendDocumentSlot();
+    m_editors.createEditor(index);
+    MenuReadResult result;
+    try {
+        result = store.recoverCopy(copy, index, m_state.document(index));
+    } catch (const RunTimeError& error) {
+        result.code = MenuReadResult::Failed;
+        result.errorNumber = error.number();
+    }
+    if (!result.ok()) {
+        m_messages.showCritical(
+            openErrorMessage(),
+            readFailureText(QDir(store.folder()).filePath(copy.id + QStringLiteral(".ini")), result));
+        m_editors.discardNewestEditor(index, previousFrame);
+        m_state.setActiveDocumentIndex(m_state.editor(previousIndex) ? previousIndex : 0);
+        m_host.editorActivated(m_state.activeDocumentIndex());
+        return 0;
+    }
+    // Save checks the file against what it was when the crashed editor last read or wrote it.
+    m_state.setFileIdentity(index, copy.fileIdentity);
+    const QString path = m_state.document(index).filePath;
+    const QString caption = path.isEmpty() ? QStringLiteral("New menu ") + QString::number(m_state.editorsCreated() + 1)
+                                           : QFileInfo(path).fileName();
+    m_state.noteEditorCreated();
+    m_editors.activateEditor(index);
+    try {
+        m_host.regenerateTree(index);
+    } catch (const RunTimeError& error) {
+        m_messages.showRunTimeError(error);
+    }
+    m_editors.setEditorCaption(index, caption);
+    m_host.documentShown(index);
+    m_host.savedStateChanged();
     return index;
 }
 
@@ -168,9 +216,13 @@ void MenuFiles::openDroppedFiles(const QList<QUrl>& urls)
 
 bool MenuFiles::writeDocument(qint16 index, const QString& path)
 {
+    if (!m_overwriteCheck.mayWrite(index, path)) {
+        return false;
+    }
     QList<SaveProblem> problems;
+    FileIdentity identity;
     try {
-        problems = saveMenuDocument(m_state.document(index), path);
+        problems = saveMenuDocument(m_state.document(index), path, &identity);
     } catch (const RunTimeError& error) {
         // The writer leaves the old file as it was; the document stays unsaved, so nothing is lost.
         m_messages.showRunTimeError(error);
@@ -180,6 +232,7 @@ bool MenuFiles::writeDocument(qint16 index, const QString& path)
         m_messages.showRefusal(saveRefusalMessage(problems));
         return false;
     }
+    m_state.setFileIdentity(index, identity);
     m_host.savedStateChanged();
     return true;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/saveoverwritecheck.h"
+
 #include <QList>
 #include <QString>
 #include <QtGlobal>
@@ -10,6 +12,8 @@ class MenuFilesHost;
 class MessageBoxes;
 class QUrl;
 class RecentFilesMenu;
+class RecoveryStore;
+struct RecoveryCopy;
 
 /// The file commands of the main window: New, Open (by the dialog, the command line, a recent
 /// entry or a dropped file), Save, Save as, and the save questions of closing an editor window and
@@ -34,6 +38,11 @@ public:
     /// Opens the menu file named on the command line, if it names one ("$exepath$" stands for
     /// `programFolder`; anything not ending in "ini" is ignored).
     void openCommandLineMenu(const QString& commandLine, const QString& programFolder);
+    /// Opens the recovery copy `copy` of `store` in a new editor window, as the unsaved menu it holds:
+    /// captioned with its file's name (or "New menu N" for a menu that never had a file), saved to that
+    /// file by Save after the check that nobody else changed it since. On failure the user is told why
+    /// and nothing is left behind. Returns the new document index, 0 on failure.
+    qint16 openRecoveredMenu(RecoveryStore& store, const RecoveryCopy& copy);
     /// Opens the ".ini" files among `urls` (files dropped on the main window).
     void openDroppedFiles(const QList<QUrl>& urls);
     /// Writes the active document to its file.
@@ -45,6 +54,9 @@ public:
     bool confirmCloseEditor(qint16 index);
     /// The quit question and the saving it asks for. False when quitting stops.
     bool confirmQuit();
+
+    /// The caption of the editor window of document `index`.
+    QString captionOf(qint16 index) const;
 
     /// The folder a file dialog for document `index` starts in: the folder of its file, or for a
     /// menu without one (or none at all) the folder used last.
@@ -60,21 +72,21 @@ public:
 
 private:
     /// Writes document `index` to `path`; a failure, or values the file cannot hold, are shown and
-    /// leave the document unsaved and the file as it was.
+    /// leave the document unsaved and the file as it was. Over the menu's own file changed by someone
+    /// else since, only when the user says so.
     bool writeDocument(qint16 index, const QString& path);
     /// When document `index` holds values its file cannot hold, shows them and returns true.
     bool refuseUnsavable(qint16 index);
     /// Saves document `index` for closing: to its file, else to a name asked for. False when the
     /// write failed or was refused, true also when the user gave no name.
     bool saveForClosing(qint16 index);
-    /// The caption of the editor window of document `index`.
-    QString captionOf(qint16 index) const;
 
     ApplicationState& m_state;
     MessageBoxes& m_messages;
     EditorArea& m_editors;
     RecentFilesMenu& m_recent;
     MenuFilesHost& m_host;
+    SaveOverwriteCheck m_overwriteCheck;
     /// The folder of the menu file chosen, opened or written last.
     QString m_lastFolder;
 };

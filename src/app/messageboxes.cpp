@@ -39,3 +39,12 @@ UserPrompts::Answer MessageBoxes::askYesNoCancel(const QString& text)
     request.buttons = MessageRequest::Buttons::YesNoCancel;
     return m_prompts.showMessage(request);
 }
+
+UserPrompts::Answer MessageBoxes::askYesNo(const QString& text)
+{
+    MessageRequest request;
+    request.text = text;
+    request.icon = MessageRequest::Icon::Question;
+    request.buttons = MessageRequest::Buttons::YesNo;
+    return m_prompts.showMessage(request);
+}

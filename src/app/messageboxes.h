@@ -28,6 +28,8 @@ public:
     void showPlain(const QString& text);
     /// A question with the question icon and Yes, No and Cancel.
     UserPrompts::Answer askYesNoCancel(const QString& text);
+    /// A question with the question icon and Yes and No (No when the box is closed otherwise).
+    UserPrompts::Answer askYesNo(const QString& text);
 
 private:
     UserPrompts& m_prompts;

@@ -51,6 +51,11 @@ UserPrompts::Answer WidgetPrompts::showMessage(const MessageRequest& request)
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         box.setDefaultButton(QMessageBox::Yes);
         box.setEscapeButton(QMessageBox::Cancel);
+    } else if (request.buttons == MessageRequest::Buttons::YesNo) {
+        // Every Yes/No question of the editor would write over something: No is the safe answer.
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box.setDefaultButton(QMessageBox::No);
+        box.setEscapeButton(QMessageBox::No);
     } else {
         box.setStandardButtons(QMessageBox::Ok);
     }
@@ -64,8 +69,16 @@ UserPrompts::Answer WidgetPrompts::showMessage(const MessageRequest& request)
     default:
         break;
     }
-    // A Yes/No/Cancel box closed some other way keeps everything as it is.
-    return request.buttons == MessageRequest::Buttons::YesNoCancel ? Answer::Cancel : Answer::Ok;
+    // A question closed some other way keeps everything as it is.
+    switch (request.buttons) {
+    case MessageRequest::Buttons::YesNoCancel:
+        return Answer::Cancel;
+    case MessageRequest::Buttons::YesNo:
+        return Answer::No;
+    case MessageRequest::Buttons::Ok:
+        break;
+    }
+    return Answer::Ok;
 }
 
 QString WidgetPrompts::askOpenFileName(const QString& title, const QString& filter, const QString& startFolder)

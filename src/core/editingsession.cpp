@@ -11,6 +11,7 @@ bool recordsSnapshot(const EditOperation& operation, const EditContext& context)
 {
     switch (operation.recording) {
     case EditOperation::Recording::SnapshotBefore:
+    case EditOperation::Recording::SnapshotBeforeUnsaved:
         return true;
     case EditOperation::Recording::SnapshotWhenLabelTagged:
         return context.window.labelEditTag;
@@ -76,6 +77,9 @@ bool EditingSession::runOn(qint16 index, const SelectedNode& selected, const Edi
             }
         }
         if (recordsSnapshot(operation, context)) {
+            if (operation.recording == EditOperation::Recording::SnapshotBeforeUnsaved) {
+                m_state.document(index).saved = false;
+            }
             m_host.recordSnapshot(index);
         }
         const TreeUpdate update = operation.apply(context);

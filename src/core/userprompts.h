@@ -7,7 +7,7 @@
 struct MessageRequest
 {
     enum class Icon { None, Critical, Question, Exclamation, Information };
-    enum class Buttons { Ok, YesNoCancel };
+    enum class Buttons { Ok, YesNoCancel, YesNo };
 
     QString text;
     /// Empty means the application's own title ("KELV Menu Editor").

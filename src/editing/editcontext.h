@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 struct MenuDocument;
@@ -56,6 +57,8 @@ struct EditArguments
     QString targetKey;
     /// The copy-command check box; Replace's "Replace on all items".
     bool checked = false;
+    /// The menu as its file holds it now, read just before (Reload).
+    std::shared_ptr<const MenuDocument> fileDocument;
 };
 
 /// A node being dragged from one editor window's tree to a tree, and the choices of the drop menu.

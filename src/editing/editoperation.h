@@ -34,6 +34,10 @@ struct EditOperation
         /// Records an undo snapshot before the change when the window's label-edit tag says so
         /// (the end of a label edit).
         SnapshotWhenLabelTagged,
+        /// Records an undo snapshot before the change, of the document marked unsaved first: the
+        /// change puts the file's menu in its place (Reload), so once undone it no longer matches the
+        /// file, even where it did before.
+        SnapshotBeforeUnsaved,
     };
 
     /// The operation's name in `kelvmenu edit` and in error sources.

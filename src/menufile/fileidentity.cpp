@@ -2,10 +2,10 @@
 
 #include "menufile/menufilereader.h"
 
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
-#include <QHashFunctions>
 
 #include <algorithm>
 #include <utility>
@@ -16,11 +16,6 @@
 #endif
 
 namespace {
-
-// Two fixed seeds: the hash of the same bytes is the same in every run of the editor on this
-// system, and two 64-bit halves make an accidental match of different bytes out of the question.
-constexpr size_t firstSeed = 0x4b454c56u;
-constexpr size_t secondSeed = size_t(0x9e3779b97f4a7c15u);
 
 /// The coarsest clock tick of the file systems a menu may lie on (FAT keeps times to two seconds).
 constexpr qint64 timeGranularityNanoseconds = qint64(2) * 1000000000;
@@ -138,9 +133,11 @@ FileIdentity FileIdentity::ofDescriptor(int descriptor, QByteArrayView bytes)
 
 QByteArray FileIdentity::hashOf(QByteArrayView bytes)
 {
-    const quint64 halves[2] = { quint64(qHashBits(bytes.data(), std::size_t(bytes.size()), firstSeed)),
-                                quint64(qHashBits(bytes.data(), std::size_t(bytes.size()), secondSeed)) };
-    return QByteArray(reinterpret_cast<const char*>(halves), sizeof(halves));
+    // The same bytes must hash the same in every editor process: an identity kept beside a recovery
+    // copy is checked by the editor that recovers it. Qt's own hash mixes in a seed drawn anew for
+    // each process, so a hash of fixed definition is used; its 128 bits make an accidental match of
+    // different bytes out of the question.
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Md5);
 }
 
 FileIdentity::Change FileIdentity::changeAt(const QString& path, FileIdentity* current) const

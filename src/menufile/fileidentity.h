@@ -40,8 +40,9 @@ public:
     static FileIdentity restored(qint64 size, qint64 modifiedNanoseconds, quint64 inode, quint64 device,
                                  const QByteArray& hash, qint64 knownNanoseconds);
 
-    /// The hash an identity keeps of `bytes`: 128 bits of a fast hash, which tells a file whose bytes
-    /// changed from one only touched. It is no defence against a file made on purpose to collide.
+    /// The hash an identity keeps of `bytes`: 128 bits, the same in every process, which tells a file
+    /// whose bytes changed from one only touched. It is no defence against a file made on purpose to
+    /// collide.
     static QByteArray hashOf(QByteArrayView bytes);
 
     bool isNull() const { return m_hash.isEmpty(); }

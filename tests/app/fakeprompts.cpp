@@ -11,7 +11,7 @@ UserPrompts::Answer FakePrompts::showMessage(const MessageRequest& request)
     }
     if (answers.isEmpty()) {
         ++unansweredQuestions;
-        return Answer::Cancel;
+        return request.buttons == MessageRequest::Buttons::YesNo ? Answer::No : Answer::Cancel;
     }
     return answers.takeFirst();
 }

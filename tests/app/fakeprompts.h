@@ -27,7 +27,7 @@ public:
     QString askOpenFileName(const QString& title, const QString& filter, const QString& startFolder) override;
     QString askSaveFileName(const QString& title, const QString& filter, const QString& startFolder) override;
 
-    /// Answers for the coming Yes/No/Cancel boxes, in order. A box with only OK needs none.
+    /// Answers for the coming Yes/No/Cancel and Yes/No boxes, in order. A box with only OK needs none.
     QList<Answer> answers;
     /// Names the coming file dialogs return, in order; a dialog with none left returns no name.
     QStringList fileNames;
@@ -37,7 +37,7 @@ public:
 
     QList<MessageRequest> messages;
     QList<FileRequest> fileRequests;
-    /// Yes/No/Cancel boxes that found no answer queued (they got Cancel).
+    /// Questions that found no answer queued (they got Cancel, or No where there is no Cancel).
     int unansweredQuestions = 0;
 
     /// The texts of the logged messages, in order.

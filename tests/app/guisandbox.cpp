@@ -36,6 +36,11 @@ QString GuiSandbox::menuFolder() const
     return m_root.filePath(QStringLiteral("menus"));
 }
 
+QString GuiSandbox::recoveryFolder() const
+{
+    return m_recoveryFolder.isEmpty() ? m_root.filePath(QStringLiteral("recovery")) : m_recoveryFolder;
+}
+
 QString GuiSandbox::menuPath(const QString& fileName) const
 {
     return menuFolder() + QLatin1Char('/') + fileName;
@@ -84,9 +89,14 @@ QByteArray GuiSandbox::menuBytes(const QStringList& itemLines, const QStringList
 MainWindow& GuiSandbox::window()
 {
     if (!m_window) {
-        m_window = std::make_unique<MainWindow>(m_prompts, *m_optionsStore, programFolder());
+        m_window = std::make_unique<MainWindow>(m_prompts, *m_optionsStore, programFolder(), recoveryFolder());
     }
     return *m_window;
+}
+
+void GuiSandbox::dropWindow()
+{
+    m_window.reset();
 }
 
 QAction* GuiSandbox::action(const QString& name)

@@ -14,7 +14,8 @@ class OptionsStore;
 class QAction;
 
 /// Everything a window test touches, kept in one temporary folder: the program's folder (Recent.ini,
-/// Config.ini, Help/), a folder of menu files, and the options store as an INI file. The main window
+/// Config.ini, Help/), a folder of menu files, the recovery copies, and the options store as an INI
+/// file. The main window
 /// is created on first use, so that a test can prepare options and files first. Nothing is written
 /// beside the built program or into the user's real settings.
 class GuiSandbox
@@ -28,6 +29,10 @@ public:
     bool isValid() const { return m_root.isValid(); }
     QString programFolder() const;
     QString menuFolder() const;
+    /// Where the main window keeps its recovery copies: "recovery" in the sandbox unless set.
+    QString recoveryFolder() const;
+    /// Points the next main window's recovery copies to `folder` (another editor's, in a crash test).
+    void setRecoveryFolder(const QString& folder) { m_recoveryFolder = folder; }
     /// A path in the menu folder.
     QString menuPath(const QString& fileName) const;
 
@@ -44,6 +49,9 @@ public:
     OptionsStore& optionsStore() { return *m_optionsStore; }
     FakePrompts& prompts() { return m_prompts; }
     MainWindow& window();
+    /// Destroys the main window without a question, as if its process had ended; window() makes a
+    /// new one on the same folders.
+    void dropWindow();
 
     /// The main window's menu entry named `name`; null when there is none.
     QAction* action(const QString& name);
@@ -60,5 +68,6 @@ private:
     QTemporaryDir m_root;
     std::unique_ptr<OptionsStore> m_optionsStore;
     FakePrompts m_prompts;
+    QString m_recoveryFolder;
     std::unique_ptr<MainWindow> m_window;
 };

@@ -242,13 +242,17 @@ private Q_SLOTS:
         auto* box = control<QCheckBox>(editor, "chkCopyCommand");
         auto* target = control<QLineEdit>(editor, "txtItemIndexCopy");
         auto* commands = control<QListWidget>(editor, "lstCommand");
-        const MenuItem& item = sandbox.window().state().document(editor->documentIndex()).items.at(2);
+        // Looked up after each change: a change may move the item list, which the undo states and the
+        // recovery copy share with the menu.
+        const auto item = [&]() -> const MenuItem& {
+            return sandbox.window().state().document(editor->documentIndex()).items.at(2);
+        };
 
         // Off: the commands the item held before it was linked come back, and so does its colour.
         box->setChecked(false);
         editor->chkCopyCommand_Click();
-        QVERIFY(!item.copiesCommands);
-        QCOMPARE(item.copyKey, QStringLiteral("E1"));
+        QVERIFY(!item().copiesCommands);
+        QCOMPARE(item().copyKey, QStringLiteral("E1"));
         QCOMPARE(listLines(commands), QStringList({ QStringLiteral("zip=unpack.exe $fs-001$") }));
         QVERIFY(commands->isEnabled());
         QVERIFY(!target->isEnabled());
@@ -258,15 +262,15 @@ private Q_SLOTS:
         // On again: the same target, without choosing it anew.
         box->setChecked(true);
         editor->chkCopyCommand_Click();
-        QVERIFY(item.copiesCommands);
-        QCOMPARE(item.copyKey, QStringLiteral("E1"));
+        QVERIFY(item().copiesCommands);
+        QCOMPARE(item().copyKey, QStringLiteral("E1"));
         QCOMPARE(listLines(commands),
                  QStringList({ QStringLiteral("zip=pack.exe a $fs-001$"),
                                QStringLiteral("rar=pack.exe r $fs-001$||echo done") }));
         QVERIFY(!commands->isEnabled());
         QVERIFY(target->isEnabled());
         QCOMPARE(target->text(), QStringLiteral("1"));
-        QCOMPARE(item.commands.size(), 2); // its own command is kept while the link is on
+        QCOMPARE(item().commands.size(), 2); // its own command is kept while the link is on
         QVERIFY(sandbox.prompts().messages.isEmpty());
 
         // Showing the item again shows the link as it now stands.

@@ -1173,7 +1173,7 @@ private Q_SLOTS:
         QCOMPARE(lastFolder(), other);
 
         // A fresh start begins where the newest recent menu lies.
-        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
+        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder(), sandbox.recoveryFolder());
         second.mnuOpen_Click();
         QCOMPARE(lastFolder(), menus);
     }
@@ -1536,7 +1536,7 @@ private Q_SLOTS:
         QCOMPARE(GuiSandbox::readFile(sandbox.programFolder() + QStringLiteral("/Recent.ini")), expected);
 
         // A fresh start shows the same list, and an entry opens its menu.
-        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder());
+        MainWindow second(sandbox.prompts(), sandbox.optionsStore(), sandbox.programFolder(), sandbox.recoveryFolder());
         QAction* newest = second.findChild<QAction*>(QStringLiteral("mnuRecent0"));
         QCOMPARE(MenuTexts::visible(newest->text()), paths.at(5));
         newest->trigger();

@@ -111,6 +111,31 @@ private Q_SLOTS:
         request.buttons = MessageRequest::Buttons::YesNoCancel;
         QCOMPARE(prompts.showMessage(request), UserPrompts::Answer::Cancel);
     }
+
+    void overwriteQuestionsHaveYesAndNoAndEscapeSaysNo()
+    {
+        WidgetPrompts prompts;
+        QList<QAbstractButton*> buttons;
+        QAbstractButton* defaultButton = nullptr;
+        whenBoxShows(this, [&buttons, &defaultButton](QMessageBox* box) {
+            buttons = box->buttons();
+            defaultButton = box->defaultButton();
+            QVERIFY(box->button(QMessageBox::Yes) != nullptr);
+            QVERIFY(box->button(QMessageBox::No) != nullptr);
+            defaultButton = defaultButton == box->button(QMessageBox::No) ? defaultButton : nullptr;
+            QTest::keyClick(box, Qt::Key_Escape);
+        });
+        MessageRequest request;
+        request.text = QStringLiteral("Overwrite it ?");
+        request.icon = MessageRequest::Icon::Question;
+        request.buttons = MessageRequest::Buttons::YesNo;
+        QCOMPARE(prompts.showMessage(request), UserPrompts::Answer::No);
+        QCOMPARE(buttons.size(), 2);
+        QVERIFY(defaultButton != nullptr);
+
+        whenBoxShows(this, [](QMessageBox* box) { box->button(QMessageBox::Yes)->click(); });
+        QCOMPARE(prompts.showMessage(request), UserPrompts::Answer::Yes);
+    }
 };
 
 QTEST_MAIN(TestWidgetPrompts)

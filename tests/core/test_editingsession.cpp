@@ -4,6 +4,7 @@
 #include "editing/itemdeletion.h"
 #include "editing/itemmoving.h"
 #include "editing/linkediting.h"
+#include "editing/menureloading.h"
 #include "editing/subtreecopy.h"
 #include "menufile/menufixtures.h"
 #include "model/errortable.h"
@@ -291,6 +292,58 @@ private Q_SLOTS:
         QCOMPARE(f.undoCount(), 2);
         QCOMPARE(f.document().items[3].caption, QStringLiteral("Epsilon"));
         QCOMPARE(f.document().items[0].caption, QStringLiteral("Alpha"));
+    }
+
+    void reloadPutsTheFilesMenuInPlaceAsOneStepThatUndoesToAnUnsavedMenu_data()
+    {
+        QTest::addColumn<bool>("changedHere");
+        QTest::newRow("changed here too") << true;
+        QTest::newRow("unchanged here") << false;
+    }
+
+    void reloadPutsTheFilesMenuInPlaceAsOneStepThatUndoesToAnUnsavedMenu()
+    {
+        QFETCH(bool, changedHere);
+        SessionFixture f;
+        const qint16 index = f.open(threeItems());
+        f.document().hideMode = 2;
+        f.view.select(QStringLiteral("E1"));
+        if (changedHere) {
+            QVERIFY(f.session.run(EditOperations::newItem));
+            QVERIFY(!f.document().saved);
+        }
+        const MenuDocument mine = f.document();
+        const int stepsBefore = f.undoCount();
+
+        auto file = std::make_shared<MenuDocument>(flatMenu(2));
+        file->lastIndex = 1;
+        file->filePath = f.document().filePath;
+        EditArguments arguments;
+        arguments.fileDocument = file;
+        QVERIFY(f.session.run(index, EditOperations::reloadMenu, arguments));
+
+        QCOMPARE(f.undoCount(), stepsBefore + 1);
+        QVERIFY(f.document().items == file->items);
+        QVERIFY(f.document().saved);
+        QCOMPARE(f.document().hideMode, 2);
+        // Keys given out before are never given out again.
+        QCOMPARE(f.document().lastIndex, mine.lastIndex);
+        QVERIFY(f.view.updates.last() == TreeUpdate().regenerate().recolour().showItemCount());
+
+        f.controller.mnuUndo_Click();
+        QVERIFY(f.document().items == mine.items);
+        // The menu undone to no longer matches its file, even where it did before the reload.
+        QVERIFY(!f.document().saved);
+    }
+
+    void reloadWithoutTheFilesMenuFailsAndChangesNothing()
+    {
+        SessionFixture f;
+        const qint16 index = f.open(threeItems());
+        const MenuDocument before = f.document();
+        QVERIFY(!f.session.run(index, EditOperations::reloadMenu));
+        QVERIFY(f.document().items == before.items);
+        QCOMPARE(f.criticalMessages.size(), 1);
     }
 };
 
