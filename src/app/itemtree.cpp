@@ -308,8 +308,39 @@ void ItemTree::generate()
 void ItemTree::syncTo(const MenuDocument* before)
 {
     const PaintingSuspended suspended(this, updatesEnabled());
+    const ShapeChange changing(m_shapeChanges);
+    // Undoing a rename or a link choice changes no row, and undoing a Delete inserts one branch:
+    // the expanded state is set aside (see withExpandedStateAside) only once rows are about to leave
+    // or move, or once insertions grow many, as each insertion among rows visits every expanded node.
+    constexpr int insertionsInPlace = 8;
+    bool setAside = false;
+    int insertions = 0;
+    m_model->setBeforeShapeChange([this, &setAside, &insertions](bool rowsLeave) {
+        if (setAside || (!rowsLeave && ++insertions <= insertionsInPlace)) {
+            return;
+        }
+        setAside = true;
+        const QSignalBlocker noCollapseSignals(this);
+        collapseAll();
+    });
     std::vector<TreeNode*> toExpand;
-    withExpandedStateAside([this, before, &toExpand] { toExpand = m_model->nodes().syncTo(document(), before); });
+    std::vector<TreeNode*> toCollapse;
+    try {
+        toExpand = m_model->nodes().syncTo(document(), before, &toCollapse);
+    } catch (...) {
+        m_model->setBeforeShapeChange({});
+        throw;
+    }
+    m_model->setBeforeShapeChange({});
+    if (setAside) {
+        expandMarkedNodes();
+    } else {
+        // The view kept its expanded nodes; those whose mark the tree took back are closed too.
+        const QSignalBlocker noCollapseSignals(this);
+        for (const TreeNode* node : toCollapse) {
+            collapse(m_model->indexOf(node));
+        }
+    }
     forgetGoneNodes();
     expandNodes(toExpand);
 }

@@ -287,7 +287,8 @@ void NodeTree::generate(const MenuDocument& document)
     }
 }
 
-std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const MenuDocument* before)
+std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const MenuDocument* before,
+                                        std::vector<TreeNode*>* unmarked)
 {
     if (root() == nullptr) {
         generate(document);
@@ -476,6 +477,8 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         const bool expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
         if (expanded && !node->expanded) {
             expandNow.push_back(node);
+        } else if (!expanded && node->expanded && unmarked != nullptr) {
+            unmarked->push_back(node);
         }
         node->expanded = expanded;
     }

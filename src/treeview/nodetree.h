@@ -77,8 +77,10 @@ public:
     /// differs: nodes are removed, moved and inserted where the shape differs, and the rest keep
     /// their place, so the view keeps what it laid out. `before`, when given, is the document the
     /// tree showed until now: only nodes whose caption differs from it are repainted. Returns the
-    /// nodes whose expanded mark was set, which the view must expand.
-    std::vector<TreeNode*> syncTo(const MenuDocument& document, const MenuDocument* before = nullptr);
+    /// nodes whose expanded mark was set, which the view must expand; those whose mark was taken
+    /// back are added to `unmarked`, when given.
+    std::vector<TreeNode*> syncTo(const MenuDocument& document, const MenuDocument* before = nullptr,
+                                  std::vector<TreeNode*>* unmarked = nullptr);
     /// Removes every node.
     void clear();
 
