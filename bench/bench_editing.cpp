@@ -2,7 +2,7 @@
 // through the editing session with the tree patched as the editor does it, each with the paint of the
 // shown window that follows: Delete of a 10,000-item branch, New Item (with its label edit started),
 // the choice of a link target, Rename, Paste, Duplicate, drops within a window and into another one, Move up, and
-// the Undo of each, which rebuilds the tree, beside a plain Refresh of the same menu.
+// the Undo of each, which brings the tree back, beside a plain Refresh of the same menu.
 // Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs]
 // [find|undo] ("find": the find bar's tables alone; "undo": the editing tables of 32,767-item menus
 // alone, with rename and paste).
@@ -615,7 +615,7 @@ int main(int argc, char* argv[])
     out << "Median of " << runs
         << " runs, milliseconds. Links formed on opening; the branch of E0 holds\n"
            "10,000 items. Each time includes the undo snapshot and the paint that follows; undo: the\n"
-           "Undo of the operation before it, which rebuilds the tree.\n\n";
+           "Undo of the operation before it, which brings the tree back.\n\n";
     try {
         if (findOnly) {
             benchFindBar(out, runs);
