@@ -1,10 +1,11 @@
 // Times the editing operations of an editor window on the largest menus a menu file can hold,
 // through the editing session with the tree patched as the editor does it, each with the paint of the
 // shown window that follows: Delete of a 10,000-item branch, New Item (with its label edit started),
-// the choice of a link target, Duplicate, drops within a window and into another one, Move up, and
-// the Undo of each, which rebuilds the tree, beside a plain Refresh of the same menu.
-// Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs] [find]
-// ("find": the find bar's tables alone).
+// the choice of a link target, Rename, Paste, Duplicate, drops within a window and into another one, Move up, and
+// the Undo of each, which brings the tree back, beside a plain Refresh of the same menu.
+// Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs]
+// [find|undo] ("find": the find bar's tables alone; "undo": the editing tables of 32,767-item menus
+// alone, with rename and paste).
 
 #include "benchtiming.h"
 #include "menugenerator.h"
@@ -244,6 +245,61 @@ void benchTreeEditing(QTextStream& out, int runs)
         out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(refresh) << cell(deleted.operation)
             << cell(deleted.undo) << cell(created.operation) << cell(created.undo) << cell(linked.operation)
             << cell(linked.undo) << "\n";
+        out.flush();
+    }
+}
+
+/// Rename of an item through its label editor and Paste of one item's record over another, on
+/// 32,767-item menus, each with its Undo: edits that change no node's place.
+void benchRenameAndPaste(QTextStream& out, int runs)
+{
+    printHeader(out,
+                { QStringLiteral("shape"), QStringLiteral("rename"), QStringLiteral("undo"), QStringLiteral("paste"),
+                  QStringLiteral("undo") });
+    for (const MenuShape shape : MenuGenerator::allShapes()) {
+        MenuGenerator::Options generatorOptions;
+        generatorOptions.shape = shape;
+        BenchWindow bench(generatorOptions);
+        EditingSession& session = bench.window->session();
+        ItemTree* tree = bench.tree();
+        const auto undo = [&bench] { bench.undo(); };
+        // Nodes in the middle of the tree: the last node's number does not fit the node index.
+        const QString renamed = tree->keyOf(tree->node(tree->nodeCount() / 2));
+        const QString copied = tree->keyOf(tree->node(tree->nodeCount() / 2 + 1));
+
+        const Timing rename = timeWithUndo(
+            runs,
+            [&bench, &session, &renamed] {
+                bench.select(renamed);
+                session.run(EditOperations::rename);
+                paint();
+            },
+            [tree] {
+                if (QLineEdit* labelEditor = tree->viewport()->findChild<QLineEdit*>()) {
+                    labelEditor->setText(QStringLiteral("Renamed"));
+                    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+                    QCoreApplication::sendEvent(labelEditor, &enter);
+                }
+                paint();
+            },
+            undo);
+
+        const Timing pasted = timeWithUndo(
+            runs,
+            [&bench, &session, &renamed, &copied] {
+                bench.select(copied);
+                session.run(EditOperations::copy);
+                bench.select(renamed);
+            },
+            [&session] {
+                session.run(EditOperations::paste);
+                paint();
+            },
+            undo);
+
+        bench.checkNothingWasSaid();
+        out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(rename.operation) << cell(rename.undo)
+            << cell(pasted.operation) << cell(pasted.undo) << "\n";
         out.flush();
     }
 }
@@ -554,12 +610,13 @@ int main(int argc, char* argv[])
     const QStringList arguments = QCoreApplication::arguments();
     const int runs = arguments.size() > 1 ? std::max(1, arguments.at(1).toInt()) : 5;
     const bool findOnly = arguments.size() > 2 && arguments.at(2) == QLatin1String("find");
+    const bool undoOnly = arguments.size() > 2 && arguments.at(2) == QLatin1String("undo");
 
     QTextStream out(stdout);
     out << "Median of " << runs
         << " runs, milliseconds. Links formed on opening; the branch of E0 holds\n"
            "10,000 items. Each time includes the undo snapshot and the paint that follows; undo: the\n"
-           "Undo of the operation before it, which rebuilds the tree.\n\n";
+           "Undo of the operation before it, which brings the tree back.\n\n";
     try {
         if (findOnly) {
             benchFindBar(out, runs);
@@ -569,6 +626,12 @@ int main(int argc, char* argv[])
                "its open label editor, in the menu less two leaves (a full one has no room); link: the\n"
                "click that chooses a link target.\n";
         benchTreeEditing(out, runs);
+        out << "\n32,767 items. rename: a caption typed in the label editor and confirmed; paste: Paste of\n"
+               "another item's record over the selected one.\n";
+        benchRenameAndPaste(out, runs);
+        if (undoOnly) {
+            return 0;
+        }
         out << "\n20,000 items. duplicate: Duplicate of the branch; drop move: a left-button drop of the\n"
                "branch on the last top-level item; drop copy: a right-button drop copying it into a\n"
                "second window.\n";

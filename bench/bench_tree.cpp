@@ -1,11 +1,13 @@
 // Times the item tree of an editor window on the largest menus a menu file can hold: the plan of a
-// rebuild, the rebuild of the tree control itself and its recolouring. Run by hand on a release
+// rebuild, the rebuild of the tree control itself, its recolouring and the sync that Undo of a
+// rename makes, trusting the shape of the last sync or comparing every node. Run by hand on a release
 // build (QT_QPA_PLATFORM=offscreen works): kelvbench_tree [runs]
 
 #include "benchtiming.h"
 #include "menugenerator.h"
 
 #include "app/itemtree.h"
+#include "app/itemtreemodel.h"
 #include "editing/copylinks.h"
 #include "model/runtimeerror.h"
 #include "treeview/treeplan.h"
@@ -61,10 +63,13 @@ int main(int argc, char* argv[])
     out << "Median of " << runs << " runs, milliseconds. 32,767 items, copy-command links formed.\n";
     out << "plan 0 / plan 1: planTree with hide mode 0 / 1; generate: ItemTree::generate (clearing the\n"
            "previous tree, building, expanding and styling); +layout: generate and the view's layout and\n"
-           "paint of the shown window; colorize: ItemTree::colorize; clear: ItemTree::clearNodes.\n\n";
+           "paint of the shown window; colorize: ItemTree::colorize; clear: ItemTree::clearNodes;\n"
+           "sync: ItemTree::syncTo between the menu and the menu with one item renamed, which share\n"
+           "their other items, as Undo and Redo of a rename; full sync: the same, every node compared.\n\n";
     const QStringList headers { QStringLiteral("shape"),    QStringLiteral("nodes"),    QStringLiteral("plan 0"),
                                 QStringLiteral("plan 1"),   QStringLiteral("generate"), QStringLiteral("+layout"),
-                                QStringLiteral("colorize"), QStringLiteral("clear") };
+                                QStringLiteral("colorize"), QStringLiteral("clear"),    QStringLiteral("sync"),
+                                QStringLiteral("full sync") };
     for (const QString& header : headers) {
         out << header.rightJustified(11);
     }
@@ -104,6 +109,23 @@ int main(int argc, char* argv[])
             const double clear = medianMilliseconds(
                 runs, [&tree] { tree.generate(); }, [&tree] { tree.clearNodes(); });
 
+            // Undo and Redo of a rename, in turn.
+            tree.generate();
+            const MenuDocument original = document;
+            MenuDocument renamed = document;
+            renamed.items[renamed.items.size() / 2].caption = QStringLiteral("Renamed");
+            bool isRenamed = false;
+            const auto flip = [&tree, &document, &original, &renamed, &isRenamed] {
+                isRenamed = !isRenamed;
+                document = isRenamed ? renamed : original;
+                tree.syncTo(isRenamed ? &original : &renamed);
+            };
+            const double sync = medianMilliseconds(
+                runs, [] {}, flip);
+            const double fullSync = medianMilliseconds(
+                runs, [&tree] { tree.treeModel()->nodes().forgetSyncedShape(); }, flip);
+            document = original;
+
             tree.show();
             const double shown = medianMilliseconds(
                 runs, [] {},
@@ -114,7 +136,8 @@ int main(int argc, char* argv[])
             tree.hide();
 
             out << row.name.rightJustified(11) << QString::number(planned + 1).rightJustified(11) << cell(plan0)
-                << cell(plan1) << cell(generate) << cell(shown) << cell(colorize) << cell(clear) << "\n";
+                << cell(plan1) << cell(generate) << cell(shown) << cell(colorize) << cell(clear) << cell(sync)
+                << cell(fullSync) << "\n";
             out.flush();
         }
     } catch (const RunTimeError& error) {

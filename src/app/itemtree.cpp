@@ -3,6 +3,7 @@
 #include "app/itemtreemodel.h"
 #include "app/paintingsuspended.h"
 #include "app/plaintooltip.h"
+#include "app/shapechange.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
 
@@ -19,32 +20,12 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QScopeGuard>
 #include <QSignalBlocker>
 #include <QTimer>
 #include <QToolTip>
 
 #include <utility>
-
-namespace {
-
-/// Counts a change of the tree's shape for the length of a scope.
-class ShapeChange
-{
-public:
-    explicit ShapeChange(int& depth)
-        : m_depth(depth)
-    {
-        ++m_depth;
-    }
-    ~ShapeChange() { --m_depth; }
-    ShapeChange(const ShapeChange&) = delete;
-    ShapeChange& operator=(const ShapeChange&) = delete;
-
-private:
-    int& m_depth;
-};
-
-} // namespace
 
 ItemTree::ItemTree(QWidget* parent)
     : QTreeView(parent)
@@ -308,8 +289,32 @@ void ItemTree::generate()
 void ItemTree::syncTo(const MenuDocument* before)
 {
     const PaintingSuspended suspended(this, updatesEnabled());
-    std::vector<TreeNode*> toExpand;
-    withExpandedStateAside([this, before, &toExpand] { toExpand = m_model->nodes().syncTo(document(), before); });
+    const ShapeChange changing(m_shapeChanges);
+    // Undoing a rename or a link choice changes no row, and undoing a Delete inserts one branch:
+    // the expanded state is set aside (see withExpandedStateAside) only once rows are about to leave
+    // or move, or once insertions grow many, as each insertion among rows visits every expanded node.
+    bool setAside = false;
+    int insertions = 0;
+    m_model->setBeforeShapeChange([this, &setAside, &insertions](bool rowsLeave) {
+        constexpr int insertionsInPlace = 8;
+        if (!setAside && (rowsLeave || ++insertions > insertionsInPlace)) {
+            setAside = true;
+            const QSignalBlocker noCollapseSignals(this);
+            collapseAll();
+        }
+    });
+    const auto hearNothingMore = qScopeGuard([this] { m_model->setBeforeShapeChange({}); });
+    std::vector<TreeNode*> toCollapse;
+    const std::vector<TreeNode*> toExpand = m_model->nodes().syncTo(document(), before, &toCollapse);
+    if (setAside) {
+        expandMarkedNodes();
+    } else {
+        // The view kept its expanded nodes; those whose mark the tree took back are closed too.
+        const QSignalBlocker noCollapseSignals(this);
+        for (const TreeNode* node : toCollapse) {
+            collapse(m_model->indexOf(node));
+        }
+    }
     forgetGoneNodes();
     expandNodes(toExpand);
 }

@@ -197,6 +197,9 @@ Qt::ItemFlags ItemTreeModel::flags(const QModelIndex& index) const
 
 void ItemTreeModel::nodesAboutToBeInserted(const TreeNode* parent, int first, int last)
 {
+    if (m_beforeShapeChange) {
+        m_beforeShapeChange(false);
+    }
     beginInsertRows(indexOf(parent), first, last);
 }
 
@@ -207,6 +210,9 @@ void ItemTreeModel::nodesInserted()
 
 void ItemTreeModel::nodesAboutToBeRemoved(const TreeNode* parent, int first, int last)
 {
+    if (m_beforeShapeChange) {
+        m_beforeShapeChange(true);
+    }
     beginRemoveRows(indexOf(parent), first, last);
 }
 
@@ -217,6 +223,9 @@ void ItemTreeModel::nodesRemoved()
 
 void ItemTreeModel::nodeAboutToBeMoved(const TreeNode* parent, int row, const TreeNode* newParent, int newRow)
 {
+    if (m_beforeShapeChange) {
+        m_beforeShapeChange(true);
+    }
     // An item model counts the destination among the rows as they are before the move.
     const int destination = parent == newParent && newRow > row ? newRow + 1 : newRow;
     beginMoveRows(indexOf(parent), row, row, indexOf(newParent), destination);

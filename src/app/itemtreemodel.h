@@ -47,6 +47,11 @@ public:
     QString highlightedKey() const { return m_highlightedKey; }
     void setHighlightBrush(const QBrush& brush) { m_highlightBrush = brush; }
 
+    /// Heard just before rows are inserted (`rowsLeave` false), or removed or moved (true), so that
+    /// the view can set its expanded state aside only when a change is costly with it in place. An
+    /// empty function (the default) hears nothing.
+    void setBeforeShapeChange(std::function<void(bool rowsLeave)> hook) { m_beforeShapeChange = std::move(hook); }
+
     QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex& child) const override;
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -73,4 +78,5 @@ private:
     QFont m_boldFont;
     QString m_highlightedKey;
     QBrush m_highlightBrush;
+    std::function<void(bool)> m_beforeShapeChange;
 };

@@ -1,5 +1,6 @@
 #include "nodetree.h"
 
+#include "hidemode.h"
 #include "model/menudocument.h"
 #include "nodetreeobserver.h"
 #include "treeplan.h"
@@ -196,6 +197,7 @@ void NodeTree::setOwnText(TreeNode* node, bool own, const QString& text)
 
 void NodeTree::registerNode(TreeNode* node)
 {
+    m_shapeSynced = false;
     node->ordinal = int(m_nodes.size());
     m_nodes.push_back(node);
     m_byKey.insert(node->key, node);
@@ -203,6 +205,7 @@ void NodeTree::registerNode(TreeNode* node)
 
 void NodeTree::attach(TreeNode* node, TreeNode* parent, int row)
 {
+    m_shapeSynced = false;
     node->parent = parent;
     parent->children.insert(parent->children.begin() + row, node);
     for (size_t r = size_t(row); r < parent->children.size(); ++r) {
@@ -212,6 +215,7 @@ void NodeTree::attach(TreeNode* node, TreeNode* parent, int row)
 
 void NodeTree::detach(TreeNode* node)
 {
+    m_shapeSynced = false;
     TreeNode* parent = node->parent;
     parent->children.erase(parent->children.begin() + node->row);
     for (size_t r = size_t(node->row); r < parent->children.size(); ++r) {
@@ -229,6 +233,10 @@ void NodeTree::renumber()
 
 void NodeTree::deleteAll()
 {
+    m_shapeSynced = false;
+    m_syncedItems.clear();
+    m_syncedOtherKeys.clear();
+    m_syncedItemOf.clear();
     m_nodes.clear();
     m_byKey.clear();
     m_ownTexts.clear();
@@ -282,12 +290,14 @@ void NodeTree::generate(const MenuDocument& document)
         node->expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
     }
     m_itemIndexFresh = false;
+    rememberSyncedShape(document);
     if (m_observer != nullptr) {
         m_observer->treeReset();
     }
 }
 
-std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const MenuDocument* before)
+std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const MenuDocument* before,
+                                        std::vector<TreeNode*>* unmarked)
 {
     if (root() == nullptr) {
         generate(document);
@@ -298,6 +308,9 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
             }
         }
         return expanded;
+    }
+    if (before != nullptr && before->items.size() == document.items.size() && keepsSyncedShape(document)) {
+        return refreshInPlace(document, *before, unmarked);
     }
     documentChanged();
     const auto& items = document.items;
@@ -433,12 +446,7 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         }
     }
     std::vector<TreeNode*> changed;
-    std::vector<TreeNode*> expandNow;
-    if (textOf(rootNode, document) != plainRootText() || rootNode->style != NodeStyle::forRoot()) {
-        setOwnText(rootNode, true, plainRootText());
-        rootNode->style = NodeStyle::forRoot();
-        changed.push_back(rootNode);
-    }
+    restoreRoot(document, changed);
     m_nodes.clear();
     m_nodes.push_back(rootNode);
     for (size_t t = 0; t < targets.size(); ++t) {
@@ -468,6 +476,25 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         }
     }
     renumber();
+    std::vector<TreeNode*> expandNow = settleMarks(unmarked);
+    rememberSyncedShape(document);
+    announceChanged(changed);
+    return expandNow;
+}
+
+void NodeTree::restoreRoot(const MenuDocument& document, std::vector<TreeNode*>& changed)
+{
+    TreeNode* rootNode = root();
+    if (textOf(rootNode, document) != plainRootText() || rootNode->style != NodeStyle::forRoot()) {
+        setOwnText(rootNode, true, plainRootText());
+        rootNode->style = NodeStyle::forRoot();
+        changed.push_back(rootNode);
+    }
+}
+
+std::vector<TreeNode*> NodeTree::settleMarks(std::vector<TreeNode*>* unmarked)
+{
+    std::vector<TreeNode*> expandNow;
     std::vector<int> depths(m_nodes.size(), 0);
     for (size_t n = 1; n < m_nodes.size(); ++n) {
         depths[n] = depths[size_t(m_nodes[n]->parent->ordinal)] + 1;
@@ -476,9 +503,97 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         const bool expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
         if (expanded && !node->expanded) {
             expandNow.push_back(node);
+        } else if (!expanded && node->expanded && unmarked != nullptr) {
+            unmarked->push_back(node);
         }
         node->expanded = expanded;
     }
+    return expandNow;
+}
+
+void NodeTree::rememberSyncedShape(const MenuDocument& document)
+{
+    const auto& items = document.items;
+    m_syncedItems.resize(size_t(items.size()));
+    m_syncedOtherKeys.clear();
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const MenuItem& item = items.at(i);
+        SyncedItem& synced = m_syncedItems[size_t(i)];
+        synced.keyNumber = KeyMap<int>::numberOf(item.key);
+        if (synced.keyNumber < 0) {
+            m_syncedOtherKeys.insert(int(i), item.key);
+        }
+        synced.parent = item.parent;
+        synced.siblingOrder = item.siblingOrder;
+        synced.childCount = item.childCount;
+        synced.visible = HideMode::isVisible(item, document.hideMode);
+    }
+    m_syncedHideMode = document.hideMode;
+    m_syncedItemOf.resize(m_nodes.size());
+    for (size_t n = 0; n < m_nodes.size(); ++n) {
+        m_syncedItemOf[n] = m_nodes[n]->itemHint;
+    }
+    m_shapeSynced = true;
+}
+
+bool NodeTree::keepsSyncedShape(const MenuDocument& document) const
+{
+    const auto& items = document.items;
+    if (!m_shapeSynced || root() == nullptr || document.hideMode != m_syncedHideMode
+        || size_t(items.size()) != m_syncedItems.size()) {
+        return false;
+    }
+    // The plan reads an item's key, parent, place among its siblings, number of children and
+    // whether the hide mode shows it; where none of these changed, it plans the same nodes.
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const MenuItem& item = items.at(i);
+        const SyncedItem& synced = m_syncedItems[size_t(i)];
+        if (item.parent != synced.parent || item.siblingOrder != synced.siblingOrder
+            || item.childCount != synced.childCount || HideMode::isVisible(item, document.hideMode) != synced.visible) {
+            return false;
+        }
+        const int keyNumber = KeyMap<int>::numberOf(item.key);
+        if (keyNumber != synced.keyNumber || (keyNumber < 0 && m_syncedOtherKeys.value(int(i)) != item.key)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, const MenuDocument& before,
+                                                std::vector<TreeNode*>* unmarked)
+{
+    documentChanged();
+    const auto& items = document.items;
+    // Captions can only differ where the two documents do not share their records.
+    std::vector<char> mayDiffer(size_t(items.size()), 0);
+    for (const ItemRange& range : items.rangesDifferentFrom(before.items)) {
+        std::fill(mayDiffer.begin() + range.begin, mayDiffer.begin() + std::min(range.end, items.size()), 1);
+    }
+    std::vector<TreeNode*> changed;
+    restoreRoot(document, changed);
+    for (size_t n = 1; n < m_nodes.size(); ++n) {
+        TreeNode* node = m_nodes[n];
+        const int item = m_syncedItemOf[n];
+        const MenuItem& shown = items.at(item);
+        // A node that showed a text of its own or another item's caption is repainted, as is one
+        // whose caption changed.
+        bool differs = node->hasOwnText || node->itemHint != item
+            || (mayDiffer[size_t(item)] != 0 && before.items.at(item).caption != shown.caption);
+        node->itemHint = item;
+        if (node->hasOwnText) {
+            setOwnText(node, false);
+        }
+        const NodeStyle style = NodeStyle::forItem(shown);
+        if (style != node->style) {
+            node->style = style;
+            differs = true;
+        }
+        if (differs) {
+            changed.push_back(node);
+        }
+    }
+    std::vector<TreeNode*> expandNow = settleMarks(unmarked);
     announceChanged(changed);
     return expandNow;
 }
@@ -629,6 +744,7 @@ TreeNode* NodeTree::moveAmongSiblings(TreeNode* node, int offset)
     }
     // Two leaves trade what they show and their places in the collection, so that every key keeps
     // its node number and the view lays nothing out again.
+    m_shapeSynced = false;
     std::swap(node->key, other->key);
     std::swap(node->itemHint, other->itemHint);
     std::swap(node->style, other->style);

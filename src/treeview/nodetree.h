@@ -77,10 +77,16 @@ public:
     /// differs: nodes are removed, moved and inserted where the shape differs, and the rest keep
     /// their place, so the view keeps what it laid out. `before`, when given, is the document the
     /// tree showed until now: only nodes whose caption differs from it are repainted. Returns the
-    /// nodes whose expanded mark was set, which the view must expand.
-    std::vector<TreeNode*> syncTo(const MenuDocument& document, const MenuDocument* before = nullptr);
+    /// nodes whose expanded mark was set, which the view must expand; those whose mark was taken
+    /// back are added to `unmarked`, when given.
+    std::vector<TreeNode*> syncTo(const MenuDocument& document, const MenuDocument* before = nullptr,
+                                  std::vector<TreeNode*>* unmarked = nullptr);
     /// Removes every node.
     void clear();
+    /// Makes the next syncTo compare every node with the document, as it does after the tree changed
+    /// shape by other means, instead of trusting that the shape left by the last rebuild or sync
+    /// still stands. Both give the same tree; tests compare them.
+    void forgetSyncedShape() { m_shapeSynced = false; }
 
     /// Adds a node with `key` and `text` as the last child of the node `parentKey`, or as the
     /// root when `parentKey` is empty and the tree is empty. Refused (null) when `parentKey` names no
@@ -132,6 +138,22 @@ private:
     void removeBranch(TreeNode* top, std::vector<TreeNode*>& gone);
     void finishRemovals(std::vector<TreeNode*>& gone);
     void renumber();
+    /// Notes that the tree now has the shape a rebuild makes of `document` (each node's itemHint
+    /// being the item it was made for), so that a later syncTo can tell from the document alone
+    /// whether the shape still holds.
+    void rememberSyncedShape(const MenuDocument& document);
+    /// Whether `document` plans the very nodes the tree was last synced to and no edit has changed
+    /// the tree's shape since: then only what the nodes show can differ.
+    bool keepsSyncedShape(const MenuDocument& document) const;
+    /// syncTo when keepsSyncedShape holds and `before` has as many items as `document`: every node
+    /// stays, and only texts, styles and marks are brought back.
+    std::vector<TreeNode*> refreshInPlace(const MenuDocument& document, const MenuDocument& before,
+                                          std::vector<TreeNode*>* unmarked);
+    /// The root's text and style as a rebuild leaves them; adds the root to `changed` when they differ.
+    void restoreRoot(const MenuDocument& document, std::vector<TreeNode*>& changed);
+    /// Sets every node's expanded mark as a rebuild does (m_nodes in collection order, each parent
+    /// before its children); returns the nodes newly marked and adds those unmarked to `unmarked`.
+    std::vector<TreeNode*> settleMarks(std::vector<TreeNode*>* unmarked);
     /// Emits nodesChanged for `changed`, in runs of siblings.
     void announceChanged(std::vector<TreeNode*>& changed);
     void deleteAll();
@@ -149,4 +171,23 @@ private:
     /// The first item bearing each key, built when a node's remembered position proves wrong.
     mutable KeyMap<int> m_itemIndex;
     mutable bool m_itemIndexFresh = false;
+    /// What the plan read of one item at the last rebuild or sync: the number of its key (see
+    /// KeyMap; -1 for another text, kept in m_syncedOtherKeys), its tree numbers and whether it was
+    /// shown. Kept apart from the document's records, which later edits may write in place.
+    struct SyncedItem
+    {
+        int keyNumber = -1;
+        qint16 parent = -1;
+        qint16 siblingOrder = 0;
+        qint16 childCount = 0;
+        bool visible = false;
+    };
+    /// What the last rebuild or sync made the tree from: the items' shape, the hide mode, and the
+    /// item each node of m_nodes was made for; valid while m_shapeSynced.
+    std::vector<SyncedItem> m_syncedItems;
+    QHash<int, QString> m_syncedOtherKeys;
+    int m_syncedHideMode = 0;
+    std::vector<int> m_syncedItemOf;
+    /// Cleared by every change of shape other than a rebuild or a sync.
+    bool m_shapeSynced = false;
 };

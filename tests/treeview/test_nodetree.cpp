@@ -1,5 +1,6 @@
 #include "testmenus.h"
 
+#include "editing/randommenu.h"
 #include "model/menudocument.h"
 #include "treeview/nodetree.h"
 #include "treeview/nodetreeobserver.h"
@@ -277,6 +278,55 @@ MenuDocument otherMenu(const MenuDocument& document, quint32 seed, QRandomGenera
     return other;
 }
 
+/// The keys of `nodes`, for comparing what two trees ask the view to expand or close.
+QStringList keysOf(const std::vector<TreeNode*>& nodes)
+{
+    QStringList keys;
+    for (const TreeNode* node : nodes) {
+        keys.append(node->key);
+    }
+    return keys;
+}
+
+/// The next state of an editing session over `document`: an edit as the editor makes them (a
+/// rename, new commands, a link switched, now and then a change of shape), or, like Undo, a state
+/// recorded earlier. Edits write into a copy, so that the states share the records they did not
+/// change, as the undo history's do.
+MenuDocument nextState(const MenuDocument& document, const std::vector<MenuDocument>& history, QRandomGenerator& random)
+{
+    if (!history.empty() && random.bounded(4) == 0) {
+        return history.at(size_t(random.bounded(int(history.size()))));
+    }
+    MenuDocument next = document;
+    const int count = int(next.items.size());
+    const int edits = int(random.bounded(1, 4));
+    for (int edit = 0; edit < edits && count > 0; ++edit) {
+        MenuItem& item = next.items[qsizetype(random.bounded(count))];
+        switch (random.bounded(8)) {
+        case 0:
+        case 1:
+        case 2:
+            item.caption = QStringLiteral("Renamed %1").arg(random.bounded(4));
+            break;
+        case 3:
+            item.commands = MenuItem::placeholderCommands();
+            break;
+        case 4:
+            item.commands.append(Command { QStringLiteral("*"), QStringLiteral("edit $fs-001$") });
+            break;
+        case 5:
+            item.copiesCommands = !item.copiesCommands;
+            break;
+        case 6:
+            item.siblingOrder = qint16(1 + random.bounded(3));
+            break;
+        default:
+            break; // an edit that changed nothing the tree shows
+        }
+    }
+    return next;
+}
+
 } // namespace
 
 class TestNodeTree : public QObject
@@ -427,6 +477,54 @@ private Q_SLOTS:
             QCOMPARE(describe(tree, other), describe(fresh, other));
             QCOMPARE(shadow.outline(), outlineOf(tree));
             QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+        }
+    }
+
+    void syncThatKeepsTheShapeEndsAsAFullComparisonWould()
+    {
+        // A sync may trust that the shape its last rebuild or sync left still stands, and compare
+        // only what the nodes show; a tree told to forget that shape compares every node. Both must
+        // end alike, and as a rebuild would, through sequences of states like an undo history's.
+        QRandomGenerator random(19);
+        int made = 0;
+        for (quint32 seed = 1; seed <= 150; ++seed) {
+            // Large menus span several chunks of the item array, so that states share some of them.
+            MenuDocument document = seed % 3 == 0 ? RandomMenu::generate(random, int(random.bounded(300, 1500)))
+                                                  : TestMenus::randomMenu(seed);
+            document.hideMode = int(random.bounded(4));
+            NodeTree trusting;
+            NodeTree comparing;
+            ShadowObserver shadow(trusting);
+            trusting.setObserver(&shadow);
+            trusting.generate(document);
+            comparing.generate(document);
+            std::vector<MenuDocument> history { document };
+            for (int step = 0; step < 12; ++step) {
+                // Now and then the tree is patched between syncs, as the editor's edits do; a change
+                // of its shape makes the next sync compare everything.
+                if (random.bounded(3) == 0) {
+                    QRandomGenerator same = random;
+                    int madeToo = made;
+                    patchAtRandom(trusting, document, random, made);
+                    patchAtRandom(comparing, document, same, madeToo);
+                }
+                const MenuDocument next = nextState(document, history, random);
+                std::vector<TreeNode*> trustingClosed;
+                std::vector<TreeNode*> comparingClosed;
+                const std::vector<TreeNode*> trustingOpened = trusting.syncTo(next, &document, &trustingClosed);
+                comparing.forgetSyncedShape();
+                const std::vector<TreeNode*> comparingOpened = comparing.syncTo(next, &document, &comparingClosed);
+                QCOMPARE(describe(trusting, next), describe(comparing, next));
+                QCOMPARE(keysOf(trustingOpened), keysOf(comparingOpened));
+                QCOMPARE(keysOf(trustingClosed), keysOf(comparingClosed));
+                NodeTree fresh;
+                fresh.generate(next);
+                QCOMPARE(describe(trusting, next), describe(fresh, next));
+                QCOMPARE(shadow.outline(), outlineOf(trusting));
+                QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+                document = next;
+                history.push_back(next);
+            }
         }
     }
 
