@@ -1,8 +1,8 @@
 #include "fileidentity.h"
 
+#include "menufile/contenthash.h"
 #include "menufile/menufilereader.h"
 
-#include <QCryptographicHash>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -133,11 +133,7 @@ FileIdentity FileIdentity::ofDescriptor(int descriptor, QByteArrayView bytes)
 
 QByteArray FileIdentity::hashOf(QByteArrayView bytes)
 {
-    // The same bytes must hash the same in every editor process: an identity kept beside a recovery
-    // copy is checked by the editor that recovers it. Qt's own hash mixes in a seed drawn anew for
-    // each process, so a hash of fixed definition is used; its 128 bits make an accidental match of
-    // different bytes out of the question.
-    return QCryptographicHash::hash(bytes, QCryptographicHash::Md5);
+    return ContentHash::of(bytes);
 }
 
 FileIdentity::Change FileIdentity::changeAt(const QString& path, FileIdentity* current) const
