@@ -579,7 +579,8 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
         // A node that showed a text of its own or another item's caption is repainted, as is one
         // whose caption changed.
         bool differs = node->hasOwnText || node->itemHint != item
-            || (mayDiffer[size_t(item)] != 0 && before.items.at(item).caption != shown.caption);
+            || (mayDiffer[size_t(item)] != 0
+                && (item >= before.items.size() || before.items.at(item).caption != shown.caption));
         node->itemHint = item;
         if (node->hasOwnText) {
             setOwnText(node, false);
