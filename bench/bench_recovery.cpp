@@ -7,6 +7,7 @@
 // included, and the write alone.
 // Run by hand on a release build: kelvbench_recovery [edits]
 
+#include "benchtiming.h"
 #include "menugenerator.h"
 
 #include "core/recoverystore.h"
@@ -14,7 +15,6 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -31,23 +31,9 @@ QString cell(double milliseconds)
     return QString::number(milliseconds, 'f', 2).rightJustified(12);
 }
 
-/// Lets the event loop run for `milliseconds`, as the editor's does between two edits.
-void idle(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-struct Times
-{
-    double median = 0;
-    double worst = 0;
-};
-
 /// `edits` edits of `document`, each timed: with `recorded`, an undo state kept first (15 at most, as
 /// the history keeps them); a caption changed; with a store, the change noted.
-Times timeEdits(MenuDocument& document, RecoveryStore* store, bool recorded, int edits)
+MedianAndWorst timeEdits(MenuDocument& document, RecoveryStore* store, bool recorded, int edits)
 {
     QRandomGenerator random(7);
     QList<MenuDocument> undoStates;
@@ -69,8 +55,7 @@ Times timeEdits(MenuDocument& document, RecoveryStore* store, bool recorded, int
         times.push_back(double(timer.nsecsElapsed()) / 1e6);
         idle(40);
     }
-    std::sort(times.begin(), times.end());
-    return Times { times[times.size() / 2], times.back() };
+    return medianAndWorst(std::move(times));
 }
 
 } // namespace
@@ -118,9 +103,9 @@ int main(int argc, char* argv[])
         double toDisk = 0;
         double writeAlone = 0;
         for (const bool recorded : { false, true }) {
-            const Times withStore = timeEdits(document, &store, recorded, edits);
+            const MedianAndWorst withStore = timeEdits(document, &store, recorded, edits);
             store.waitForWrites();
-            const Times bare = timeEdits(document, nullptr, recorded, edits);
+            const MedianAndWorst bare = timeEdits(document, nullptr, recorded, edits);
 
             if (!recorded) {
                 // The last change of a burst, and the moment its copy is reported on disk.

@@ -11,6 +11,7 @@
 // read and hashed).
 // Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_windowrecovery [edits]
 
+#include "benchtiming.h"
 #include "menugenerator.h"
 #include "silentprompts.h"
 
@@ -28,7 +29,6 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -45,25 +45,6 @@ namespace {
 QString cell(double milliseconds)
 {
     return QString::number(milliseconds, 'f', 3).rightJustified(12);
-}
-
-void idle(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-struct Times
-{
-    double median = 0;
-    double worst = 0;
-};
-
-Times summary(std::vector<double> times)
-{
-    std::sort(times.begin(), times.end());
-    return Times { times[times.size() / 2], times.back() };
 }
 
 double milliseconds(const std::function<void()>& work)
@@ -215,12 +196,12 @@ int main(int argc, char* argv[])
             std::fputs("the window without copies did not come up as meant\n", stderr);
             return 1;
         }
-        const Times without = summary(sessionEdits(bare, bareIndex, edits));
+        const MedianAndWorst without = medianAndWorst(sessionEdits(bare, bareIndex, edits));
         bare.close();
 
-        const Times both = summary(changeAndNote);
-        const Times alone = summary(noteAlone);
-        const Times edited = summary(session);
+        const MedianAndWorst both = medianAndWorst(changeAndNote);
+        const MedianAndWorst alone = medianAndWorst(noteAlone);
+        const MedianAndWorst edited = medianAndWorst(session);
         out << MenuGenerator::shapeName(shape).rightJustified(12) << cell(both.median) << cell(both.worst)
             << cell(alone.median) << cell(alone.worst) << cell(edited.median) << cell(edited.worst)
             << cell(without.median) << cell(without.worst) << cell(toDisk) << cell(checkOld) << cell(checkNew) << "\n";

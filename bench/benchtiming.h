@@ -1,6 +1,10 @@
 #pragma once
 
+#include "model/menudocument.h"
+
 #include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <algorithm>
 #include <vector>
@@ -29,4 +33,34 @@ template <typename Prepare, typename Measured> double medianMilliseconds(int run
 {
     const std::vector<double> times = sortedMilliseconds(runs, prepare, measured);
     return times[times.size() / 2];
+}
+
+/// The median and the slowest of a series of times, in milliseconds.
+struct MedianAndWorst
+{
+    double median = 0;
+    double worst = 0;
+};
+
+/// The median and the slowest of `times` (at least one).
+inline MedianAndWorst medianAndWorst(std::vector<double> times)
+{
+    std::sort(times.begin(), times.end());
+    return MedianAndWorst { times[times.size() / 2], times.back() };
+}
+
+/// Lets the event loop run for `milliseconds`, as the editor's does between two edits.
+inline void idle(int milliseconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+/// A copy that shares nothing with `document`, so that timing a change does not include the copy.
+inline MenuDocument detachedCopy(const MenuDocument& document)
+{
+    MenuDocument copy = document;
+    copy.items.detach();
+    return copy;
 }

@@ -20,14 +20,6 @@
 
 namespace {
 
-/// A copy that shares nothing with `document`, so that timing a change does not include the copy.
-MenuDocument detachedCopy(const MenuDocument& document)
-{
-    MenuDocument copy = document;
-    copy.items.detach();
-    return copy;
-}
-
 QString cell(double milliseconds)
 {
     return QString::number(milliseconds, 'f', 1).rightJustified(11);
