@@ -22,7 +22,6 @@
 #include <QMouseEvent>
 #include <QScopeGuard>
 #include <QSignalBlocker>
-#include <QTimer>
 #include <QToolTip>
 
 #include <utility>
@@ -429,9 +428,6 @@ void ItemTree::contextMenuEvent(QContextMenuEvent* event)
     // that a right-button drag can start from the press; the keyboard's is opened by keyPressEvent,
     // and a request the window system makes of the same key is not a second one.
     event->accept();
-    if (event->reason() == QContextMenuEvent::Keyboard && !m_keyboardMenuShown) {
-        requestMenuAtCurrentNode();
-    }
 }
 
 void ItemTree::requestMenuAtCurrentNode()
@@ -448,8 +444,6 @@ void ItemTree::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)) {
         event->accept();
-        m_keyboardMenuShown = true;
-        QTimer::singleShot(0, this, [this] { m_keyboardMenuShown = false; });
         requestMenuAtCurrentNode();
         return;
     }

@@ -189,6 +189,4 @@ private:
     std::function<QString(const QString& key)> m_toolTipSource;
     /// How many changes of the tree's shape are under way.
     int m_shapeChanges = 0;
-    /// Set while the key that opened a context menu is handled.
-    bool m_keyboardMenuShown = false;
 };
