@@ -4,8 +4,9 @@
 // the choice of a link target, Rename, Paste, Duplicate, drops within a window and into another one, Move up, and
 // the Undo of each, which brings the tree back, beside a plain Refresh of the same menu.
 // Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs]
-// [find|undo] ("find": the find bar's tables alone; "undo": the editing tables of 32,767-item menus
-// alone, with rename and paste).
+// [find|undo|all] [flat|deep|mixed] ("find": the find bar's tables alone; "undo": the editing tables of
+// 32,767-item menus alone, with rename and paste; a shape name keeps the tables to that shape, e.g. to
+// profile one).
 
 #include "benchtiming.h"
 #include "menugenerator.h"
@@ -157,6 +158,20 @@ void activate(MainWindow& window, qint16 index)
     window.findChild<QAction*>(QStringLiteral("mnuWindowName") + QString::number(index))->trigger();
 }
 
+/// The shapes the tables cover: all of them, or the one named on the command line.
+QList<MenuShape> benchedShapes()
+{
+    const QStringList arguments = QCoreApplication::arguments();
+    QList<MenuShape> shapes = MenuGenerator::allShapes();
+    if (arguments.size() > 3) {
+        shapes.erase(std::remove_if(
+                         shapes.begin(), shapes.end(),
+                         [&arguments](MenuShape shape) { return MenuGenerator::shapeName(shape) != arguments.at(3); }),
+                     shapes.end());
+    }
+    return shapes;
+}
+
 void printHeader(QTextStream& out, const QStringList& headers)
 {
     for (const QString& header : headers) {
@@ -172,7 +187,7 @@ void benchTreeEditing(QTextStream& out, int runs)
     printHeader(out,
                 { QStringLiteral("shape"), QStringLiteral("refresh"), QStringLiteral("delete"), QStringLiteral("undo"),
                   QStringLiteral("new"), QStringLiteral("undo"), QStringLiteral("link"), QStringLiteral("undo") });
-    for (const MenuShape shape : MenuGenerator::allShapes()) {
+    for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         BenchWindow bench(generatorOptions);
@@ -256,7 +271,7 @@ void benchRenameAndPaste(QTextStream& out, int runs)
     printHeader(out,
                 { QStringLiteral("shape"), QStringLiteral("rename"), QStringLiteral("undo"), QStringLiteral("paste"),
                   QStringLiteral("undo") });
-    for (const MenuShape shape : MenuGenerator::allShapes()) {
+    for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         BenchWindow bench(generatorOptions);
@@ -312,7 +327,7 @@ void benchBranchCopies(QTextStream& out, int runs)
                 { QStringLiteral("shape"), QStringLiteral("refresh"), QStringLiteral("duplicate"),
                   QStringLiteral("undo"), QStringLiteral("drop move"), QStringLiteral("undo"),
                   QStringLiteral("drop copy"), QStringLiteral("undo") });
-    for (const MenuShape shape : MenuGenerator::allShapes()) {
+    for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         generatorOptions.itemCount = 20000;
@@ -396,7 +411,7 @@ void benchMoves(QTextStream& out, int runs)
     printHeader(out,
                 { QStringLiteral("shape"), QStringLiteral("leaf up"), QStringLiteral("leaf down"),
                   QStringLiteral("menu up"), QStringLiteral("menu down") });
-    for (const MenuShape shape : MenuGenerator::allShapes()) {
+    for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         BenchWindow bench(generatorOptions);
@@ -446,7 +461,7 @@ void benchReplace(QTextStream& out, int runs)
                   QStringLiteral("branch"), QStringLiteral("command") });
     const QString find = QStringLiteral("Item 12");
     const QString replacement = QStringLiteral("Entry 12");
-    for (const MenuShape shape : MenuGenerator::allShapes()) {
+    for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         BenchWindow bench(generatorOptions);
@@ -497,7 +512,7 @@ void benchFind(QTextStream& out, int runs)
                 { QStringLiteral("shape"), QStringLiteral("letter"), QStringLiteral("caption"),
                   QStringLiteral("typing"), QStringLiteral("commands"), QStringLiteral("no match"),
                   QStringLiteral("step") });
-    for (const MenuShape shape : MenuGenerator::allShapes()) {
+    for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         BenchWindow bench(generatorOptions);
@@ -553,7 +568,7 @@ void benchFinder(QTextStream& out, int runs)
                 { QStringLiteral("shape"), QStringLiteral("letter"), QStringLiteral("caption"),
                   QStringLiteral("typing"), QStringLiteral("commands"), QStringLiteral("no match"),
                   QStringLiteral("cmd type") });
-    for (const MenuShape shape : MenuGenerator::allShapes()) {
+    for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
         MenuDocument document = MenuGenerator::generate(generatorOptions);

@@ -31,7 +31,20 @@ DiskChangeWatch::DiskChangeWatch(ApplicationState& state, EditingSession& sessio
         check(m_followed);
     };
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, changed);
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, changed);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, [this, changed] {
+        // Every edit writes an autosave file, often into the menu's own folder. While the menu file is
+        // still watched and looks as it did, the change was to another file: a write into the menu
+        // itself reaches the file's own watch, which reads it. A menu saved a moment ago would
+        // otherwise be read and hashed again after every edit.
+        if (m_state.editor(m_followed) != nullptr) {
+            const QString path = m_state.document(m_followed).filePath;
+            if (m_watcher.files().contains(QFileInfo(path).absoluteFilePath())
+                && m_state.fileIdentity(m_followed).sameStatusAt(path)) {
+                return;
+            }
+        }
+        changed();
+    });
 }
 
 QStringList DiskChangeWatch::watchedPaths() const
@@ -117,10 +130,11 @@ void DiskChangeWatch::check(qint16 index)
     FileIdentity current;
     const FileIdentity::Change change = m_state.fileIdentity(index).changeAt(path, &current);
     switch (change) {
-    case FileIdentity::Change::Touched:
-        m_state.setFileIdentity(index, current);
-        Q_FALLTHROUGH();
     case FileIdentity::Change::Unchanged:
+    case FileIdentity::Change::Touched:
+        // Unchanged too: the bytes of a file saved a moment ago are read and hashed on every check
+        // until an identity says they were seen well after the file's time.
+        m_state.setFileIdentity(index, current);
         m_dismissed.erase(index);
         bar->hide();
         return;

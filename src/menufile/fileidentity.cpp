@@ -136,6 +136,13 @@ QByteArray FileIdentity::hashOf(QByteArrayView bytes)
     return ContentHash::of(bytes);
 }
 
+bool FileIdentity::sameStatusAt(const QString& path) const
+{
+    const Status status = statusOfPath(path);
+    return !isNull() && status.exists && status.regularFile && status.size == m_size
+        && status.modifiedNanoseconds == m_modifiedNanoseconds && status.inode == m_inode && status.device == m_device;
+}
+
 FileIdentity::Change FileIdentity::changeAt(const QString& path, FileIdentity* current) const
 {
     const Status status = statusOfPath(path);

@@ -68,6 +68,11 @@ public:
     /// A null identity (no file was known) finds any file at `path` Changed and no file Missing.
     Change changeAt(const QString& path, FileIdentity* current = nullptr) const;
 
+    /// Whether the file at `path` still has this identity's length, time and inode, seen without reading
+    /// it. A change of the bytes made within the tick of the file's clock passes unseen: this tells only
+    /// that the file was neither replaced, removed nor written to since its clock last moved.
+    bool sameStatusAt(const QString& path) const;
+
     /// Two identities are the same file when length, time, inode and hash agree; when either was
     /// taken does not count.
     friend bool operator==(const FileIdentity& left, const FileIdentity& right)

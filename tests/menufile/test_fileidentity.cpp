@@ -148,6 +148,43 @@ private Q_SLOTS:
         QCOMPARE(identity.changeAt(m_path), FileIdentity::Change::Touched);
     }
 
+    void aLookAtTheStatusSeesWritesReplacementsAndRemovalButNotBytesWithinATick()
+    {
+        const FileIdentity identity = identityRead(m_path);
+        QVERIFY(identity.sameStatusAt(m_path));
+        QVERIFY(!FileIdentity().sameStatusAt(m_path));
+
+        // Bytes changed in place with the time put back are beyond a look at the status.
+        {
+            QFile file(m_path);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.write("X") == 1);
+        }
+        setModified(m_path, QDateTime::fromMSecsSinceEpoch(identity.modifiedNanoseconds() / 1000000, Qt::UTC));
+        QVERIFY(identity.sameStatusAt(m_path));
+
+        setModified(m_path, QDateTime::fromMSecsSinceEpoch(identity.modifiedNanoseconds() / 1000000 + 1, Qt::UTC));
+        QVERIFY(!identity.sameStatusAt(m_path));
+
+        writeFile(m_path, m_bytes + "x");
+        const FileIdentity longer = identityRead(m_path);
+        setModified(m_path, QDateTime::fromMSecsSinceEpoch(longer.modifiedNanoseconds() / 1000000, Qt::UTC));
+        QVERIFY(!identity.sameStatusAt(m_path));
+
+        const FileIdentity before = identityRead(m_path);
+        QVERIFY(before.sameStatusAt(m_path));
+        replaceAtomically(m_path, m_bytes + "x");
+        setModified(m_path, QDateTime::fromMSecsSinceEpoch(before.modifiedNanoseconds() / 1000000, Qt::UTC));
+        QVERIFY(!before.sameStatusAt(m_path)); // another inode
+
+        const FileIdentity last = identityRead(m_path);
+        QVERIFY(QFile::remove(m_path));
+        QVERIFY(!last.sameStatusAt(m_path));
+        QVERIFY(QDir().mkdir(m_path));
+        QVERIFY(!last.sameStatusAt(m_path));
+        QVERIFY(QDir().rmdir(m_path));
+    }
+
     void otherBytesAreAChange_data()
     {
         QTest::addColumn<QByteArray>("bytes");
