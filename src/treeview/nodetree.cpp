@@ -235,6 +235,7 @@ void NodeTree::deleteAll()
 {
     m_shapeSynced = false;
     m_syncedItems.clear();
+    m_syncedArray.clear();
     m_syncedOtherKeys.clear();
     m_syncedItemOf.clear();
     m_nodes.clear();
@@ -528,6 +529,7 @@ void NodeTree::rememberSyncedShape(const MenuDocument& document)
         synced.childCount = item.childCount;
         synced.visible = HideMode::isVisible(item, document.hideMode);
     }
+    m_syncedArray = items;
     m_syncedHideMode = document.hideMode;
     m_syncedItemOf.resize(m_nodes.size());
     for (size_t n = 0; n < m_nodes.size(); ++n) {
@@ -544,17 +546,21 @@ bool NodeTree::keepsSyncedShape(const MenuDocument& document) const
         return false;
     }
     // The plan reads an item's key, parent, place among its siblings, number of children and
-    // whether the hide mode shows it; where none of these changed, it plans the same nodes.
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        const MenuItem& item = items.at(i);
-        const SyncedItem& synced = m_syncedItems[size_t(i)];
-        if (item.parent != synced.parent || item.siblingOrder != synced.siblingOrder
-            || item.childCount != synced.childCount || HideMode::isVisible(item, document.hideMode) != synced.visible) {
-            return false;
-        }
-        const int keyNumber = KeyMap<int>::numberOf(item.key);
-        if (keyNumber != synced.keyNumber || (keyNumber < 0 && m_syncedOtherKeys.value(int(i)) != item.key)) {
-            return false;
+    // whether the hide mode shows it; where none of these changed, it plans the same nodes. Only the
+    // records the document no longer shares with the synced ones can have changed.
+    for (const ItemRange& range : items.rangesDifferentFrom(m_syncedArray)) {
+        for (qsizetype i = range.begin; i < std::min(range.end, items.size()); ++i) {
+            const MenuItem& item = items.at(i);
+            const SyncedItem& synced = m_syncedItems[size_t(i)];
+            if (item.parent != synced.parent || item.siblingOrder != synced.siblingOrder
+                || item.childCount != synced.childCount
+                || HideMode::isVisible(item, document.hideMode) != synced.visible) {
+                return false;
+            }
+            const int keyNumber = KeyMap<int>::numberOf(item.key);
+            if (keyNumber != synced.keyNumber || (keyNumber < 0 && m_syncedOtherKeys.value(int(i)) != item.key)) {
+                return false;
+            }
         }
     }
     return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "keymap.h"
+#include "model/menuitemarray.h"
 #include "nodestyle.h"
 #include "treenode.h"
 
@@ -185,6 +186,9 @@ private:
     /// What the last rebuild or sync made the tree from: the items' shape, the hide mode, and the
     /// item each node of m_nodes was made for; valid while m_shapeSynced.
     std::vector<SyncedItem> m_syncedItems;
+    /// The very records m_syncedItems was taken from: where the document still shares them, their
+    /// shape is the synced one without looking (an edit writes into a copy of its own).
+    MenuItemArray m_syncedArray;
     QHash<int, QString> m_syncedOtherKeys;
     int m_syncedHideMode = 0;
     std::vector<int> m_syncedItemOf;
