@@ -191,7 +191,7 @@ void EditorWindow::generateTree()
     {
         FlagScope selecting(m_selectingNode);
         m_shownByMove.clear();
-        m_lstMenu->generate();
+        m_lstMenu->regenerate();
     }
     showFirstItem();
 }

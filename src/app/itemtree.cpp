@@ -21,6 +21,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QToolTip>
 
@@ -71,26 +72,6 @@ const MenuDocument& ItemTree::document() const
 TreeNode* ItemTree::treeNode(const QModelIndex& index) const
 {
     return m_model->nodeOf(index);
-}
-
-int ItemTree::nodeCount() const
-{
-    return m_model->nodes().nodeCount();
-}
-
-QModelIndex ItemTree::node(int index) const
-{
-    return m_model->indexOf(m_model->nodes().node(index));
-}
-
-int ItemTree::indexOfNode(const QModelIndex& node) const
-{
-    return NodeTree::indexOf(treeNode(node));
-}
-
-QModelIndex ItemTree::nodeByKey(const QString& key) const
-{
-    return m_model->indexOf(m_model->nodes().nodeByKey(key));
 }
 
 QString ItemTree::keyOf(const QModelIndex& node) const
@@ -283,6 +264,29 @@ void ItemTree::generate()
         m_model->nodes().generate(document());
     }
     expandMarkedNodes();
+}
+
+void ItemTree::regenerate()
+{
+    const NodeTree& tree = m_model->nodes();
+    if (tree.root() == nullptr || tree.shownHideMode() != document().hideMode || !m_editingKey.isEmpty()) {
+        generate();
+        return;
+    }
+    {
+        // As after a rebuild: painting on at the end, nothing pressed, highlighted or selected, the
+        // view at its left edge (the first item is shown afterwards, which brings it to the top).
+        const PaintingSuspended suspended(this, true);
+        m_labelCommitted = false;
+        m_pressKey.clear();
+        m_model->setHighlightedKey(QString());
+        selectionModel()->reset(); // no current node and no selection, without a word, as a rebuild
+        syncTo(&document());
+        horizontalScrollBar()->setValue(0);
+    }
+    // The document is its own "before" above: texts that changed without a change of shape (a
+    // Replace) are not told apart, so every row is painted again.
+    viewport()->update();
 }
 
 void ItemTree::syncTo(const MenuDocument* before)

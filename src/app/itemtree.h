@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/itemtreemodel.h"
 #include "treeview/nodestyle.h"
 #include "treeview/nodetree.h"
 
@@ -12,7 +13,6 @@
 #include <functional>
 #include <vector>
 
-class ItemTreeModel;
 struct MenuDocument;
 
 /// The item tree `lstMenu` of an editor window: a view over an ItemTreeModel of the window's
@@ -38,13 +38,13 @@ public:
     ItemTreeModel* treeModel() const { return m_model; }
 
     /// Number of nodes, the root included.
-    int nodeCount() const;
+    int nodeCount() const { return m_model->nodes().nodeCount(); }
     /// Node `index` (1-based, in the order added); invalid outside 1 .. nodeCount().
-    QModelIndex node(int index) const;
+    QModelIndex node(int index) const { return m_model->indexOf(m_model->nodes().node(index)); }
     /// The 1-based index of `node`; 0 when it is not a node of this tree.
-    int indexOfNode(const QModelIndex& node) const;
+    int indexOfNode(const QModelIndex& node) const { return NodeTree::indexOf(treeNode(node)); }
     /// The node bearing `key`; invalid when none does.
-    QModelIndex nodeByKey(const QString& key) const;
+    QModelIndex nodeByKey(const QString& key) const { return m_model->indexOf(m_model->nodes().nodeByKey(key)); }
     /// The key of `node`; empty when it is not a node of this tree.
     QString keyOf(const QModelIndex& node) const;
     /// The text `node` shows.
@@ -87,6 +87,12 @@ public:
     /// afterwards and the root's final text (showRootText) are left to the editor window, which shows
     /// the first item while the root still reads "KELV".
     void generate();
+    /// Shows what generate would show for the document, with the rows the view holds kept where
+    /// the document keeps them: a Refresh, or a Replace that changed only texts, then lays out and
+    /// remembers nothing anew, where a rebuild of a 32,767-item menu makes the view lay out every
+    /// row again. Rebuilds instead while the tree is empty, shows another hide mode or has a label
+    /// being edited.
+    void regenerate();
     /// Brings the tree to exactly what generate would show for the document, changing only what
     /// differs from what it shows now: the rows that differ are inserted, removed or moved, and
     /// every node gets its caption and style back. `before` is the document shown until now, when

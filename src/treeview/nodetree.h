@@ -88,6 +88,8 @@ public:
     /// shape by other means, instead of trusting that the shape left by the last rebuild or sync
     /// still stands. Both give the same tree; tests compare them.
     void forgetSyncedShape() { m_shapeSynced = false; }
+    /// The hide mode the tree was last rebuilt or synced for.
+    int shownHideMode() const { return m_syncedHideMode; }
 
     /// Adds a node with `key` and `text` as the last child of the node `parentKey`, or as the
     /// root when `parentKey` is empty and the tree is empty. Refused (null) when `parentKey` names no

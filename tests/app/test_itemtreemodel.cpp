@@ -13,6 +13,7 @@
 #include "editing/itemmoving.h"
 #include "editing/linkediting.h"
 #include "editing/subtreecopy.h"
+#include "editing/textreplacement.h"
 #include "editing/treedisplay.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
@@ -286,6 +287,68 @@ private Q_SLOTS:
             }
             // Error reports would show in message boxes: the random edits may well be refused, but on a
             // well-formed menu nothing may fail.
+            for (const MessageRequest& message : sandbox.prompts().messages) {
+                QVERIFY2(message.icon != MessageRequest::Icon::Critical, qPrintable(message.text));
+            }
+        }
+    }
+
+    void refreshAndReplaceShowWhatARebuildShows()
+    {
+        // Refresh and Replace reach what a rebuild shows by changing only what differs: after edits,
+        // nodes the user shut, a label edit left open or a node the pointer pressed, the view must
+        // still end exactly as a rebuild leaves it, with the first item current and nothing else.
+        QRandomGenerator random(20261125);
+        const QStringList texts { QStringLiteral("e"), QStringLiteral("Item"), QStringLiteral("1") };
+        for (quint32 seed = 1; seed <= 25; ++seed) {
+            GuiSandbox sandbox;
+            MainWindow& window = sandbox.window();
+            window.mnuNew_Click();
+            const qint16 index = window.activeDocumentIndex();
+            MenuDocument& menu = window.state().document(index);
+            const MenuDocument generated = RandomMenu::generate(random, int(random.bounded(2, 40)));
+            menu.items = generated.items;
+            menu.lastIndex = generated.lastIndex;
+            window.regenerateTree(index);
+            ItemTree* tree = window.editor(index)->tree();
+            QAbstractItemModelTester tester(tree->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+            for (int step = 0; step < 30; ++step) {
+                const int choice = int(random.bounded(10));
+                if (choice < 4) {
+                    runRandomOperation(random, sandbox, index);
+                    continue;
+                }
+                if (choice < 6 && tree->nodeCount() > 1) {
+                    const QModelIndex node = tree->node(1 + int(random.bounded(tree->nodeCount())));
+                    if (random.bounded(2) == 0) {
+                        tree->collapse(node); // as the user shuts it
+                    } else {
+                        tree->setCurrentIndex(node);
+                        tree->selectionModel()->select(tree->node(1), QItemSelectionModel::Select);
+                    }
+                    continue;
+                }
+                if (choice < 8) {
+                    window.session().run(index, EditOperations::refreshList, EditArguments());
+                } else {
+                    EditArguments arguments;
+                    arguments.text = texts.at(int(random.bounded(int(texts.size()))));
+                    arguments.replacement = random.bounded(2) == 0 ? QStringLiteral("E") : QStringLiteral("Entry");
+                    arguments.checked = true;
+                    window.session().run(index, EditOperations::replace, arguments);
+                }
+                const MenuDocument& document = window.state().document(index);
+                QVERIFY2(shapeProblem(*tree).isEmpty(), qPrintable(shapeProblem(*tree)));
+                QCOMPARE(shown(*tree), rebuilt(document));
+                QVERIFY2(expandedStateProblem(*tree).isEmpty(), qPrintable(expandedStateProblem(*tree)));
+                if (tree->nodeCount() > 1) {
+                    QCOMPARE(tree->currentIndex(), tree->node(2));
+                    QCOMPARE(tree->selectionModel()->selectedIndexes(), QModelIndexList { tree->node(2) });
+                } else {
+                    QVERIFY(!tree->currentIndex().isValid());
+                    QVERIFY(tree->selectionModel()->selectedIndexes().isEmpty());
+                }
+            }
             for (const MessageRequest& message : sandbox.prompts().messages) {
                 QVERIFY2(message.icon != MessageRequest::Icon::Critical, qPrintable(message.text));
             }
