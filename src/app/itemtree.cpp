@@ -49,6 +49,8 @@ ItemTree::ItemTree(QWidget* parent)
     resetIndentation();
     setRootIsDecorated(true);
     updateFonts();
+    m_model->setBeforeRemoval(
+        [this](const TreeNode* above, int first, int last) { forgetExpandedBranches(above, first, last); });
     connect(this, &QTreeView::collapsed, this, &ItemTree::onCollapsed);
     connect(this, &QTreeView::expanded, this, &ItemTree::onExpanded);
 }
@@ -57,21 +59,6 @@ ItemTree::~ItemTree()
 {
     // What the view signals while it goes must not reach the window any more.
     disconnect(this, nullptr, nullptr, nullptr);
-}
-
-void ItemTree::setDocumentSource(std::function<const MenuDocument&()> source)
-{
-    m_model->setDocumentSource(std::move(source));
-}
-
-const MenuDocument& ItemTree::document() const
-{
-    return m_model->document();
-}
-
-TreeNode* ItemTree::treeNode(const QModelIndex& index) const
-{
-    return m_model->nodeOf(index);
 }
 
 QString ItemTree::keyOf(const QModelIndex& node) const
@@ -131,7 +118,10 @@ void ItemTree::removeNode(const QModelIndex& node)
         clearNodes(); // the root goes with everything
         return;
     }
-    withExpandedStateAside([this, found] { m_model->nodes().removeNode(found); });
+    {
+        const ShapeChange changing(m_shapeChanges);
+        m_model->nodes().removeNode(found);
+    }
     forgetGoneNodes();
 }
 
@@ -227,10 +217,22 @@ void ItemTree::expandMarkedNodes()
     expandNodes(marked);
 }
 
+void ItemTree::forgetExpandedBranches(const TreeNode* parent, int first, int last)
+{
+    // The view cleans its memory of expanded nodes only after rows were removed as such; nodes that
+    // leave with a change of layout would stay in it, and every later layout would wade through them.
+    // With a layout pending (it follows the change anyway), shutting a node only strikes it from there.
+    const QSignalBlocker noCollapseSignals(this);
+    scheduleDelayedItemsLayout();
+    for (const TreeNode* node : NodeTree::submenusIn(parent, first, last)) {
+        collapse(m_model->indexOf(node));
+    }
+}
+
 void ItemTree::withExpandedStateAside(const std::function<void()>& change)
 {
     const ShapeChange changing(m_shapeChanges);
-    // The view remembers every expanded node, and removing or moving rows makes the model walk from
+    // The view remembers every expanded node, and moving rows makes the model walk from
     // each remembered node up to the top: on a menu thousands of levels deep that costs far more than
     // the change itself, even for a single leaf. So the expanded state is set aside for the change and
     // given back afterwards, and the view lays the tree out once. The nodes keep their marks, as it is
@@ -294,8 +296,8 @@ void ItemTree::syncTo(const MenuDocument* before)
     const PaintingSuspended suspended(this, updatesEnabled());
     const ShapeChange changing(m_shapeChanges);
     // Undoing a rename or a link choice changes no row, and undoing a Delete inserts one branch:
-    // the expanded state is set aside (see withExpandedStateAside) only once rows are about to leave
-    // or move, or once insertions grow many, as each insertion among rows visits every expanded node.
+    // the expanded state is set aside (see withExpandedStateAside) only once rows are about to move,
+    // or once insertions grow many, as each insertion among rows visits every expanded node.
     bool setAside = false;
     int insertions = 0;
     m_model->setBeforeShapeChange([this, &setAside, &insertions](bool rowsLeave) {

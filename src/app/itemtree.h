@@ -11,6 +11,7 @@
 #include <QTreeView>
 
 #include <functional>
+#include <utility>
 #include <vector>
 
 struct MenuDocument;
@@ -34,7 +35,10 @@ public:
     ~ItemTree() override;
 
     /// Where the document shown comes from (asked each time, since undoing replaces it).
-    void setDocumentSource(std::function<const MenuDocument&()> source);
+    void setDocumentSource(std::function<const MenuDocument&()> source)
+    {
+        m_model->setDocumentSource(std::move(source));
+    }
     ItemTreeModel* treeModel() const { return m_model; }
 
     /// Number of nodes, the root included.
@@ -165,10 +169,13 @@ protected:
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
 
 private:
-    const MenuDocument& document() const;
-    TreeNode* treeNode(const QModelIndex& index) const;
+    const MenuDocument& document() const { return m_model->document(); }
+    TreeNode* treeNode(const QModelIndex& index) const { return m_model->nodeOf(index); }
     void onCollapsed(const QModelIndex& index);
     void onExpanded(const QModelIndex& index);
+    /// Lets the view forget the expanded nodes among children `first` .. `last` of `parent` and their
+    /// branches, which are about to go.
+    void forgetExpandedBranches(const TreeNode* parent, int first, int last);
     /// Expands `nodes` in the view; the view lays the tree out once, afterwards.
     void expandNodes(const std::vector<TreeNode*>& nodes);
     /// Expands every node marked expanded (after the view forgot them).

@@ -210,15 +210,32 @@ void ItemTreeModel::nodesInserted()
 
 void ItemTreeModel::nodesAboutToBeRemoved(const TreeNode* parent, int first, int last)
 {
-    if (m_beforeShapeChange) {
-        m_beforeShapeChange(true);
+    if (m_beforeRemoval) {
+        m_beforeRemoval(parent, first, last);
     }
-    beginRemoveRows(indexOf(parent), first, last);
+    // Rows leave as a change of layout, not as a removal of rows: before a removal the item model
+    // walks from every persistent index (the view keeps one per expanded node) up to the top to
+    // find those below the rows that go, which on a menu thousands of levels deep costs far more
+    // than the change itself, even for a single leaf. Here only the indexes that change are told,
+    // and a node knows whether it went. The view lays its rows out again either way.
+    Q_EMIT layoutAboutToBeChanged();
 }
 
 void ItemTreeModel::nodesRemoved()
 {
-    endRemoveRows();
+    QModelIndexList from;
+    QModelIndexList to;
+    const QModelIndexList persistent = persistentIndexList();
+    for (const QModelIndex& index : persistent) {
+        const TreeNode* node = nodeOf(index);
+        const QModelIndex now = node == nullptr || node->ordinal < 0 ? QModelIndex() : indexOf(node);
+        if (now != index) {
+            from.append(index);
+            to.append(now);
+        }
+    }
+    changePersistentIndexList(from, to);
+    Q_EMIT layoutChanged();
 }
 
 void ItemTreeModel::nodeAboutToBeMoved(const TreeNode* parent, int row, const TreeNode* newParent, int newRow)

@@ -47,10 +47,16 @@ public:
     QString highlightedKey() const { return m_highlightedKey; }
     void setHighlightBrush(const QBrush& brush) { m_highlightBrush = brush; }
 
-    /// Heard just before rows are inserted (`rowsLeave` false), or removed or moved (true), so that
+    /// Heard just before rows are inserted (`rowsLeave` false), or moved (true), so that
     /// the view can set its expanded state aside only when a change is costly with it in place. An
     /// empty function (the default) hears nothing.
     void setBeforeShapeChange(std::function<void(bool rowsLeave)> hook) { m_beforeShapeChange = std::move(hook); }
+    /// Heard just before children `first` .. `last` of `parent` go with their branches, while the
+    /// view can still be told to forget what it remembers of them.
+    void setBeforeRemoval(std::function<void(const TreeNode* parent, int first, int last)> hook)
+    {
+        m_beforeRemoval = std::move(hook);
+    }
 
     QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex& child) const override;
@@ -79,4 +85,5 @@ private:
     QString m_highlightedKey;
     QBrush m_highlightBrush;
     std::function<void(bool)> m_beforeShapeChange;
+    std::function<void(const TreeNode*, int, int)> m_beforeRemoval;
 };

@@ -56,6 +56,27 @@ bool NodeTree::shouldExpand(const TreeNode* node, int depth)
     return node->parent == nullptr || (!node->children.empty() && depth < expandedLevels);
 }
 
+std::vector<const TreeNode*> NodeTree::submenusIn(const TreeNode* parent, int first, int last)
+{
+    std::vector<const TreeNode*> submenus;
+    if (parent == nullptr) {
+        return submenus;
+    }
+    std::vector<const TreeNode*> stack;
+    for (int row = last; row >= first; --row) {
+        stack.push_back(parent->children.at(size_t(row)));
+    }
+    while (!stack.empty()) {
+        const TreeNode* node = stack.back();
+        stack.pop_back();
+        if (!node->children.empty()) {
+            submenus.push_back(node);
+        }
+        stack.insert(stack.end(), node->children.rbegin(), node->children.rend());
+    }
+    return submenus;
+}
+
 NodeTree::~NodeTree()
 {
     deleteAll();
@@ -675,15 +696,15 @@ void NodeTree::removeBranch(TreeNode* top, std::vector<TreeNode*>& gone)
         m_observer->nodesAboutToBeRemoved(top->parent, top->row, top->row);
     }
     detach(top);
-    if (m_observer != nullptr) {
-        m_observer->nodesRemoved();
-    }
     const std::vector<TreeNode*> branch = branchInPreOrder(top);
     for (TreeNode* node : branch) {
         if (m_byKey.value(node->key, nullptr) == node) {
             m_byKey.remove(node->key);
         }
         node->ordinal = -1;
+    }
+    if (m_observer != nullptr) {
+        m_observer->nodesRemoved();
     }
     gone.insert(gone.end(), branch.begin(), branch.end());
 }

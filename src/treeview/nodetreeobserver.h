@@ -15,6 +15,8 @@ public:
     virtual void nodesInserted() = 0;
     /// Children `first` .. `last` of `parent` will be removed with everything below them.
     virtual void nodesAboutToBeRemoved(const TreeNode* parent, int first, int last) = 0;
+    /// The nodes removed are out of the tree, numbered -1 (TreeNode::ordinal), and still in memory
+    /// until this returns; the others are at their new rows.
     virtual void nodesRemoved() = 0;
     /// Child `row` of `parent` will move, with its branch, to be child `newRow` of `newParent`
     /// (`newRow` counted once the move is done).

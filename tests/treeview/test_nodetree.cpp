@@ -53,13 +53,40 @@ public:
         check(shadow != nullptr && first >= 0 && last < int(shadow->children.size()) && first <= last,
               QStringLiteral("removal of rows that do not exist"));
         if (shadow != nullptr && first >= 0 && last < int(shadow->children.size())) {
+            // The submenus of the branches that go, as the shadow knows them, each before those below.
+            std::vector<const TreeNode*> submenus;
+            std::vector<const Shadow*> stack;
+            for (int row = last; row >= first; --row) {
+                stack.push_back(shadow->children.at(size_t(row)));
+            }
+            while (!stack.empty()) {
+                const Shadow* branch = stack.back();
+                stack.pop_back();
+                m_leaving.push_back(branch->node);
+                if (!branch->children.empty()) {
+                    submenus.push_back(branch->node);
+                }
+                stack.insert(stack.end(), branch->children.rbegin(), branch->children.rend());
+            }
+            check(NodeTree::submenusIn(parent, first, last) == submenus,
+                  QStringLiteral("the submenus of branches that go are not those below them"));
             for (int row = last; row >= first; --row) {
                 forget(shadow->children.at(size_t(row)));
                 shadow->children.erase(shadow->children.begin() + row);
             }
         }
     }
-    void nodesRemoved() override { }
+    void nodesRemoved() override
+    {
+        // The nodes that went are still there, numbered -1, and those that stay are numbered.
+        for (const TreeNode* node : m_leaving) {
+            check(node->ordinal == -1, QStringLiteral("a node that went is still numbered"));
+        }
+        m_leaving.clear();
+        for (const auto& [node, shadow] : m_byNode) {
+            check(node->ordinal >= 0, QStringLiteral("a node that stays is not numbered"));
+        }
+    }
     void nodeAboutToBeMoved(const TreeNode* parent, int row, const TreeNode* newParent, int newRow) override
     {
         Shadow* from = find(parent);
@@ -99,6 +126,7 @@ public:
     int changes = 0;
 
 private:
+    std::vector<const TreeNode*> m_leaving;
     struct Shadow
     {
         const TreeNode* node = nullptr;
