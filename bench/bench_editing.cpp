@@ -107,6 +107,28 @@ Timing timeWithUndo(int runs, Prepare prepare, Operation operation, Undo undo)
     return Timing { median(operationTimes), median(undoTimes) };
 }
 
+/// Median time of the Redo of `operation`, each run after `prepare`, the operation and its Undo, with
+/// the pause a user leaves between two keys: the autosave file the operation started is written by
+/// then. Every run ends with the Undo again, so that each meets the same menu.
+template <typename Prepare, typename Operation, typename Undo, typename Redo>
+double timeRedo(int runs, Prepare prepare, Operation operation, Undo undo, Redo redo)
+{
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        prepare();
+        operation();
+        undo();
+        idle(150);
+        QElapsedTimer timer;
+        timer.start();
+        redo();
+        times.push_back(elapsedMilliseconds(timer));
+        idle(150);
+        undo();
+    }
+    return median(times);
+}
+
 /// A main window with its own program folder and options, showing a generated menu.
 struct BenchWindow
 {
@@ -136,6 +158,11 @@ struct BenchWindow
     void undo() const
     {
         window->mnuUndo_Click();
+        paint();
+    }
+    void redo() const
+    {
+        window->mnuRedo_Click();
         paint();
     }
     void checkNothingWasSaid() const
@@ -269,8 +296,8 @@ void benchTreeEditing(QTextStream& out, int runs)
 void benchRenameAndPaste(QTextStream& out, int runs)
 {
     printHeader(out,
-                { QStringLiteral("shape"), QStringLiteral("rename"), QStringLiteral("undo"), QStringLiteral("paste"),
-                  QStringLiteral("undo") });
+                { QStringLiteral("shape"), QStringLiteral("rename"), QStringLiteral("undo"), QStringLiteral("redo"),
+                  QStringLiteral("paste"), QStringLiteral("undo"), QStringLiteral("redo") });
     for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
@@ -282,39 +309,38 @@ void benchRenameAndPaste(QTextStream& out, int runs)
         const QString renamed = tree->keyOf(tree->node(tree->nodeCount() / 2));
         const QString copied = tree->keyOf(tree->node(tree->nodeCount() / 2 + 1));
 
-        const Timing rename = timeWithUndo(
-            runs,
-            [&bench, &session, &renamed] {
-                bench.select(renamed);
-                session.run(EditOperations::rename);
-                paint();
-            },
-            [tree] {
-                if (QLineEdit* labelEditor = tree->viewport()->findChild<QLineEdit*>()) {
-                    labelEditor->setText(QStringLiteral("Renamed"));
-                    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-                    QCoreApplication::sendEvent(labelEditor, &enter);
-                }
-                paint();
-            },
-            undo);
+        const auto redo = [&bench] { bench.redo(); };
+        const auto startRename = [&bench, &session, &renamed] {
+            bench.select(renamed);
+            session.run(EditOperations::rename);
+            paint();
+        };
+        const auto confirmRename = [tree] {
+            if (QLineEdit* labelEditor = tree->viewport()->findChild<QLineEdit*>()) {
+                labelEditor->setText(QStringLiteral("Renamed"));
+                QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+                QCoreApplication::sendEvent(labelEditor, &enter);
+            }
+            paint();
+        };
+        const Timing rename = timeWithUndo(runs, startRename, confirmRename, undo);
+        const double renameRedo = timeRedo(runs, startRename, confirmRename, undo, redo);
 
-        const Timing pasted = timeWithUndo(
-            runs,
-            [&bench, &session, &renamed, &copied] {
-                bench.select(copied);
-                session.run(EditOperations::copy);
-                bench.select(renamed);
-            },
-            [&session] {
-                session.run(EditOperations::paste);
-                paint();
-            },
-            undo);
+        const auto copyOther = [&bench, &session, &renamed, &copied] {
+            bench.select(copied);
+            session.run(EditOperations::copy);
+            bench.select(renamed);
+        };
+        const auto paste = [&session] {
+            session.run(EditOperations::paste);
+            paint();
+        };
+        const Timing pasted = timeWithUndo(runs, copyOther, paste, undo);
+        const double pasteRedo = timeRedo(runs, copyOther, paste, undo, redo);
 
         bench.checkNothingWasSaid();
         out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(rename.operation) << cell(rename.undo)
-            << cell(pasted.operation) << cell(pasted.undo) << "\n";
+            << cell(renameRedo) << cell(pasted.operation) << cell(pasted.undo) << cell(pasteRedo) << "\n";
         out.flush();
     }
 }
@@ -649,7 +675,7 @@ int main(int argc, char* argv[])
                "click that chooses a link target.\n";
         benchTreeEditing(out, runs);
         out << "\n32,767 items. rename: a caption typed in the label editor and confirmed; paste: Paste of\n"
-               "another item's record over the selected one.\n";
+               "another item's record over the selected one; redo: Redo after the Undo, a key's pause later.\n";
         benchRenameAndPaste(out, runs);
         if (undoOnly) {
             return 0;
