@@ -460,13 +460,25 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     finishRemovals(gone);
 
     // 4. Texts, styles and expanded marks as a rebuild sets them, and the collection in its order.
+    // The item a kept node showed before: the one its hint names, as itemOf found it, while that
+    // item bears the node's key; otherwise looked up by key, in a map made only then.
     KeyMap<int> beforeIndex;
-    if (before != nullptr) {
-        beforeIndex.reserve(int(before->lastIndex) + 1);
-        for (int i = int(before->items.size()) - 1; i >= 0; --i) {
-            beforeIndex.insert(before->items.at(i).key, i);
+    bool beforeIndexed = false;
+    const auto shownBefore = [before, &beforeIndex, &beforeIndexed](const TreeNode* node) {
+        const auto& beforeItems = before->items;
+        const int hint = node->itemHint;
+        if (hint >= 0 && hint < int(beforeItems.size()) && beforeItems.at(hint).key == node->key) {
+            return hint;
         }
-    }
+        if (!beforeIndexed) {
+            beforeIndexed = true;
+            beforeIndex.reserve(int(before->lastIndex) + 1);
+            for (int i = int(beforeItems.size()) - 1; i >= 0; --i) {
+                beforeIndex.insert(beforeItems.at(i).key, i);
+            }
+        }
+        return beforeIndex.value(node->key, -1);
+    };
     std::vector<TreeNode*> changed;
     restoreRoot(document, changed);
     m_nodes.clear();
@@ -481,7 +493,7 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         const MenuItem& item = items.at(target.item);
         bool differs = before == nullptr || node->hasOwnText;
         if (!differs) {
-            const int old = beforeIndex.value(node->key, -1);
+            const int old = shownBefore(node);
             differs = old < 0 || before->items.at(old).caption != item.caption;
         }
         node->itemHint = target.item;
