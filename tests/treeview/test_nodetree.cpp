@@ -585,6 +585,37 @@ private Q_SLOTS:
         QCOMPARE(tree.textOf(tree.nodeByKey(QStringLiteral("E1")), renamed), QStringLiteral("New name"));
     }
 
+    void syncAfterAChangeOfShapeRepaintsOnlyNodesWhoseCaptionChanged()
+    {
+        MenuDocument document;
+        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
+                           item(QStringLiteral("E2"), -1, 0, 3), item(QStringLiteral("E3"), -1, 0, 4) };
+        document.lastIndex = 3;
+        for (int i = 0; i < 4; ++i) {
+            document.items[i].caption = QStringLiteral("Item %1").arg(i);
+        }
+        NodeTree tree;
+        ShadowObserver shadow(tree);
+        tree.setObserver(&shadow);
+        tree.generate(document);
+        // E0 goes, so every other item moves down one place, and E2 is renamed.
+        MenuDocument next;
+        next.items = { document.items.at(1), document.items.at(2), document.items.at(3) };
+        next.items[0].siblingOrder = 1;
+        next.items[1].siblingOrder = 2;
+        next.items[2].siblingOrder = 3;
+        next.items[1].caption = QStringLiteral("Renamed");
+        next.lastIndex = 2;
+        // A hint that names another item is looked past: E3 is found by its key.
+        tree.nodeByKey(QStringLiteral("E3"))->itemHint = 0;
+        shadow.changes = 0;
+        tree.syncTo(next, &document);
+        QCOMPARE(shadow.changes, 1);
+        QCOMPARE(tree.textOf(tree.nodeByKey(QStringLiteral("E2")), next), QStringLiteral("Renamed"));
+        QCOMPARE(tree.textOf(tree.nodeByKey(QStringLiteral("E3")), next), QStringLiteral("Item 3"));
+        QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+    }
+
     void aDeletedBranchComesBackInOneInsertion()
     {
         MenuDocument document = TestMenus::chainMenu(2000);
