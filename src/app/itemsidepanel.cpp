@@ -33,6 +33,7 @@ ItemSidePanel::ItemSidePanel(QWidget* parent)
     m_lblPath = new QLabel(this);
     m_lblPath->setObjectName(QStringLiteral("lblPath"));
     m_lblPath->setWordWrap(true);
+    m_lblPath->setTextFormat(Qt::PlainText); // a caption such as "<b>" is shown as typed
     // Plain text, not selectable: a selectable label lays its text out as a rich document, which for
     // an item hundreds of levels deep took 4 ms of every click on it. The node's tooltip tells the
     // path too.

@@ -18,6 +18,7 @@
 #include <QFont>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScopeGuard>
@@ -25,6 +26,7 @@
 #include <QSignalBlocker>
 #include <QToolTip>
 
+#include <algorithm>
 #include <utility>
 
 ItemTree::ItemTree(QWidget* parent)
@@ -50,7 +52,7 @@ ItemTree::ItemTree(QWidget* parent)
     setRootIsDecorated(true);
     updateFonts();
     m_model->setBeforeRemoval(
-        [this](const TreeNode* above, int first, int last) { forgetExpandedBranches(above, first, last); });
+        [this](const TreeNode* above, int first, int last) { beforeBranchesGo(above, first, last); });
     connect(this, &QTreeView::collapsed, this, &ItemTree::onCollapsed);
     connect(this, &QTreeView::expanded, this, &ItemTree::onExpanded);
 }
@@ -59,17 +61,6 @@ ItemTree::~ItemTree()
 {
     // What the view signals while it goes must not reach the window any more.
     disconnect(this, nullptr, nullptr, nullptr);
-}
-
-QString ItemTree::keyOf(const QModelIndex& node) const
-{
-    const TreeNode* found = treeNode(node);
-    return found != nullptr ? found->key : QString();
-}
-
-QString ItemTree::textOf(const QModelIndex& node) const
-{
-    return m_model->nodes().textOf(treeNode(node), document());
 }
 
 NodeStyle ItemTree::styleOf(const QModelIndex& node) const
@@ -217,15 +208,28 @@ void ItemTree::expandMarkedNodes()
     expandNodes(marked);
 }
 
-void ItemTree::forgetExpandedBranches(const TreeNode* parent, int first, int last)
+void ItemTree::beforeBranchesGo(const TreeNode* parent, int first, int last)
 {
+    const std::vector<const TreeNode*> going = NodeTree::branchesOf(parent, first, last);
+    // The rows leave as a change of layout, after which the view would drop an editor without
+    // closing it and stay in its editing state, refusing every later edit. The edit is closed here,
+    // unreported, as one whose node goes.
+    const TreeNode* edited = m_model->nodes().nodeByKey(m_editingKey);
+    if (edited != nullptr && std::find(going.begin(), going.end(), edited) != going.end()) {
+        for (QLineEdit* editor : viewport()->findChildren<QLineEdit*>(Qt::FindDirectChildrenOnly)) {
+            closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+        }
+    }
     // The view cleans its memory of expanded nodes only after rows were removed as such; nodes that
     // leave with a change of layout would stay in it, and every later layout would wade through them.
     // With a layout pending (it follows the change anyway), shutting a node only strikes it from there.
     const QSignalBlocker noCollapseSignals(this);
     scheduleDelayedItemsLayout();
-    for (const TreeNode* node : NodeTree::submenusIn(parent, first, last)) {
-        collapse(m_model->indexOf(node));
+    for (const TreeNode* node : going) {
+        const QModelIndex index = m_model->indexOf(node);
+        if (isExpanded(index)) {
+            collapse(index);
+        }
     }
 }
 
@@ -275,20 +279,17 @@ void ItemTree::regenerate()
         generate();
         return;
     }
-    {
-        // As after a rebuild: painting on at the end, nothing pressed, highlighted or selected, the
-        // view at its left edge (the first item is shown afterwards, which brings it to the top).
-        const PaintingSuspended suspended(this, true);
-        m_labelCommitted = false;
-        m_pressKey.clear();
-        m_model->setHighlightedKey(QString());
-        selectionModel()->reset(); // no current node and no selection, without a word, as a rebuild
-        syncTo(&document());
-        horizontalScrollBar()->setValue(0);
-    }
-    // The document is its own "before" above: texts that changed without a change of shape (a
-    // Replace) are not told apart, so every row is painted again.
-    viewport()->update();
+    // As after a rebuild: painting on at the end (which paints every row again: the document is its
+    // own "before", so texts that changed without a change of shape, as a Replace makes, are not told
+    // apart), nothing pressed, highlighted or selected, the view at its left edge (the first item is
+    // shown afterwards, which brings it to the top). A sync that cannot plan the tree changes nothing.
+    const PaintingSuspended suspended(this, true);
+    syncTo(&document());
+    m_labelCommitted = false;
+    m_pressKey.clear();
+    m_model->setHighlightedKey(QString());
+    selectionModel()->reset(); // no current node and no selection, without a word, as a rebuild
+    horizontalScrollBar()->setValue(0);
 }
 
 void ItemTree::syncTo(const MenuDocument* before)
@@ -300,9 +301,9 @@ void ItemTree::syncTo(const MenuDocument* before)
     // or once insertions grow many, as each insertion among rows visits every expanded node.
     bool setAside = false;
     int insertions = 0;
-    m_model->setBeforeShapeChange([this, &setAside, &insertions](bool rowsLeave) {
+    m_model->setBeforeShapeChange([this, &setAside, &insertions](bool rowsMove) {
         constexpr int insertionsInPlace = 8;
-        if (!setAside && (rowsLeave || ++insertions > insertionsInPlace)) {
+        if (!setAside && (rowsMove || ++insertions > insertionsInPlace)) {
             setAside = true;
             const QSignalBlocker noCollapseSignals(this);
             collapseAll();

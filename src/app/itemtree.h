@@ -50,9 +50,13 @@ public:
     /// The node bearing `key`; invalid when none does.
     QModelIndex nodeByKey(const QString& key) const { return m_model->indexOf(m_model->nodes().nodeByKey(key)); }
     /// The key of `node`; empty when it is not a node of this tree.
-    QString keyOf(const QModelIndex& node) const;
+    QString keyOf(const QModelIndex& node) const
+    {
+        const TreeNode* found = treeNode(node);
+        return found != nullptr ? found->key : QString();
+    }
     /// The text `node` shows.
-    QString textOf(const QModelIndex& node) const;
+    QString textOf(const QModelIndex& node) const { return m_model->nodes().textOf(treeNode(node), document()); }
     /// The colour and bold type `node` is drawn with.
     NodeStyle styleOf(const QModelIndex& node) const;
 
@@ -173,15 +177,15 @@ private:
     TreeNode* treeNode(const QModelIndex& index) const { return m_model->nodeOf(index); }
     void onCollapsed(const QModelIndex& index);
     void onExpanded(const QModelIndex& index);
-    /// Lets the view forget the expanded nodes among children `first` .. `last` of `parent` and their
-    /// branches, which are about to go.
-    void forgetExpandedBranches(const TreeNode* parent, int first, int last);
+    /// Children `first` .. `last` of `parent` are about to go with their branches: a label edit of one
+    /// of their nodes is dropped, and the view forgets which of them it shows expanded.
+    void beforeBranchesGo(const TreeNode* parent, int first, int last);
     /// Expands `nodes` in the view; the view lays the tree out once, afterwards.
     void expandNodes(const std::vector<TreeNode*>& nodes);
     /// Expands every node marked expanded (after the view forgot them).
     void expandMarkedNodes();
     /// Runs `change`, a change of the tree's shape, with the view's expanded state set aside and
-    /// given back afterwards (see removeNode).
+    /// given back afterwards.
     void withExpandedStateAside(const std::function<void()>& change);
     /// Forgets the edit, press and highlight of nodes that are gone.
     void forgetGoneNodes();

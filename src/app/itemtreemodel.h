@@ -14,7 +14,8 @@ struct MenuDocument;
 /// The item model behind an editor window's tree `lstMenu`: one column, the root node "KELV" as its
 /// only top-level row and every shown item below it. It shows the nodes of a NodeTree and reads
 /// what they show from the document as it stands, so no caption is copied per node; every change
-/// of the node tree reaches the view as the row change it is.
+/// of the node tree reaches the view as the row change it is, but rows that leave: they leave as a
+/// change of layout that names the indexes it changes (see nodesAboutToBeRemoved).
 ///
 /// Model indexes carry a scrambled form of the node's address: item views keep their expanded
 /// nodes in hashes keyed by the index, and addresses handed out one after another would crowd a
@@ -47,10 +48,10 @@ public:
     QString highlightedKey() const { return m_highlightedKey; }
     void setHighlightBrush(const QBrush& brush) { m_highlightBrush = brush; }
 
-    /// Heard just before rows are inserted (`rowsLeave` false), or moved (true), so that
+    /// Heard just before rows are inserted (`rowsMove` false), or moved (true), so that
     /// the view can set its expanded state aside only when a change is costly with it in place. An
     /// empty function (the default) hears nothing.
-    void setBeforeShapeChange(std::function<void(bool rowsLeave)> hook) { m_beforeShapeChange = std::move(hook); }
+    void setBeforeShapeChange(std::function<void(bool rowsMove)> hook) { m_beforeShapeChange = std::move(hook); }
     /// Heard just before children `first` .. `last` of `parent` go with their branches, while the
     /// view can still be told to forget what it remembers of them.
     void setBeforeRemoval(std::function<void(const TreeNode* parent, int first, int last)> hook)

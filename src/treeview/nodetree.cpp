@@ -56,11 +56,11 @@ bool NodeTree::shouldExpand(const TreeNode* node, int depth)
     return node->parent == nullptr || (!node->children.empty() && depth < expandedLevels);
 }
 
-std::vector<const TreeNode*> NodeTree::submenusIn(const TreeNode* parent, int first, int last)
+std::vector<const TreeNode*> NodeTree::branchesOf(const TreeNode* parent, int first, int last)
 {
-    std::vector<const TreeNode*> submenus;
+    std::vector<const TreeNode*> nodes;
     if (parent == nullptr) {
-        return submenus;
+        return nodes;
     }
     std::vector<const TreeNode*> stack;
     for (int row = last; row >= first; --row) {
@@ -69,12 +69,10 @@ std::vector<const TreeNode*> NodeTree::submenusIn(const TreeNode* parent, int fi
     while (!stack.empty()) {
         const TreeNode* node = stack.back();
         stack.pop_back();
-        if (!node->children.empty()) {
-            submenus.push_back(node);
-        }
+        nodes.push_back(node);
         stack.insert(stack.end(), node->children.rbegin(), node->children.rend());
     }
-    return submenus;
+    return nodes;
 }
 
 NodeTree::~NodeTree()
@@ -634,6 +632,8 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
         }
     }
     std::vector<TreeNode*> expandNow = settleMarks(unmarked);
+    // The shape is the synced one: these records describe it as well, and the older ones can go.
+    m_syncedArray = items;
     announceChanged(changed);
     return expandNow;
 }

@@ -127,9 +127,8 @@ public:
     /// Whether a rebuild marks `node`, `depth` levels below the root, expanded: the root always,
     /// every other node that has children down to expandedLevels.
     static bool shouldExpand(const TreeNode* node, int depth);
-    /// The nodes with children among children `first` .. `last` of `parent` and in their branches,
-    /// each before the nodes below it.
-    static std::vector<const TreeNode*> submenusIn(const TreeNode* parent, int first, int last);
+    /// Children `first` .. `last` of `parent` and every node below them, each before the nodes below it.
+    static std::vector<const TreeNode*> branchesOf(const TreeNode* parent, int first, int last);
 
 private:
     TreeNode* newNode(const QString& key, TreeNode* parent);

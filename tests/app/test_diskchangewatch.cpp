@@ -191,6 +191,38 @@ private Q_SLOTS:
         QVERIFY(barShown(window, index));
     }
 
+    void aWriteInPlaceRightAfterASaveShowsTheBarButAFileWrittenBesideDoesNot()
+    {
+        GuiSandbox sandbox;
+        QVERIFY(sandbox.showWindow());
+        MainWindow& window = sandbox.window();
+        const qint16 index = sandbox.openMenu(QStringLiteral("a.ini"), { QStringLiteral("One") });
+        const QString path = sandbox.menuPath(QStringLiteral("a.ini"));
+        QVERIFY(WindowEdits::renameItem(window, index, QStringLiteral("E0"), QStringLiteral("Mine")));
+        sandbox.trigger(QStringLiteral("mnuSave"));
+        QCOMPARE(captionsInFile(path), QStringList({ QStringLiteral("Mine") }));
+
+        // Another file in the menu's folder, as the autosave file of every edit may be: no change.
+        QVERIFY(!GuiSandbox::writeFile(QFileInfo(path).absoluteDir().filePath(QStringLiteral("beside.ini")),
+                                       QByteArray("x"))
+                     .isEmpty());
+        QTest::qWait(300);
+        QVERIFY(!barShown(window, index));
+
+        // The same length written into the file itself, within the tick of the save's time.
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        const QByteArray bytes = file.readAll();
+        const qsizetype at = bytes.indexOf("Mine");
+        QVERIFY(at >= 0);
+        QVERIFY(file.seek(at));
+        QCOMPARE(file.write("Yours", 4), qint64(4));
+        file.close();
+        QCOMPARE(captionsInFile(path), QStringList({ QStringLiteral("Your") }));
+        QTRY_VERIFY(barShown(window, index));
+        QCOMPARE(barText(window, index), FileChangeBar::text(FileChangeBar::Kind::Changed, path));
+    }
+
     void aDeletedFileShowsTheBarWithoutReload()
     {
         GuiSandbox sandbox;

@@ -322,6 +322,28 @@ private Q_SLOTS:
         QCOMPARE(document().items[4].caption, QStringLiteral("New Item 5"));
     }
 
+    void anItemDeletedOrUndoneWhileItsLabelIsEditedLeavesLaterEditsWorking()
+    {
+        openThree();
+        for (const char* entry : { "mnuDelete", "mnuUndo" }) {
+            clickNode(tree(), QStringLiteral("E0"));
+            sandbox().trigger(QStringLiteral("mnuNewItem"));
+            QVERIFY(tree().isEditingLabel());
+            // The menu entry is chosen while the label editor is still open.
+            sandbox().trigger(QString::fromLatin1(entry));
+            QCOMPARE(document().items.size(), 3);
+            QVERIFY(!tree().isEditingLabel());
+            QTRY_VERIFY(tree().viewport()->findChildren<QLineEdit*>().isEmpty());
+
+            clickNode(tree(), QStringLiteral("E1"));
+            sandbox().trigger(QStringLiteral("mnuRename"));
+            QVERIFY2(tree().isEditingLabel(), entry);
+            typeLabel(tree(), QStringLiteral("Bravo"));
+            QCOMPARE(document().items[1].caption, QStringLiteral("Bravo"));
+        }
+        QVERIFY(sandbox().prompts().messages.isEmpty());
+    }
+
     void renamingIsAnUndoStepOfItsOwn()
     {
         openThree();

@@ -53,8 +53,8 @@ public:
         check(shadow != nullptr && first >= 0 && last < int(shadow->children.size()) && first <= last,
               QStringLiteral("removal of rows that do not exist"));
         if (shadow != nullptr && first >= 0 && last < int(shadow->children.size())) {
-            // The submenus of the branches that go, as the shadow knows them, each before those below.
-            std::vector<const TreeNode*> submenus;
+            // The nodes of the branches that go, as the shadow knows them, each before those below.
+            std::vector<const TreeNode*> going;
             std::vector<const Shadow*> stack;
             for (int row = last; row >= first; --row) {
                 stack.push_back(shadow->children.at(size_t(row)));
@@ -62,14 +62,12 @@ public:
             while (!stack.empty()) {
                 const Shadow* branch = stack.back();
                 stack.pop_back();
-                m_leaving.push_back(branch->node);
-                if (!branch->children.empty()) {
-                    submenus.push_back(branch->node);
-                }
+                going.push_back(branch->node);
                 stack.insert(stack.end(), branch->children.rbegin(), branch->children.rend());
             }
-            check(NodeTree::submenusIn(parent, first, last) == submenus,
-                  QStringLiteral("the submenus of branches that go are not those below them"));
+            m_leaving.insert(m_leaving.end(), going.begin(), going.end());
+            check(NodeTree::branchesOf(parent, first, last) == going,
+                  QStringLiteral("the nodes of branches that go are not those below them"));
             for (int row = last; row >= first; --row) {
                 forget(shadow->children.at(size_t(row)));
                 shadow->children.erase(shadow->children.begin() + row);
