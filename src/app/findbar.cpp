@@ -111,7 +111,8 @@ void FindBar::search()
 
 void FindBar::menuChanged()
 {
-    m_finder.reset();
+    // The finder sees for itself what changed in the menu and keeps what still holds.
+    m_finder.forgetSearch();
 }
 
 void FindBar::followMenu()

@@ -29,7 +29,8 @@ public:
     void open();
     /// Searches again.
     void search();
-    /// The menu or what the tree shows of it changed: the next search starts afresh.
+    /// The menu or what the tree shows of it changed: the next search looks at every node again (the
+    /// finder keeps what it learnt of the menu where that still holds).
     void menuChanged();
     /// The menu has changed: the matches follow it, and an open bar searches again.
     void followMenu();

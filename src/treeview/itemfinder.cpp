@@ -1,14 +1,24 @@
 #include "itemfinder.h"
 
+#include "hidemode.h"
 #include "keymap.h"
 #include "textmatcher.h"
 #include "treeplan.h"
 
 #include "model/menudocument.h"
 
+#include <QScopeGuard>
+
+#include <algorithm>
+#include <exception>
+#include <thread>
+
 namespace {
 
 enum CommandsFound : char { Unknown, Hold, Lack };
+
+/// Below this many nodes a second thread costs more than it saves.
+constexpr std::size_t kNodesWorthASecondCore = 4096;
 
 } // namespace
 
@@ -32,26 +42,68 @@ void ItemFinder::find(const MenuDocument& document, int hideMode, const FindRequ
         resolveLinks();
         m_commandsFound.assign(std::size_t(m_items.size()), Unknown);
     }
-    const auto matches = [this, &request, &holds](int index) {
-        return holds(m_items.at(index).caption) || (request.inCommands && shownCommandsHold(index, holds));
+    const auto matches = [this, &request, &holds](int index, std::vector<char>& found) {
+        return holds(m_items.at(index).caption) || (request.inCommands && shownCommandsHold(index, holds, found));
     };
     if (narrowing) {
         // The matches of the longer text are some of the last ones, in the same order.
         std::size_t kept = 0;
         for (const int index : m_matches) {
-            if (matches(index)) {
+            if (matches(index, m_commandsFound)) {
                 m_matches[kept++] = index;
             }
         }
         m_matches.resize(kept);
         return;
     }
-    m_matches.clear();
-    for (const PlannedItem& node : m_nodes) {
-        if (matches(node.item)) {
-            m_matches.push_back(node.item);
+    const auto scan = [this, &matches](std::size_t from, std::size_t to, std::vector<int>& found,
+                                       std::vector<char>& commandsFound) {
+        for (std::size_t node = from; node < to; ++node) {
+            if (matches(m_nodes[node].item, commandsFound)) {
+                found.push_back(m_nodes[node].item);
+            }
         }
+    };
+    m_matches.clear();
+    // A search of every node, as the first after an edit is, reads every caption (and command) of
+    // the menu: the later half of the tree is searched on a second core meanwhile, with its own
+    // record of the command lists it searched. It only reads the menu.
+    const std::size_t count = m_nodes.size();
+    const std::size_t half
+        = count >= kNodesWorthASecondCore && std::thread::hardware_concurrency() > 1 ? count / 2 : count;
+    std::vector<int> later;
+    std::vector<char> laterCommandsFound;
+    std::exception_ptr laterFailure;
+    std::thread helper;
+    if (half < count) {
+        laterCommandsFound.assign(m_commandsFound.size(), Unknown);
+        helper = std::thread([&] {
+            try {
+                scan(half, count, later, laterCommandsFound);
+            } catch (...) {
+                laterFailure = std::current_exception();
+            }
+        });
     }
+    const auto joinHelper = qScopeGuard([&helper] {
+        if (helper.joinable()) {
+            helper.join();
+        }
+    });
+    scan(0, half, m_matches, m_commandsFound);
+    if (helper.joinable()) {
+        helper.join();
+        if (laterFailure) {
+            std::rethrow_exception(laterFailure);
+        }
+        m_matches.insert(m_matches.end(), later.begin(), later.end());
+    }
+}
+
+void ItemFinder::forgetSearch()
+{
+    m_lastRequest.reset();
+    m_matches.clear();
 }
 
 void ItemFinder::reset()
@@ -85,11 +137,44 @@ void ItemFinder::follow(const MenuDocument& document, int hideMode)
     if (m_known && m_hideMode == hideMode && m_items.isSharedWith(document.items)) {
         return;
     }
+    if (followEdits(document, hideMode)) {
+        return;
+    }
     reset();
     m_known = true;
     m_items = document.items;
     m_hideMode = hideMode;
     m_nodes = planTreeItems(document, hideMode);
+}
+
+bool ItemFinder::followEdits(const MenuDocument& document, int hideMode)
+{
+    if (!m_known || m_hideMode != hideMode || m_items.size() != document.items.size()) {
+        return false;
+    }
+    // The plan reads where each item sits and whether the hide mode shows it; the links read keys and
+    // link targets. Only the records the two menus do not share can differ.
+    bool sameLinks = true;
+    for (const ItemRange& range : document.items.rangesDifferentFrom(m_items)) {
+        for (qsizetype i = range.begin; i < std::min(range.end, document.items.size()); ++i) {
+            const MenuItem& now = document.items.at(i);
+            const MenuItem& was = m_items.at(i);
+            if (now.parent != was.parent || now.siblingOrder != was.siblingOrder || now.childCount != was.childCount
+                || HideMode::isVisible(now, hideMode) != HideMode::isVisible(was, hideMode)) {
+                return false;
+            }
+            sameLinks = sameLinks && now.key == was.key && now.copiesCommands == was.copiesCommands
+                && now.copyKey == was.copyKey;
+        }
+    }
+    m_items = document.items;
+    if (!sameLinks) {
+        m_linksResolved = false;
+        m_commandsOf.clear();
+    }
+    // The texts changed: the last matches tell nothing of the next search.
+    forgetSearch();
+    return true;
 }
 
 void ItemFinder::resolveLinks()
@@ -118,13 +203,14 @@ void ItemFinder::resolveLinks()
     }
 }
 
-template <typename Holds> bool ItemFinder::shownCommandsHold(int index, const Holds& holds)
+template <typename Holds>
+bool ItemFinder::shownCommandsHold(int index, const Holds& holds, std::vector<char>& foundOf) const
 {
     const int source = m_commandsOf[std::size_t(index)];
     if (source < 0) {
         return false; // a link to no item shows no commands
     }
-    char& found = m_commandsFound[std::size_t(source)];
+    char& found = foundOf[std::size_t(source)];
     if (found == Unknown) {
         found = Lack;
         const QList<Command>& commands = m_items.at(source).commands;

@@ -34,7 +34,9 @@ struct FindRequest
 /// the menu while the menu stays the same: the tree's nodes as item indices, the item whose commands
 /// each link shows, and the matches of the last search, among which a text grown from the last one
 /// is looked for. It reads the texts where the document holds them and copies none. A search of a
-/// menu other than the last one (an edit, an Undo, another hide mode) starts afresh by itself.
+/// menu other than the last one (an edit, an Undo, another hide mode) notices it by itself: it
+/// keeps the tree's nodes and the links where the records that changed kept their place in the tree
+/// and their links (a caption or a command edited), and starts afresh otherwise.
 class ItemFinder final
 {
 public:
@@ -43,6 +45,8 @@ public:
     void find(const MenuDocument& document, int hideMode, const FindRequest& request);
     /// Forgets the menu, so that the next search starts afresh, and lets go of its items.
     void reset();
+    /// Forgets the last search only: the next one looks at every node again.
+    void forgetSearch();
 
     /// The number of matches of the last search.
     qsizetype count() const { return qsizetype(m_matches.size()); }
@@ -54,12 +58,16 @@ public:
 private:
     /// The tree's nodes and, for links, their targets, for `document` (kept while it stays the same).
     void follow(const MenuDocument& document, int hideMode);
+    /// Takes `document` in place of the menu last searched when the records it changed keep the
+    /// tree's nodes (and the links, or these are found again); false when the tree must be planned
+    /// afresh.
+    bool followEdits(const MenuDocument& document, int hideMode);
     /// For each item, the item whose commands it shows: itself, its link's target, or -1 for a link
     /// to no item. Found on the first search in the commands after the menu changed.
     void resolveLinks();
     /// Whether the commands item `index` shows hold the text `holds` looks for, each command list
-    /// searched at most once per search.
-    template <typename Holds> bool shownCommandsHold(int index, const Holds& holds);
+    /// searched at most once per search: `found` keeps, per item, what its commands gave.
+    template <typename Holds> bool shownCommandsHold(int index, const Holds& holds, std::vector<char>& found) const;
 
     /// The menu as last searched: its items share their data with the document's until it changes,
     /// so telling whether it changed costs next to nothing.

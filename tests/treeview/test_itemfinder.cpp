@@ -98,17 +98,23 @@ void fillRandomly(QRandomGenerator& random, MenuDocument& document)
 }
 
 /// One change of the menu as the editor makes them: a caption, a command, a link switched, the
-/// hide mode.
+/// hide mode, a key, an item's place in the tree.
 void changeRandomly(QRandomGenerator& random, MenuDocument& document)
 {
     const int count = int(document.items.size());
-    const int what = random.bounded(4);
+    const int what = random.bounded(6);
     if (what == 3 || count == 0) {
         document.hideMode = random.bounded(4);
         return;
     }
     MenuItem& item = document.items[random.bounded(count)];
-    if (what == 0) {
+    if (what == 4) {
+        item.key = QStringLiteral("E%1").arg(random.bounded(count + 2));
+    } else if (what == 5) {
+        MenuItem& other = document.items[random.bounded(count)];
+        std::swap(item.siblingOrder, other.siblingOrder);
+        std::swap(item.parent, other.parent);
+    } else if (what == 0) {
         item.caption = randomText(random, 6);
     } else if (what == 1) {
         item.commands.append(Command { QString(), randomText(random, 8) });
@@ -116,6 +122,27 @@ void changeRandomly(QRandomGenerator& random, MenuDocument& document)
         item.copiesCommands = !item.copiesCommands;
         item.copyKey = document.items.at(random.bounded(count)).key;
     }
+}
+
+/// A well-formed menu of `count` items, each under a random earlier one or at the top, with random
+/// texts: large enough for the finder to search the tree in two halves at once.
+MenuDocument largeMenu(QRandomGenerator& random, int count)
+{
+    MenuDocument document;
+    QList<MenuItem> items;
+    std::vector<qint16> children(size_t(count) + 1, 0); // per parent + 1
+    for (int i = 0; i < count; ++i) {
+        const int parent = i == 0 || random.bounded(5) == 0 ? -1 : random.bounded(i);
+        items.append(TestMenus::item(QStringLiteral("E%1").arg(i), qint16(parent), 0, ++children[size_t(parent + 1)],
+                                     int(random.bounded(3))));
+        if (parent >= 0) {
+            ++items[parent].childCount;
+        }
+    }
+    document.items = MenuItemArray(items);
+    document.lastIndex = qint16(count - 1);
+    fillRandomly(random, document);
+    return document;
 }
 
 /// The next text of the find bar: mostly a character typed or taken back, now and then a new text.
@@ -237,6 +264,10 @@ private Q_SLOTS:
                     changeRandomly(random, document);
                 } else if (what == 3) {
                     finder.reset();
+                } else if (what == 4) {
+                    finder.forgetSearch();
+                } else if (what < 7) {
+                    changeRandomly(random, document);
                 } else {
                     find.text = nextText(random, find.text);
                 }
@@ -265,6 +296,28 @@ private Q_SLOTS:
         // The texts must find something often, and not always. The random streams differ between
         // compilers (the order in which arguments are evaluated), so the bounds leave room.
         QVERIFY2(found > searches / 6 && found < searches * 5 / 6, qPrintable(QString::number(found)));
+    }
+
+    void aLargeMenuIsSearchedInTwoHalvesWithTheSameResult()
+    {
+        QRandomGenerator random(2026);
+        MenuDocument document = largeMenu(random, 9000);
+        ItemFinder finder;
+        FindRequest find;
+        int found = 0;
+        for (int step = 0; step < 30; ++step) {
+            find.inCommands = random.bounded(3) != 0;
+            find.matchCase = random.bounded(4) == 0;
+            find.text = random.bounded(3) == 0 ? nextText(random, find.text) : randomText(random, 2);
+            if (random.bounded(4) == 0) {
+                changeRandomly(random, document);
+            }
+            finder.find(document, document.hideMode, find);
+            const QStringList expected = literalFindItems(document, document.hideMode, find);
+            QCOMPARE(finder.keys(), expected);
+            found += expected.size() > 1 ? 1 : 0;
+        }
+        QVERIFY2(found > 3, qPrintable(QString::number(found)));
     }
 
     void findingChangesNothing()
