@@ -111,6 +111,12 @@ void FindBar::search()
 
 void FindBar::menuChanged()
 {
+    if (isHidden()) {
+        // A closed bar keeps nothing of the menu: the records the finder still shares would outlive
+        // the edits that replace them.
+        m_finder.reset();
+        return;
+    }
     // The finder sees for itself what changed in the menu and keeps what still holds.
     m_finder.forgetSearch();
 }
