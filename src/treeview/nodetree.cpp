@@ -253,9 +253,7 @@ void NodeTree::renumber()
 void NodeTree::deleteAll()
 {
     m_shapeSynced = false;
-    m_syncedItems.clear();
     m_syncedArray.clear();
-    m_syncedOtherKeys.clear();
     m_syncedItemOf.clear();
     m_nodes.clear();
     m_byKey.clear();
@@ -545,22 +543,7 @@ std::vector<TreeNode*> NodeTree::settleMarks(std::vector<TreeNode*>* unmarked)
 
 void NodeTree::rememberSyncedShape(const MenuDocument& document)
 {
-    const auto& items = document.items;
-    m_syncedItems.resize(size_t(items.size()));
-    m_syncedOtherKeys.clear();
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        const MenuItem& item = items.at(i);
-        SyncedItem& synced = m_syncedItems[size_t(i)];
-        synced.keyNumber = KeyMap<int>::numberOf(item.key);
-        if (synced.keyNumber < 0) {
-            m_syncedOtherKeys.insert(int(i), item.key);
-        }
-        synced.parent = item.parent;
-        synced.siblingOrder = item.siblingOrder;
-        synced.childCount = item.childCount;
-        synced.visible = HideMode::isVisible(item, document.hideMode);
-    }
-    m_syncedArray = items;
+    m_syncedArray = document.items;
     m_syncedHideMode = document.hideMode;
     m_syncedItemOf.resize(m_nodes.size());
     for (size_t n = 0; n < m_nodes.size(); ++n) {
@@ -573,7 +556,7 @@ bool NodeTree::keepsSyncedShape(const MenuDocument& document) const
 {
     const auto& items = document.items;
     if (!m_shapeSynced || root() == nullptr || document.hideMode != m_syncedHideMode
-        || size_t(items.size()) != m_syncedItems.size()) {
+        || items.size() != m_syncedArray.size()) {
         return false;
     }
     // The plan reads an item's key, parent, place among its siblings, number of children and
@@ -582,14 +565,10 @@ bool NodeTree::keepsSyncedShape(const MenuDocument& document) const
     for (const ItemRange& range : items.rangesDifferentFrom(m_syncedArray)) {
         for (qsizetype i = range.begin; i < std::min(range.end, items.size()); ++i) {
             const MenuItem& item = items.at(i);
-            const SyncedItem& synced = m_syncedItems[size_t(i)];
+            const MenuItem& synced = m_syncedArray.at(i);
             if (item.parent != synced.parent || item.siblingOrder != synced.siblingOrder
-                || item.childCount != synced.childCount
-                || HideMode::isVisible(item, document.hideMode) != synced.visible) {
-                return false;
-            }
-            const int keyNumber = KeyMap<int>::numberOf(item.key);
-            if (keyNumber != synced.keyNumber || (keyNumber < 0 && m_syncedOtherKeys.value(int(i)) != item.key)) {
+                || item.childCount != synced.childCount || item.key != synced.key
+                || HideMode::isVisible(item, document.hideMode) != HideMode::isVisible(synced, document.hideMode)) {
                 return false;
             }
         }

@@ -176,24 +176,11 @@ private:
     /// The first item bearing each key, built when a node's remembered position proves wrong.
     mutable KeyMap<int> m_itemIndex;
     mutable bool m_itemIndexFresh = false;
-    /// What the plan read of one item at the last rebuild or sync: the number of its key (see
-    /// KeyMap; -1 for another text, kept in m_syncedOtherKeys), its tree numbers and whether it was
-    /// shown. Kept apart from the document's records, which later edits may write in place.
-    struct SyncedItem
-    {
-        int keyNumber = -1;
-        qint16 parent = -1;
-        qint16 siblingOrder = 0;
-        qint16 childCount = 0;
-        bool visible = false;
-    };
-    /// What the last rebuild or sync made the tree from: the items' shape, the hide mode, and the
-    /// item each node of m_nodes was made for; valid while m_shapeSynced.
-    std::vector<SyncedItem> m_syncedItems;
-    /// The very records m_syncedItems was taken from: where the document still shares them, their
-    /// shape is the synced one without looking (an edit writes into a copy of its own).
+    /// What the last rebuild or sync made the tree from: the item records themselves (shared with
+    /// the document until an edit writes a copy of its own, so where it still shares them their
+    /// shape is the synced one without looking), the hide mode, and the item each node of m_nodes
+    /// was made for; valid while m_shapeSynced.
     MenuItemArray m_syncedArray;
-    QHash<int, QString> m_syncedOtherKeys;
     int m_syncedHideMode = 0;
     std::vector<int> m_syncedItemOf;
     /// Cleared by every change of shape other than a rebuild or a sync.
