@@ -2,6 +2,7 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -48,17 +49,55 @@ quint64 avalanche(quint64 hash)
 
 QByteArray ContentHash::of(QByteArrayView bytes)
 {
+    ContentHash hash;
+    hash.addData(bytes);
+    return hash.result();
+}
+
+ContentHash::ContentHash()
+    : m_lanes { prime1 + prime2, prime2, 0, quint64(0) - prime1 }
+{
+}
+
+void ContentHash::addData(QByteArrayView bytes)
+{
+    if (bytes.isEmpty()) {
+        return;
+    }
     const char* at = bytes.data();
-    const quint64 size = quint64(bytes.size());
     const char* const end = at + bytes.size();
-    quint64 lanes[4] = { prime1 + prime2, prime2, 0, quint64(0) - prime1 };
+    m_size += quint64(bytes.size());
+    const auto takeStripe = [this](const char* stripe) {
+        for (int lane = 0; lane < 4; ++lane) {
+            m_lanes[lane] = take(m_lanes[lane], word(stripe + 8 * lane));
+        }
+    };
+    if (m_pendingSize > 0) {
+        const int taken = int(std::min<qsizetype>(32 - m_pendingSize, end - at));
+        std::memcpy(m_pending + m_pendingSize, at, size_t(taken));
+        m_pendingSize += taken;
+        at += taken;
+        if (m_pendingSize < 32) {
+            return;
+        }
+        takeStripe(m_pending);
+        m_pendingSize = 0;
+    }
     // Whole stripes of 32 bytes, one word to each lane.
     while (end - at >= 32) {
-        for (quint64& lane : lanes) {
-            lane = take(lane, word(at));
-            at += 8;
-        }
+        takeStripe(at);
+        at += 32;
     }
+    m_pendingSize = int(end - at);
+    std::memcpy(m_pending, at, size_t(m_pendingSize));
+}
+
+QByteArray ContentHash::result() const
+{
+    const auto& lanes = m_lanes;
+    const quint64 size = m_size;
+    const char* at = m_pending;
+    const char* const end = m_pending + m_pendingSize;
     quint64 first
         = rotateLeft(lanes[0], 1) + rotateLeft(lanes[1], 7) + rotateLeft(lanes[2], 12) + rotateLeft(lanes[3], 18);
     quint64 second

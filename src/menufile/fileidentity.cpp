@@ -108,27 +108,38 @@ bool FileIdentity::timeTooRecent() const
 
 FileIdentity FileIdentity::ofOpenFile(const QFileDevice& file, QByteArrayView bytes)
 {
+    return ofReadFile(file, bytes.size(), hashOf(bytes));
+}
+
+FileIdentity FileIdentity::ofReadFile(const QFileDevice& file, qint64 length, const QByteArray& hash)
+{
 #ifdef Q_OS_UNIX
-    return ofDescriptor(file.handle(), bytes);
+    return ofHashedDescriptor(file.handle(), length, hash);
 #else
+    Q_UNUSED(length);
     const Status status = statusOfPath(file.fileName());
-    return FileIdentity(status.size, status.modifiedNanoseconds, status.inode, status.device, hashOf(bytes));
+    return FileIdentity(status.size, status.modifiedNanoseconds, status.inode, status.device, hash);
 #endif
 }
 
 FileIdentity FileIdentity::ofDescriptor(int descriptor, QByteArrayView bytes)
 {
+    return ofHashedDescriptor(descriptor, bytes.size(), hashOf(bytes));
+}
+
+FileIdentity FileIdentity::ofHashedDescriptor(int descriptor, qint64 length, const QByteArray& hash)
+{
 #ifdef Q_OS_UNIX
     struct stat system;
     if (::fstat(descriptor, &system) == 0) {
         const Status status = statusOf(system);
-        return FileIdentity(status.size, status.modifiedNanoseconds, status.inode, status.device, hashOf(bytes));
+        return FileIdentity(status.size, status.modifiedNanoseconds, status.inode, status.device, hash);
     }
 #else
     Q_UNUSED(descriptor);
 #endif
     // The length of the bytes keeps the identity meaningful where nothing else is known.
-    return FileIdentity(bytes.size(), 0, 0, 0, hashOf(bytes));
+    return FileIdentity(length, 0, 0, 0, hash);
 }
 
 QByteArray FileIdentity::hashOf(QByteArrayView bytes)

@@ -31,6 +31,9 @@ public:
 
     /// The identity of the file open in `file`, which holds exactly `bytes` (just read or written).
     static FileIdentity ofOpenFile(const QFileDevice& file, QByteArrayView bytes);
+    /// The same for a file read in pieces, no longer all in memory: its `length` bytes hashed into
+    /// `hash` (as hashOf gives it).
+    static FileIdentity ofReadFile(const QFileDevice& file, qint64 length, const QByteArray& hash);
     /// The same for a file open as the system's file descriptor `descriptor` (Unix: the writer's own
     /// new file; elsewhere only the length and the hash are known this way).
     static FileIdentity ofDescriptor(int descriptor, QByteArrayView bytes);
@@ -84,6 +87,7 @@ public:
 
 private:
     FileIdentity(qint64 size, qint64 modifiedNanoseconds, quint64 inode, quint64 device, QByteArray hash);
+    static FileIdentity ofHashedDescriptor(int descriptor, qint64 length, const QByteArray& hash);
 
     /// Whether the file's time lies so close to (or after) the moment the bytes were last known that a
     /// change within the same tick of the file system's clock could not have moved it.

@@ -1,6 +1,8 @@
 #include "menufilereader.h"
 
+#include "menufile/contenthash.h"
 #include "menufile/fileidentity.h"
+#include "menufile/menulinecursor.h"
 #include "menufile/windows1252codec.h"
 #include "model/errortable.h"
 #include "model/int16.h"
@@ -14,6 +16,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -27,55 +30,6 @@ struct ReadFailure
     int line;
     int errorNumber;
     QString reason;
-};
-
-/// Hands out the lines of a file in memory one by one. A line ends at CR LF, LF or CR; a last
-/// line without an end still counts, an end at the very end of the file starts no new line.
-class LineCursor
-{
-public:
-    explicit LineCursor(const QByteArray& bytes)
-        : m_data(bytes.constData())
-        , m_size(bytes.size())
-    {
-    }
-
-    /// The next line, or false at the end of the file.
-    bool next(QByteArrayView& line)
-    {
-        if (m_position >= m_size) {
-            return false;
-        }
-        const qsizetype start = m_position;
-        m_lineStart = start;
-        qsizetype end = start;
-        while (end < m_size && m_data[end] != '\r' && m_data[end] != '\n') {
-            ++end;
-        }
-        m_position = end;
-        if (m_position < m_size && m_data[m_position] == '\r') {
-            ++m_position;
-            if (m_position < m_size && m_data[m_position] == '\n') {
-                ++m_position;
-            }
-        } else if (m_position < m_size) {
-            ++m_position; // a lone LF
-        }
-        ++m_lineNumber;
-        line = QByteArrayView(m_data + start, end - start);
-        return true;
-    }
-
-    int lineNumber() const { return m_lineNumber; }
-    /// Bytes from the start of the current line to the end of the file.
-    qsizetype remaining() const { return m_size - m_lineStart; }
-
-private:
-    const char* m_data;
-    qsizetype m_size;
-    qsizetype m_position = 0;
-    qsizetype m_lineStart = 0;
-    int m_lineNumber = 0;
 };
 
 /// Whether the line, lower-cased, equals `tag` (lower-case ASCII). Tags are ASCII and no
@@ -274,23 +228,23 @@ public:
     }
 
 private:
-    /// The decoded extension, shared with every earlier occurrence of the same bytes. The views point
-    /// into the file's bytes, which outlive the reading.
+    /// The decoded extension, shared with every earlier occurrence of the same bytes. A key keeps a copy
+    /// of its bytes: the lines are gone once the next piece of the file is read.
     QString sharedExtension(QByteArrayView bytes)
     {
-        auto found = m_extensions.constFind(bytes);
+        auto found = m_extensions.constFind(QByteArray::fromRawData(bytes.data(), bytes.size()));
         if (found == m_extensions.constEnd()) {
-            found = m_extensions.insert(bytes, Windows1252Codec::decode(bytes));
+            found = m_extensions.insert(bytes.toByteArray(), Windows1252Codec::decode(bytes));
         }
         return found.value();
     }
 
     MenuDocument& m_document;
-    QHash<QByteArrayView, QString> m_extensions;
+    QHash<QByteArray, QString> m_extensions;
 };
 
 /// Advances to the next line or fails: the file ended before `expectedTag`.
-void nextLineOrFail(LineCursor& cursor, QByteArrayView& line, const char* expectedTag)
+void nextLineOrFail(MenuLineCursor& cursor, QByteArrayView& line, const char* expectedTag)
 {
     if (!cursor.next(line)) {
         throw ReadFailure { 0, ErrorNumber::InputPastEndOfFile,
@@ -308,7 +262,7 @@ template <typename LineHandler> void withLineNumber(int lineNumber, LineHandler 
     }
 }
 
-void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& document)
+void readSections(MenuLineCursor& cursor, QByteArrayView line, MenuDocument& document)
 {
     // Text before [Menu] is ignored; the magic line is the first one tested.
     while (!isTag(line, QLatin1String("[menu]"))) {
@@ -316,7 +270,7 @@ void readSections(LineCursor& cursor, QByteArrayView line, MenuDocument& documen
     }
 
     // Every line may be an item, up to the most a menu can hold; reserving spares the regrowth.
-    document.items.reserve(std::min<qsizetype>(std::count(line.data(), line.data() + cursor.remaining(), '\n'), 32768));
+    document.items.reserve(std::min<qsizetype>(cursor.lineBound(), 32768));
     ItemSectionReader itemReader(document);
     while (!isTag(line, QLatin1String("[/menu]"))) {
         nextLineOrFail(cursor, line, "[/Menu]");
@@ -372,39 +326,23 @@ QString byteOrderMarkHint(QByteArrayView bytes)
         .arg(encoding);
 }
 
-} // namespace
-
-QString notMenuFileMessage()
-{
-    return QStringLiteral("This is not a valid KELV Menu file !");
-}
-
-QString readFailureText(const QString& path, const MenuReadResult& result)
-{
-    const QString reason = result.reason.isEmpty() ? errorDescription(result.errorNumber) : result.reason;
-    if (result.line > 0) {
-        return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
-    }
-    return QStringLiteral("%1: %2").arg(path, reason);
-}
-
-MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
+/// Reads the menu from the lines of `cursor` into `document`.
+MenuReadResult readMenuLines(MenuLineCursor& cursor, MenuDocument& document)
 {
     document.items.clear();
     document.lastIndex = 0;
 
-    LineCursor cursor(bytes);
-    QByteArrayView line;
-    // An empty file has no magic line either: it is not a menu file.
-    if (!cursor.next(line) || line != QByteArrayView("KELV - Menu")) {
-        MenuReadResult result;
-        result.code = MenuReadResult::NotAMenuFile;
-        result.line = 1;
-        result.reason = notMenuFileMessage() + byteOrderMarkHint(bytes);
-        return result;
-    }
-
     try {
+        QByteArrayView line;
+        // An empty file has no magic line either: it is not a menu file. The first line starts at the
+        // file's first byte and holds any byte-order mark whole, as a mark holds no line end.
+        if (!cursor.next(line) || line != QByteArrayView("KELV - Menu")) {
+            MenuReadResult result;
+            result.code = MenuReadResult::NotAMenuFile;
+            result.line = 1;
+            result.reason = notMenuFileMessage() + byteOrderMarkHint(line);
+            return result;
+        }
         readSections(cursor, line, document);
         for (qsizetype i = 0; i < document.items.size(); ++i) {
             document.items[i].key = QLatin1Char('E') + QString::number(i);
@@ -423,11 +361,26 @@ MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
     return result;
 }
 
-MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes, FileIdentity* identity)
+MenuReadResult tooLarge(qint64 size)
 {
-    bytes.clear();
-    // Looked at before opening: opening a pipe for reading waits until something writes to it.
-    const QFileInfo info(path);
+    return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
+                                 QStringLiteral("is larger than any menu file can be (%1 bytes, at most %2)")
+                                     .arg(QString::number(size), QString::number(maximumMenuFileSize)) });
+}
+
+MenuReadResult unreadable(const QFile& file)
+{
+    return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
+                                 QStringLiteral("cannot be read: %1").arg(file.errorString()) });
+}
+
+/// Opens `file` for reading, or says why not. Refuses a path with no file, a folder, anything that is
+/// not a regular file and a file larger than any menu file can be, all before opening it: opening a
+/// pipe for reading waits until something writes to it. The file is closed when `file` goes, so no
+/// handle stays open whatever happens next.
+std::optional<MenuReadResult> openForReading(QFile& file)
+{
+    const QFileInfo info(file.fileName());
     if (!info.exists()) {
         return failure(ReadFailure { 0, ErrorNumber::FileNotFound, QStringLiteral("does not exist") });
     }
@@ -438,21 +391,44 @@ MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes, FileIde
         return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
                                      QStringLiteral("is not a regular file (a device, a pipe or a socket)") });
     }
-    const auto tooLarge = [](qint64 size) {
-        return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
-                                     QStringLiteral("is larger than any menu file can be (%1 bytes, at most %2)")
-                                         .arg(QString::number(size), QString::number(maximumMenuFileSize)) });
-    };
     if (info.size() > maximumMenuFileSize) {
         return tooLarge(info.size());
     }
-
-    // The whole file is read at once and closed at the end of this scope, so no handle stays open
-    // whatever happens next.
-    QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
                                      QStringLiteral("cannot be opened: %1").arg(file.errorString()) });
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+QString notMenuFileMessage()
+{
+    return QStringLiteral("This is not a valid KELV Menu file !");
+}
+
+QString readFailureText(const QString& path, const MenuReadResult& result)
+{
+    const QString reason = result.reason.isEmpty() ? errorDescription(result.errorNumber) : result.reason;
+    if (result.line > 0) {
+        return QStringLiteral("%1:%2: %3").arg(path, QString::number(result.line), reason);
+    }
+    return QStringLiteral("%1: %2").arg(path, reason);
+}
+
+MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document)
+{
+    MenuLineCursor cursor(bytes);
+    return readMenuLines(cursor, document);
+}
+
+MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes, FileIdentity* identity)
+{
+    bytes.clear();
+    QFile file(path);
+    if (const std::optional<MenuReadResult> refusal = openForReading(file)) {
+        return *refusal;
     }
     try {
         // One byte more than the bound shows a file that has grown beyond it since it was looked at.
@@ -461,8 +437,7 @@ MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes, FileIde
         return failure(ReadFailure { 0, ErrorNumber::OutOfMemory, QStringLiteral("is too large to read") });
     }
     if (file.error() != QFileDevice::NoError) {
-        return failure(ReadFailure { 0, ErrorNumber::PathFileAccessError,
-                                     QStringLiteral("cannot be read: %1").arg(file.errorString()) });
+        return unreadable(file);
     }
     if (bytes.size() > maximumMenuFileSize) {
         const qint64 size = file.size();
@@ -479,15 +454,24 @@ MenuReadResult readMenuFileBytes(const QString& path, QByteArray& bytes, FileIde
 
 MenuReadResult readMenuFile(const QString& path, MenuDocument& document, FileIdentity* identity)
 {
-    QByteArray bytes;
-    FileIdentity read;
-    const MenuReadResult loaded = readMenuFileBytes(path, bytes, identity != nullptr ? &read : nullptr);
-    if (!loaded.ok()) {
-        return loaded;
+    QFile file(path);
+    if (const std::optional<MenuReadResult> refusal = openForReading(file)) {
+        return *refusal;
     }
-    const MenuReadResult result = readMenuBytes(bytes, document);
+    ContentHash hash;
+    MenuLineCursor cursor(file, maximumMenuFileSize, identity != nullptr ? &hash : nullptr);
+    const MenuReadResult result = readMenuLines(cursor, document);
+    // The whole file is read whatever its lines held, as when it was read at once: a file that cannot be
+    // read to its end or has grown too large says so before anything its lines say.
+    cursor.readToEnd();
+    if (cursor.failure() == MenuLineCursor::Failure::Unreadable) {
+        return unreadable(file);
+    }
+    if (cursor.failure() == MenuLineCursor::Failure::TooLarge) {
+        return tooLarge(file.size());
+    }
     if (result.ok() && identity != nullptr) {
-        *identity = read;
+        *identity = FileIdentity::ofReadFile(file, cursor.bytesRead(), hash.result());
     }
     return result;
 }

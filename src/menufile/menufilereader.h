@@ -29,13 +29,15 @@ constexpr qint64 maximumMenuFileSize = qint64(256) * 1024 * 1024;
 /// copy-command links (opening a menu may derive them afterwards). On failure `document` is left
 /// partly filled and must be discarded; no file stays open.
 /// Only `items` and `lastIndex` of the document are touched. When `identity` is given and the file was
-/// read, it receives the identity of the file taken from the very bytes read.
+/// read, it receives the identity of the file taken from the very bytes read. The file is read a piece
+/// at a time as its lines are taken, never all at once, and always to its end; it is refused as
+/// readMenuFileBytes refuses it.
 MenuReadResult readMenuFile(const QString& path, MenuDocument& document, FileIdentity* identity = nullptr);
 
 /// The same as readMenuFile, on the bytes of a file already in memory.
 MenuReadResult readMenuBytes(const QByteArray& bytes, MenuDocument& document);
 
-/// The first step of readMenuFile: the whole file at `path` into `bytes`. Refuses a path with no
+/// The whole file at `path` into `bytes`. Refuses a path with no
 /// file, a folder, anything that is not a regular file (a pipe would wait for a writer for ever, a
 /// device such as /dev/zero never ends) and a file larger than maximumMenuFileSize, without reading
 /// from it; the result then says why (the reader's result codes). No file stays open. When `identity`

@@ -92,6 +92,25 @@ private Q_SLOTS:
         }
     }
 
+    void bytesTakenInPiecesHashAsTheirWhole()
+    {
+        QRandomGenerator random(11);
+        for (int round = 0; round < 2000; ++round) {
+            const QByteArray bytes = randomBytes(random, random.bounded(round % 5 == 0 ? 3000 : 150));
+            ContentHash pieces;
+            qsizetype at = 0;
+            while (at < bytes.size()) {
+                // Empty pieces, single bytes, and pieces around the 32 bytes a stripe takes.
+                const qsizetype size
+                    = std::min<qsizetype>(random.bounded(0, round % 2 == 0 ? 5 : 80), bytes.size() - at);
+                pieces.addData(QByteArrayView(bytes).sliced(at, size));
+                at += size;
+            }
+            QVERIFY2(pieces.result() == ContentHash::of(bytes), qPrintable(QString::number(round)));
+        }
+        QCOMPARE(ContentHash().result(), ContentHash::of(QByteArray()));
+    }
+
     void swappedWordsHashApart()
     {
         // Two words of a stripe exchanged, or two stripes: the order of the bytes counts.

@@ -1,5 +1,6 @@
 #include "menufixtures.h"
 
+#include "menufile/fileidentity.h"
 #include "menufile/menufilereader.h"
 #include "model/itemlookup.h"
 #include "model/menudocument.h"
@@ -33,9 +34,40 @@ QByteArray menuFile(const QStringList& itemLines, const QStringList& commandLine
     return menuFileFromLines(lines);
 }
 
+bool sameResult(const MenuReadResult& left, const MenuReadResult& right)
+{
+    return left.code == right.code && left.line == right.line && left.reason == right.reason
+        && left.errorNumber == right.errorNumber;
+}
+
+/// Reads `bytes` as a menu file in memory, and checks that the same bytes read from a file (a piece
+/// at a time, hashed as they come) give the same menu or the same failure, and the file's identity.
 MenuReadResult read(const QByteArray& bytes, MenuDocument& document)
 {
-    return readMenuBytes(bytes, document);
+    const MenuReadResult result = readMenuBytes(bytes, document);
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("menu.ini"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+        QTest::qFail("the menu file could not be written", __FILE__, __LINE__);
+        return result;
+    }
+    file.close();
+    MenuDocument fromFile;
+    FileIdentity identity;
+    const MenuReadResult fileResult = readMenuFile(path, fromFile, &identity);
+    if (!sameResult(fileResult, result)) {
+        QTest::qFail(qPrintable(QStringLiteral("the file read gives %1 at line %2: %3")
+                                    .arg(int(fileResult.code))
+                                    .arg(fileResult.line)
+                                    .arg(fileResult.reason)),
+                     __FILE__, __LINE__);
+    } else if (result.ok() && !(fromFile == document)) {
+        QTest::qFail("the file read gives another menu", __FILE__, __LINE__);
+    } else if (result.ok() && (identity.size() != bytes.size() || identity.hash() != FileIdentity::hashOf(bytes))) {
+        QTest::qFail("the file read gives another identity", __FILE__, __LINE__);
+    }
+    return result;
 }
 
 void compareFailure(const MenuReadResult& result, int line, const QString& reason, int errorNumber)
@@ -437,6 +469,33 @@ private Q_SLOTS:
         itemLines.append(QStringLiteral("one too many"));
         const MenuReadResult result = read(menuFile(itemLines, {}), document);
         compareFailure(result, 4 + 32768, QStringLiteral("holds more than 32767 items"), 6);
+    }
+
+    void aMenuOfManyPiecesReadsFromItsFileAsFromMemory()
+    {
+        // Well over the piece the reader takes at a time, with long lines and every kind of line end,
+        // so that lines and CR LF pairs straddle the pieces.
+        QRandomGenerator random(17);
+        QStringList itemLines;
+        QStringList commandLines;
+        for (int i = 0; i < 3000; ++i) {
+            itemLines.append(markers(random.bounded(0, std::min(i, 6))) + QStringLiteral("Item %1 ").arg(i)
+                             + QString(random.bounded(0, 300), QLatin1Char('c')));
+            commandLines.append(
+                QStringLiteral("%1:*=%2").arg(i + 1).arg(QString(random.bounded(0, 900), QLatin1Char('x'))));
+        }
+        for (const char* lineEnd : { "\r\n", "\n", "\r" }) {
+            QStringList lines { QStringLiteral("KELV - Menu"), QStringLiteral("[Menu]") };
+            lines += itemLines;
+            lines += { QStringLiteral("[/Menu]"), QStringLiteral("[Commands]") };
+            lines += commandLines;
+            lines += { QStringLiteral("[/Commands]"), QStringLiteral("text after the menu is ignored") };
+            const QByteArray bytes = menuFileFromLines(lines, lineEnd);
+            QVERIFY(bytes.size() > 1024 * 1024);
+            MenuDocument document;
+            QVERIFY(read(bytes, document).ok());
+            QCOMPARE(document.items.size(), qsizetype(3000));
+        }
     }
 
     void readingAFileLeavesNoHandleOpen()
