@@ -177,11 +177,29 @@ FileIdentity::Change FileIdentity::changeAt(const QString& path, FileIdentity* c
     if (!file.open(QIODevice::ReadOnly)) {
         return Change::Changed;
     }
-    const QByteArray bytes = file.read(std::min(m_size, maximumMenuFileSize) + 1);
-    if (file.error() != QFileDevice::NoError || hashOf(bytes) != m_hash) {
+    // Hashed a piece at a time: the check never holds a whole menu's bytes beside the open document.
+    // One byte more than the identity's length shows a file that has grown since it was looked at.
+    constexpr qint64 pieceSize = 256 * 1024;
+    const qint64 wanted = std::min(m_size, maximumMenuFileSize) + 1;
+    QByteArray piece(qsizetype(std::min(pieceSize, wanted)), Qt::Uninitialized);
+    ContentHash hash;
+    qint64 length = 0;
+    while (length < wanted) {
+        const qint64 got = file.read(piece.data(), std::min<qint64>(piece.size(), wanted - length));
+        if (got < 0) {
+            return Change::Changed;
+        }
+        if (got == 0) {
+            break;
+        }
+        hash.addData(QByteArrayView(piece.constData(), qsizetype(got)));
+        length += got;
+    }
+    const QByteArray bytesHash = hash.result();
+    if (bytesHash != m_hash) {
         return Change::Changed;
     }
-    const FileIdentity now = ofOpenFile(file, bytes);
+    const FileIdentity now = ofReadFile(file, length, bytesHash);
     if (current != nullptr) {
         *current = now;
     }

@@ -2,6 +2,7 @@
 
 #include "menufile/fileidentity.h"
 #include "menufile/menufilereader.h"
+#include "model/menudocument.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -238,6 +239,39 @@ private Q_SLOTS:
         FileIdentity current;
         QCOMPARE(recent.changeAt(m_path, &current), FileIdentity::Change::Unchanged);
         QCOMPARE(current, recent);
+    }
+
+    void aMenuOfManyPiecesKeepsItsIdentityWhenReadAndChecked()
+    {
+        // Far larger than the pieces the reader and the check take at a time.
+        QStringList lines = exampleMenuLines();
+        const qsizetype commandsEnd = lines.indexOf(QStringLiteral("[/Commands]"));
+        for (int i = 0; i < 4000; ++i) {
+            lines.insert(commandsEnd, QStringLiteral("1:*=%1").arg(QString(200, QLatin1Char('x'))));
+        }
+        const QByteArray bytes = menuFileFromLines(lines);
+        QVERIFY(bytes.size() > 3 * 256 * 1024);
+        writeFile(m_path, bytes);
+        setModified(m_path, anHourAgo());
+
+        const FileIdentity whole = identityRead(m_path);
+        MenuDocument document;
+        FileIdentity pieces;
+        QVERIFY(readMenuFile(m_path, document, &pieces).ok());
+        QCOMPARE(pieces, whole);
+        QCOMPARE(pieces.hash(), FileIdentity::hashOf(bytes));
+
+        setModified(m_path, QDateTime::fromMSecsSinceEpoch(whole.modifiedNanoseconds() / 1000000 + 60000, Qt::UTC));
+        QCOMPARE(whole.changeAt(m_path), FileIdentity::Change::Touched);
+
+        // One byte near the end, same length, in place.
+        QByteArray other = bytes;
+        other[other.size() - 20] = 'y';
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QCOMPARE(file.write(other), other.size());
+        file.close();
+        QCOMPARE(whole.changeAt(m_path), FileIdentity::Change::Changed);
     }
 
     void aFileThatIsGoneIsMissingAndAFolderIsAChange()
