@@ -208,8 +208,7 @@ void DiskChangeWatch::keepMine(qint16 index)
     Dismissed dismissed;
     QFile file(m_state.document(index).filePath);
     if (file.open(QIODevice::ReadOnly)) {
-        const QByteArray bytes = file.readAll();
-        dismissed.seen = FileIdentity::ofOpenFile(file, bytes);
+        dismissed.seen = FileIdentity::ofFileRead(file);
     } else {
         dismissed.missing = !file.exists();
     }

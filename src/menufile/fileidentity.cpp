@@ -142,6 +142,38 @@ FileIdentity FileIdentity::ofHashedDescriptor(int descriptor, qint64 length, con
     return FileIdentity(length, 0, 0, 0, hash);
 }
 
+FileIdentity FileIdentity::ofFileRead(QFileDevice& file)
+{
+    qint64 length = 0;
+    QByteArray hash;
+    if (!hashPieces(file, maximumMenuFileSize + 1, length, hash)) {
+        return FileIdentity();
+    }
+    return ofReadFile(file, length, hash);
+}
+
+bool FileIdentity::hashPieces(QFileDevice& file, qint64 wanted, qint64& length, QByteArray& hash)
+{
+    // A piece at a time: the hash never holds a whole menu's bytes beside the open document.
+    constexpr qint64 pieceSize = 256 * 1024;
+    QByteArray piece(qsizetype(std::min(pieceSize, wanted)), Qt::Uninitialized);
+    ContentHash pieces;
+    length = 0;
+    while (length < wanted) {
+        const qint64 got = file.read(piece.data(), std::min<qint64>(piece.size(), wanted - length));
+        if (got < 0) {
+            return false;
+        }
+        if (got == 0) {
+            break;
+        }
+        pieces.addData(QByteArrayView(piece.constData(), qsizetype(got)));
+        length += got;
+    }
+    hash = pieces.result();
+    return true;
+}
+
 QByteArray FileIdentity::hashOf(QByteArrayView bytes)
 {
     return ContentHash::of(bytes);
@@ -177,26 +209,10 @@ FileIdentity::Change FileIdentity::changeAt(const QString& path, FileIdentity* c
     if (!file.open(QIODevice::ReadOnly)) {
         return Change::Changed;
     }
-    // Hashed a piece at a time: the check never holds a whole menu's bytes beside the open document.
     // One byte more than the identity's length shows a file that has grown since it was looked at.
-    constexpr qint64 pieceSize = 256 * 1024;
-    const qint64 wanted = std::min(m_size, maximumMenuFileSize) + 1;
-    QByteArray piece(qsizetype(std::min(pieceSize, wanted)), Qt::Uninitialized);
-    ContentHash hash;
     qint64 length = 0;
-    while (length < wanted) {
-        const qint64 got = file.read(piece.data(), std::min<qint64>(piece.size(), wanted - length));
-        if (got < 0) {
-            return Change::Changed;
-        }
-        if (got == 0) {
-            break;
-        }
-        hash.addData(QByteArrayView(piece.constData(), qsizetype(got)));
-        length += got;
-    }
-    const QByteArray bytesHash = hash.result();
-    if (bytesHash != m_hash) {
+    QByteArray bytesHash;
+    if (!hashPieces(file, std::min(m_size, maximumMenuFileSize) + 1, length, bytesHash) || bytesHash != m_hash) {
         return Change::Changed;
     }
     const FileIdentity now = ofReadFile(file, length, bytesHash);
