@@ -4,6 +4,7 @@
 #include "app/paintingsuspended.h"
 #include "app/plaintooltip.h"
 #include "app/shapechange.h"
+#include "app/treebranchstyle.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
 
@@ -24,6 +25,7 @@
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStyleFactory>
 #include <QToolTip>
 
 #include <algorithm>
@@ -46,6 +48,11 @@ ItemTree::ItemTree(QWidget* parent)
     setDragEnabled(false);
     setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
+    if (QStyle* own = QStyleFactory::create(QApplication::style()->name())) {
+        auto* branchStyle = new TreeBranchStyle(own);
+        branchStyle->setParent(this);
+        setStyle(branchStyle);
+    }
     // The nesting of submenus must be visible at a glance: the style's own indentation and expand
     // markers, on the root too. A narrower indentation leaves the markers as dots.
     resetIndentation();

@@ -1,0 +1,81 @@
+#include "treebranchstyle.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QStyleOptionViewItem>
+
+#include <algorithm>
+
+namespace {
+
+/// The most branch parts whose blankness is kept; a palette change makes new ones.
+constexpr qsizetype keptBranchParts = 256;
+
+/// What tells branch parts apart for the style: all of it is drawn from these.
+struct BranchPart
+{
+    quint32 state;
+    int width;
+    int height;
+    int direction;
+    qint64 palette;
+};
+static_assert(sizeof(BranchPart) == 24, "a branch part's key has no padding");
+
+} // namespace
+
+TreeBranchStyle::TreeBranchStyle(QStyle* base)
+    : QProxyStyle(base)
+{
+}
+
+void TreeBranchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                                    const QWidget* widget) const
+{
+    if (element == PE_IndicatorBranch && option != nullptr && !(option->state & State_Children)
+        && drawsNothing(option, widget)) {
+        return;
+    }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+bool TreeBranchStyle::drawsNothing(const QStyleOption* option, const QWidget* widget) const
+{
+    const QSize size = option->rect.size();
+    if (size.isEmpty() || size.width() > 1024 || size.height() > 1024) {
+        return false;
+    }
+    const BranchPart part { quint32(option->state), size.width(), size.height(), int(option->direction),
+                            option->palette.cacheKey() };
+    const QByteArray key(reinterpret_cast<const char*>(&part), sizeof(part));
+    const auto found = m_blank.constFind(key);
+    if (found != m_blank.constEnd()) {
+        return found.value();
+    }
+
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    {
+        QPainter painter(&image);
+        // The same kind of option as the tree's, moved to the image.
+        if (const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option)) {
+            QStyleOptionViewItem moved(*item);
+            moved.rect.moveTo(0, 0);
+            baseStyle()->drawPrimitive(PE_IndicatorBranch, &moved, &painter, widget);
+        } else {
+            QStyleOption moved(*option);
+            moved.rect.moveTo(0, 0);
+            baseStyle()->drawPrimitive(PE_IndicatorBranch, &moved, &painter, widget);
+        }
+    }
+    bool blank = true;
+    for (int y = 0; y < image.height() && blank; ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        blank = std::all_of(line, line + image.width(), [](QRgb pixel) { return pixel == 0; });
+    }
+    if (m_blank.size() >= keptBranchParts) {
+        m_blank.clear();
+    }
+    m_blank.insert(key, blank);
+    return blank;
+}
