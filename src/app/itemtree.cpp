@@ -25,7 +25,6 @@
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalBlocker>
-#include <QStyleFactory>
 #include <QToolTip>
 
 #include <algorithm>
@@ -48,11 +47,7 @@ ItemTree::ItemTree(QWidget* parent)
     setDragEnabled(false);
     setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
-    if (QStyle* own = QStyleFactory::create(QApplication::style()->name())) {
-        auto* branchStyle = new TreeBranchStyle(own);
-        branchStyle->setParent(this);
-        setStyle(branchStyle);
-    }
+    TreeBranchStyle::installOn(this);
     // The nesting of submenus must be visible at a glance: the style's own indentation and expand
     // markers, on the root too. A narrower indentation leaves the markers as dots.
     resetIndentation();

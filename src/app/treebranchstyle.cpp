@@ -1,7 +1,9 @@
 #include "treebranchstyle.h"
 
+#include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <QStyleFactory>
 #include <QStyleOptionViewItem>
 
 #include <algorithm>
@@ -27,6 +29,15 @@ static_assert(sizeof(BranchPart) == 24, "a branch part's key has no padding");
 TreeBranchStyle::TreeBranchStyle(QStyle* base)
     : QProxyStyle(base)
 {
+}
+
+void TreeBranchStyle::installOn(QWidget* tree)
+{
+    if (QStyle* own = QStyleFactory::create(QApplication::style()->name())) {
+        auto* style = new TreeBranchStyle(own);
+        style->setParent(tree);
+        tree->setStyle(style);
+    }
 }
 
 void TreeBranchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

@@ -17,6 +17,10 @@ public:
     /// Draws as `base` does; takes ownership of `base`.
     explicit TreeBranchStyle(QStyle* base);
 
+    /// Gives `tree` a style of its own: the application's, asking only for branch parts it draws. The
+    /// tree owns it. Where the application's style cannot be made again, the tree keeps that one.
+    static void installOn(QWidget* tree);
+
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget = nullptr) const override;
 
