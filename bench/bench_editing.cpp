@@ -4,9 +4,9 @@
 // the choice of a link target, Rename, Paste, Duplicate, drops within a window and into another one, Move up, and
 // the Undo of each, which brings the tree back, beside a plain Refresh of the same menu.
 // Run by hand on a release build (QT_QPA_PLATFORM=offscreen works): kelvbench_editing [runs]
-// [find|undo|all] [flat|deep|mixed] ("find": the find bar's tables alone; "undo": the editing tables of
-// 32,767-item menus alone, with rename and paste; a shape name keeps the tables to that shape, e.g. to
-// profile one).
+// [find|typing|undo|all] [flat|deep|mixed] ("find": the find bar's tables alone; "typing": its
+// narrowing keystroke alone; "undo": the editing tables of 32,767-item menus alone, with rename and
+// paste; a shape name keeps the tables to that shape, e.g. to profile one).
 
 #include "benchtiming.h"
 #include "menugenerator.h"
@@ -539,12 +539,17 @@ void benchReplace(QTextStream& out, int runs)
     }
 }
 
-void benchFind(QTextStream& out, int runs)
+/// The find bar's keystrokes; `typingOnly`: the narrowing keystroke alone, to profile it.
+void benchFind(QTextStream& out, int runs, bool typingOnly)
 {
-    printHeader(out,
-                { QStringLiteral("shape"), QStringLiteral("letter"), QStringLiteral("caption"),
-                  QStringLiteral("typing"), QStringLiteral("commands"), QStringLiteral("no match"),
-                  QStringLiteral("step") });
+    if (typingOnly) {
+        printHeader(out, { QStringLiteral("shape"), QStringLiteral("typing") });
+    } else {
+        printHeader(out,
+                    { QStringLiteral("shape"), QStringLiteral("letter"), QStringLiteral("caption"),
+                      QStringLiteral("typing"), QStringLiteral("commands"), QStringLiteral("no match"),
+                      QStringLiteral("step") });
+    }
     for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
@@ -571,8 +576,9 @@ void benchFind(QTextStream& out, int runs)
             menu.items[edited].caption = QStringLiteral("Edited %1").arg(++edits);
             bar->menuChanged();
         };
-        if (qEnvironmentVariableIsSet("TYPING_ONLY")) {
-            const double t = medianMilliseconds(
+        // A keystroke that narrows the matches of the one before.
+        const auto narrowing = [&] {
+            return medianMilliseconds(
                 runs,
                 [text, &afresh] {
                     afresh();
@@ -580,20 +586,15 @@ void benchFind(QTextStream& out, int runs)
                     paint();
                 },
                 keystroke(QStringLiteral("Item 123")));
-            out << "typing " << t << "\n";
-            return;
+        };
+        if (typingOnly) {
+            out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(narrowing()) << "\n";
+            out.flush();
+            continue;
         }
         const double letter = medianMilliseconds(runs, afresh, keystroke(QStringLiteral("i")));
         const double caption = medianMilliseconds(runs, afresh, keystroke(QStringLiteral("Item 12")));
-        // A keystroke that narrows the matches of the one before.
-        const double typing = medianMilliseconds(
-            runs,
-            [text, &afresh] {
-                afresh();
-                text->setText(QStringLiteral("Item 12"));
-                paint();
-            },
-            keystroke(QStringLiteral("Item 123")));
+        const double typing = narrowing();
         // F3 on to the next match: the showing and the paint alone, without a search.
         const double step = medianMilliseconds(
             runs, [] {},
@@ -655,16 +656,19 @@ void benchFinder(QTextStream& out, int runs)
 }
 
 /// The find bar: a keystroke in the bar, then the search alone.
-void benchFindBar(QTextStream& out, int runs)
+void benchFindBar(QTextStream& out, int runs, bool typingOnly = false)
 {
     out << "32,767 items. One keystroke in the find bar: the search, the first match shown as a click\n"
            "shows it, and the paint; each the first after a caption was edited but typing. letter: \"i\", in\n"
            "every caption; caption: \"Item 12\"; typing: \"Item 123\" after \"Item 12\"; commands: \"$fs-00\"\n"
            "also in the commands; no match: in the commands, none; step: F3 to the next match, no search.\n";
-    benchFind(out, runs);
+    benchFind(out, runs, typingOnly);
+    if (typingOnly) {
+        return;
+    }
     out << "\nThe same searches alone, without the bar, the showing and the paint, each planning the tree\n"
            "afresh as after a change of its shape; cmd type: \"$fs-001\" after \"$fs-00\", in the commands.\n";
-    if (!qEnvironmentVariableIsSet("TYPING_ONLY")) benchFinder(out, runs);
+    benchFinder(out, runs);
 }
 
 } // namespace
@@ -675,6 +679,7 @@ int main(int argc, char* argv[])
     const QStringList arguments = QCoreApplication::arguments();
     const int runs = arguments.size() > 1 ? std::max(1, arguments.at(1).toInt()) : 5;
     const bool findOnly = arguments.size() > 2 && arguments.at(2) == QLatin1String("find");
+    const bool typingOnly = arguments.size() > 2 && arguments.at(2) == QLatin1String("typing");
     const bool undoOnly = arguments.size() > 2 && arguments.at(2) == QLatin1String("undo");
 
     QTextStream out(stdout);
@@ -683,8 +688,8 @@ int main(int argc, char* argv[])
            "10,000 items. Each time includes the undo snapshot and the paint that follows; undo: the\n"
            "Undo of the operation before it, which brings the tree back.\n\n";
     try {
-        if (findOnly) {
-            benchFindBar(out, runs);
+        if (findOnly || typingOnly) {
+            benchFindBar(out, runs, typingOnly);
             return 0;
         }
         out << "32,767 items. refresh: Refresh List; delete: Delete of the branch; new: New Item up to\n"

@@ -1,5 +1,7 @@
 #include "itemsidepanel.h"
 
+#include "app/pathlabel.h"
+
 #include "app/plaintooltip.h"
 #include "core/tooltiptexts.h"
 #include "editing/itempanel.h"
@@ -30,10 +32,8 @@ ItemSidePanel::ItemSidePanel(QWidget* parent)
     : QWidget(parent)
 {
     setObjectName(QStringLiteral("pnlItem"));
-    m_lblPath = new QLabel(this);
+    m_lblPath = new PathLabel(this);
     m_lblPath->setObjectName(QStringLiteral("lblPath"));
-    m_lblPath->setWordWrap(true);
-    m_lblPath->setTextFormat(Qt::PlainText); // a caption such as "<b>" is shown as typed
     // Plain text, not selectable: a selectable label lays its text out as a rich document, which for
     // an item hundreds of levels deep took 4 ms of every click on it. The node's tooltip tells the
     // path too.
