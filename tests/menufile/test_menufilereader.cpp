@@ -479,7 +479,7 @@ private Q_SLOTS:
         QStringList itemLines;
         QStringList commandLines;
         for (int i = 0; i < 3000; ++i) {
-            itemLines.append(markers(random.bounded(0, std::min(i, 6))) + QStringLiteral("Item %1 ").arg(i)
+            itemLines.append(markers(i == 0 ? 0 : random.bounded(0, std::min(i, 6))) + QStringLiteral("Item %1 ").arg(i)
                              + QString(random.bounded(0, 300), QLatin1Char('c')));
             commandLines.append(
                 QStringLiteral("%1:*=%2").arg(i + 1).arg(QString(random.bounded(0, 900), QLatin1Char('x'))));
