@@ -393,10 +393,14 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         }
     }
     std::vector<TreeNode*> emptyBranches;
+    // Old nodes that go only once the kept nodes below them have moved out (step 3); mostly none.
+    bool keptHolders = false;
     for (TreeNode* node : current) {
-        if (node != rootNode && holdsKept[size_t(node->ordinal)] == 0
-            && holdsKept[size_t(node->parent->ordinal)] != 0) {
+        const size_t ordinal = size_t(node->ordinal);
+        if (node != rootNode && holdsKept[ordinal] == 0 && holdsKept[size_t(node->parent->ordinal)] != 0) {
             emptyBranches.push_back(node);
+        } else if (holdsKept[ordinal] != 0 && kept[ordinal] == 0) {
+            keptHolders = true;
         }
     }
     std::vector<TreeNode*> gone;
@@ -445,9 +449,11 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         return node == rootNode || targetOfKey.value(node->key, -1) >= 0;
     };
     std::vector<TreeNode*> leftOver;
-    for (TreeNode* node : branchInPreOrder(rootNode)) {
-        if (!isKept(node) && isKept(node->parent)) {
-            leftOver.push_back(node);
+    if (keptHolders) {
+        for (TreeNode* node : branchInPreOrder(rootNode)) {
+            if (!isKept(node) && isKept(node->parent)) {
+                leftOver.push_back(node);
+            }
         }
     }
     for (TreeNode* top : leftOver) {
