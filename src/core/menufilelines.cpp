@@ -1,5 +1,7 @@
 #include "menufilelines.h"
 
+#include "menufile/menulinecursor.h"
+
 #include <QByteArrayView>
 
 namespace {
@@ -57,55 +59,12 @@ int itemIndexOf(QByteArrayView line, int itemCount)
     return int(value - 1);
 }
 
-/// The lines of a file in memory: a line ends at CR LF, LF or CR.
-class Lines
-{
-public:
-    explicit Lines(const QByteArray& bytes)
-        : m_bytes(bytes)
-    {
-    }
-
-    bool next(QByteArrayView& line)
-    {
-        const qsizetype size = m_bytes.size();
-        if (m_position >= size) {
-            return false;
-        }
-        const char* data = m_bytes.constData();
-        const qsizetype start = m_position;
-        qsizetype end = start;
-        while (end < size && data[end] != '\r' && data[end] != '\n') {
-            ++end;
-        }
-        m_position = end;
-        if (m_position < size && data[m_position] == '\r') {
-            ++m_position;
-            if (m_position < size && data[m_position] == '\n') {
-                ++m_position;
-            }
-        } else if (m_position < size) {
-            ++m_position; // a lone LF
-        }
-        ++m_number;
-        line = QByteArrayView(data + start, end - start);
-        return true;
-    }
-
-    int number() const { return m_number; }
-
-private:
-    const QByteArray& m_bytes;
-    qsizetype m_position = 0;
-    int m_number = 0;
-};
-
 } // namespace
 
 MenuFileLines MenuFileLines::scan(const QByteArray& bytes)
 {
     MenuFileLines found;
-    Lines lines(bytes);
+    MenuLineCursor lines(bytes);
     QByteArrayView line;
     if (!lines.next(line)) {
         return found;
@@ -124,7 +83,7 @@ MenuFileLines MenuFileLines::scan(const QByteArray& bytes)
         while (markers < line.size() && line[markers] == marker) {
             ++markers;
         }
-        found.itemLines.append(lines.number());
+        found.itemLines.append(lines.lineNumber());
         found.itemMarkers.append(int(markers));
     }
     found.commandLines.resize(found.itemLines.size());
@@ -140,7 +99,7 @@ MenuFileLines MenuFileLines::scan(const QByteArray& bytes)
         }
         const int index = itemIndexOf(line, int(found.itemLines.size()));
         if (index >= 0) {
-            found.commandLines[index].append(lines.number());
+            found.commandLines[index].append(lines.lineNumber());
         }
     }
     return found;
