@@ -34,9 +34,6 @@ ItemSidePanel::ItemSidePanel(QWidget* parent)
     setObjectName(QStringLiteral("pnlItem"));
     m_lblPath = new PathLabel(this);
     m_lblPath->setObjectName(QStringLiteral("lblPath"));
-    // Plain text, not selectable: a selectable label lays its text out as a rich document, which for
-    // an item hundreds of levels deep took 4 ms of every click on it. The node's tooltip tells the
-    // path too.
 
     auto* commandsCaption = new QLabel(tr("Commands of the item:"), this);
     commandsCaption->setObjectName(QStringLiteral("lblCommands"));

@@ -5,7 +5,6 @@
 #include <QHash>
 #include <QPainter>
 #include <QPen>
-#include <QStyle>
 #include <QStyleOption>
 #include <QTextLayout>
 #include <QtMath>
@@ -18,6 +17,14 @@ namespace {
 bool breaksAfter(QChar character)
 {
     return character.isSpace() && character.decompositionTag() != QChar::NoBreak;
+}
+
+/// Whether a label lays `text` out other than word by word: a tab steps to the next tab stop, a soft
+/// hyphen shows only where a line breaks at it, and control characters may end lines.
+bool laysOutSpecially(const QString& text)
+{
+    return std::any_of(text.cbegin(), text.cend(),
+                       [](QChar character) { return character.unicode() < 0x20 || character.unicode() == 0xAD; });
 }
 
 } // namespace
@@ -38,6 +45,7 @@ void PathLabel::measureWords() const
     m_measuredText = shown;
     m_measuredFont = font();
     m_measured = true;
+    m_special = laysOutSpecially(shown);
     m_words.clear();
 
     const QFontMetricsF metrics(m_measuredFont);
@@ -128,23 +136,9 @@ qreal PathLabel::linesHeight(qsizetype count) const
 
 QSize PathLabel::extraRoom() const
 {
-    int across = 2 * margin();
-    int down = across;
-    int indentation = indent();
-    if (indentation < 0 && frameWidth() != 0) {
-        indentation = fontMetrics().horizontalAdvance(QLatin1Char('x')) - 2 * margin();
-    }
-    if (indentation > 0) {
-        const Qt::Alignment aligned = QStyle::visualAlignment(layoutDirection(), alignment());
-        if (aligned & (Qt::AlignLeft | Qt::AlignRight)) {
-            across += indentation;
-        }
-        if (aligned & (Qt::AlignTop | Qt::AlignBottom)) {
-            down += indentation;
-        }
-    }
+    // Without frame or indent, the margin all round and the contents margins.
     const QMargins margins = contentsMargins();
-    return QSize(across + margins.left() + margins.right(), down + margins.top() + margins.bottom());
+    return QSize(2 * margin() + margins.left() + margins.right(), 2 * margin() + margins.top() + margins.bottom());
 }
 
 QSize PathLabel::sizeForWidth(int width) const
@@ -179,15 +173,29 @@ QSize PathLabel::sizeForWidth(int width) const
     return (text + extra).expandedTo(minimumSize());
 }
 
-QSize PathLabel::sizeHint() const
+bool PathLabel::measuresItself() const
 {
     // An empty label measures nothing; the label's own sizes are quick then.
-    return text().isEmpty() ? QLabel::sizeHint() : sizeForWidth(-1);
+    const QString shown = text();
+    if (shown.isEmpty() || textFormat() != Qt::PlainText || !wordWrap() || indent() > 0 || frameWidth() != 0
+        || (textInteractionFlags() & Qt::TextSelectableByMouse) || !isEnabled() || layoutDirection() != Qt::LeftToRight
+        || (alignment() & Qt::AlignHorizontal_Mask) != Qt::AlignLeft) {
+        return false;
+    }
+    if (!m_measured || shown != m_measuredText) {
+        return !laysOutSpecially(shown);
+    }
+    return !m_special;
+}
+
+QSize PathLabel::sizeHint() const
+{
+    return measuresItself() ? sizeForWidth(-1) : QLabel::sizeHint();
 }
 
 QSize PathLabel::minimumSizeHint() const
 {
-    if (text().isEmpty()) {
+    if (!measuresItself()) {
         return QLabel::minimumSizeHint();
     }
     const QSize preferred = sizeForWidth(-1);
@@ -199,21 +207,19 @@ QSize PathLabel::minimumSizeHint() const
 
 int PathLabel::heightForWidth(int width) const
 {
-    return text().isEmpty() ? QLabel::heightForWidth(width) : sizeForWidth(width).height();
+    return measuresItself() ? sizeForWidth(width).height() : QLabel::heightForWidth(width);
 }
 
 void PathLabel::paintEvent(QPaintEvent* event)
 {
-    if (text().isEmpty()) {
+    if (!measuresItself()) {
         QLabel::paintEvent(event);
         return;
     }
     measureWords();
     QPainter painter(this);
     drawFrame(&painter);
-    QRect area = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
-    const QMargins margins = contentsMargins();
-    area.setLeft(area.left() + extraRoom().width() - 2 * margin() - margins.left() - margins.right());
+    const QRect area = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
 
     std::vector<Line> laidOut = lines(area.width());
     // Lines below the label's foot are cut away and do not count in centring the text, as a label

@@ -6,12 +6,18 @@
 
 #include <vector>
 
-/// The label that shows the selected node's full path, left-aligned and wrapped at the spaces between
-/// words as a word-wrapped QLabel wraps it. A QLabel lays its whole text out anew for every size the window asks
+/// The label that shows the selected node's full path, wrapped at the spaces between words as a
+/// word-wrapped QLabel wraps it. A QLabel lays its whole text out anew for every size the window asks
 /// of it and once more to paint it, half a dozen times per click on a node; for a node a hundred
 /// levels deep, whose path runs to a thousand characters, that was a good part of the click. This
 /// label measures the words of its text once per text and font, and finds every size and the lines
 /// it paints from those measures.
+///
+/// It shows its text as typed (a caption such as "<b>" stays as it is) and not selectable: a
+/// selectable label lays its text out as a rich document, which for such an item took 4 ms of every
+/// click on it; the node's tooltip tells the path too. Measuring itself covers the label as the side
+/// panel shows it: plain text, enabled, left to right, aligned left, without frame or indent, and a
+/// text without tabs, soft hyphens or control characters. Anything else is left to QLabel.
 class PathLabel final : public QLabel
 {
     Q_OBJECT
@@ -28,6 +34,9 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    /// Whether the label's setup and text are those it measures and paints itself.
+    bool measuresItself() const;
+
     /// A piece of the text no line breaks within: a word and the spaces after it.
     struct Word
     {
@@ -59,12 +68,13 @@ private:
     /// The size of the label that shows its text at most `width` wide (-1: the width it prefers),
     /// worked out as a QLabel works it out.
     QSize sizeForWidth(int width) const;
-    /// The room the text leaves for margins and indent, across and down.
+    /// The room the text leaves for margins, across and down.
     QSize extraRoom() const;
 
     mutable QString m_measuredText;
     mutable QFont m_measuredFont;
     mutable bool m_measured = false;
+    mutable bool m_special = false;
     mutable std::vector<Word> m_words;
     mutable qreal m_lineHeight = 0;
     mutable qreal m_leading = 0;

@@ -16,13 +16,15 @@ constexpr qsizetype keptBranchParts = 256;
 /// What tells branch parts apart for the style: all of it is drawn from these.
 struct BranchPart
 {
-    quint32 state;
-    int width;
-    int height;
-    int direction;
+    qint64 state;
+    qint64 width;
+    qint64 height;
+    qint64 direction;
+    /// Device pixels per pixel, in thousandths.
+    qint64 ratio;
     qint64 palette;
 };
-static_assert(sizeof(BranchPart) == 24, "a branch part's key has no padding");
+static_assert(sizeof(BranchPart) == 6 * sizeof(qint64), "a branch part's key has no padding");
 
 } // namespace
 
@@ -56,15 +58,18 @@ bool TreeBranchStyle::drawsNothing(const QStyleOption* option, const QWidget* wi
     if (size.isEmpty() || size.width() > 1024 || size.height() > 1024) {
         return false;
     }
-    const BranchPart part { quint32(option->state), size.width(), size.height(), int(option->direction),
-                            option->palette.cacheKey() };
+    // Drawn aside at the device pixel ratio of the screen the tree is on, as the style draws it there.
+    const qreal ratio = widget != nullptr ? widget->devicePixelRatioF() : 1.0;
+    const BranchPart part { qint64(option->state),     size.width(),           size.height(),
+                            qint64(option->direction), qRound64(ratio * 1000), option->palette.cacheKey() };
     const QByteArray key(reinterpret_cast<const char*>(&part), sizeof(part));
     const auto found = m_blank.constFind(key);
     if (found != m_blank.constEnd()) {
         return found.value();
     }
 
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    QImage image((QSizeF(size) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
     image.fill(Qt::transparent);
     {
         QPainter painter(&image);

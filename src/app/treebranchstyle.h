@@ -18,7 +18,8 @@ public:
     explicit TreeBranchStyle(QStyle* base);
 
     /// Gives `tree` a style of its own: the application's, asking only for branch parts it draws. The
-    /// tree owns it. Where the application's style cannot be made again, the tree keeps that one.
+    /// tree owns it. Where the application's style cannot be made again, the tree keeps that one. The
+    /// style is the one the application had then; the editor never changes its style while it runs.
     static void installOn(QWidget* tree);
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

@@ -2,6 +2,7 @@
 
 #include "menufile/contenthash.h"
 #include "menufile/menufilereader.h"
+#include "menufile/menulinecursor.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -155,8 +156,7 @@ FileIdentity FileIdentity::ofFileRead(QFileDevice& file)
 bool FileIdentity::hashPieces(QFileDevice& file, qint64 wanted, qint64& length, QByteArray& hash)
 {
     // A piece at a time: the hash never holds a whole menu's bytes beside the open document.
-    constexpr qint64 pieceSize = 256 * 1024;
-    QByteArray piece(qsizetype(std::min(pieceSize, wanted)), Qt::Uninitialized);
+    QByteArray piece(qsizetype(std::min<qint64>(MenuLineCursor::defaultPieceSize, wanted)), Qt::Uninitialized);
     ContentHash pieces;
     length = 0;
     while (length < wanted) {

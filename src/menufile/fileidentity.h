@@ -34,8 +34,8 @@ public:
     /// The same for a file read in pieces, no longer all in memory: its `length` bytes hashed into
     /// `hash` (as hashOf gives it).
     static FileIdentity ofReadFile(const QFileDevice& file, qint64 length, const QByteArray& hash);
-    /// Reads the open `file` from where it stands to its end, a piece at a time, and gives its
-    /// identity; a null identity when it cannot be read.
+    /// Reads the open `file` from where it stands to its end (or to one byte past the largest menu
+    /// file), a piece at a time, and gives its identity; a null identity when it cannot be read.
     static FileIdentity ofFileRead(QFileDevice& file);
     /// The same for a file open as the system's file descriptor `descriptor` (Unix: the writer's own
     /// new file; elsewhere only the length and the hash are known this way).

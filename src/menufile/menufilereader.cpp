@@ -463,7 +463,11 @@ MenuReadResult readMenuFile(const QString& path, MenuDocument& document, FileIde
     const MenuReadResult result = readMenuLines(cursor, document);
     // The whole file is read whatever its lines held, as when it was read at once: a file that cannot be
     // read to its end or has grown too large says so before anything its lines say.
-    cursor.readToEnd();
+    try {
+        cursor.readToEnd();
+    } catch (const std::bad_alloc&) {
+        return failure(ReadFailure { 0, ErrorNumber::OutOfMemory, errorDescription(ErrorNumber::OutOfMemory) });
+    }
     if (cursor.failure() == MenuLineCursor::Failure::Unreadable) {
         return unreadable(file);
     }

@@ -76,6 +76,63 @@ private Q_SLOTS:
         }
     }
 
+    void otherSetupsAndTextsLookAsInALabel_data()
+    {
+        QTest::addColumn<int>("setup");
+        QTest::addColumn<QString>("path");
+        const QString path = QStringLiteral("KELV\\Archive tools (all)\\Pack every file of the folder\\Into one");
+        QTest::newRow("disabled") << 1 << path;
+        QTest::newRow("right to left") << 2 << path;
+        QTest::newRow("aligned right") << 3 << path;
+        QTest::newRow("framed") << 4 << path;
+        QTest::newRow("indented") << 5 << path;
+        QTest::newRow("selectable") << 6 << path;
+        QTest::newRow("tab") << 0 << QStringLiteral("KELV\\Pack\tall\\of it and more of it");
+        QTest::newRow("soft hyphen") << 0 << QStringLiteral("KELV\\Com\u00adpress\u00adevery\u00adfile\\of it");
+        QTest::newRow("control") << 0 << QStringLiteral("KELV\\Pack\u001fall\\of it and more of it");
+    }
+
+    void otherSetupsAndTextsLookAsInALabel()
+    {
+        QFETCH(int, setup);
+        QFETCH(QString, path);
+        QLabel plain;
+        setUpLikeThePathLabel(plain);
+        PathLabel label;
+        for (QLabel* shown : { static_cast<QLabel*>(&plain), static_cast<QLabel*>(&label) }) {
+            switch (setup) {
+            case 1:
+                shown->setEnabled(false);
+                break;
+            case 2:
+                shown->setLayoutDirection(Qt::RightToLeft);
+                break;
+            case 3:
+                shown->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+                break;
+            case 4:
+                shown->setFrameStyle(QFrame::Box | QFrame::Plain);
+                break;
+            case 5:
+                shown->setIndent(12);
+                break;
+            case 6:
+                shown->setTextInteractionFlags(Qt::TextSelectableByMouse);
+                break;
+            default:
+                break;
+            }
+            shown->setText(path);
+            shown->resize(120, 90);
+        }
+        QCOMPARE(label.sizeHint(), plain.sizeHint());
+        QCOMPARE(label.minimumSizeHint(), plain.minimumSizeHint());
+        for (int width = 0; width <= 300; width += 7) {
+            QCOMPARE(label.heightForWidth(width), plain.heightForWidth(width));
+        }
+        QCOMPARE(label.grab().toImage(), plain.grab().toImage());
+    }
+
     void aNewTextOrFontIsMeasuredAnew()
     {
         PathLabel label;

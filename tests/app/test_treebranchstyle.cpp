@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Counts the branch parts a style is asked to draw on the screen (not aside, into an image).
+/// Counts the branch parts a style is asked to draw, on the screen and aside alike.
 class CountingStyle final : public QProxyStyle
 {
 public:

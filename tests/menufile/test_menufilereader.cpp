@@ -474,7 +474,7 @@ private Q_SLOTS:
     void aMenuOfManyPiecesReadsFromItsFileAsFromMemory()
     {
         // Well over the piece the reader takes at a time, with long lines and every kind of line end,
-        // so that lines and CR LF pairs straddle the pieces.
+        // so that lines straddle the pieces (the line cursor's own tests split CR LF pairs too).
         QRandomGenerator random(17);
         QStringList itemLines;
         QStringList commandLines;
