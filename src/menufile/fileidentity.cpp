@@ -145,33 +145,19 @@ FileIdentity FileIdentity::ofHashedDescriptor(int descriptor, qint64 length, con
 
 FileIdentity FileIdentity::ofFileRead(QFileDevice& file)
 {
-    qint64 length = 0;
-    QByteArray hash;
-    if (!hashPieces(file, maximumMenuFileSize + 1, length, hash)) {
-        return FileIdentity();
-    }
-    return ofReadFile(file, length, hash);
+    return ofReadTo(file, maximumMenuFileSize).value_or(FileIdentity());
 }
 
-bool FileIdentity::hashPieces(QFileDevice& file, qint64 wanted, qint64& length, QByteArray& hash)
+std::optional<FileIdentity> FileIdentity::ofReadTo(QFileDevice& file, qint64 limit)
 {
-    // A piece at a time: the hash never holds a whole menu's bytes beside the open document.
-    QByteArray piece(qsizetype(std::min<qint64>(MenuLineCursor::defaultPieceSize, wanted)), Qt::Uninitialized);
-    ContentHash pieces;
-    length = 0;
-    while (length < wanted) {
-        const qint64 got = file.read(piece.data(), std::min<qint64>(piece.size(), wanted - length));
-        if (got < 0) {
-            return false;
-        }
-        if (got == 0) {
-            break;
-        }
-        pieces.addData(QByteArrayView(piece.constData(), qsizetype(got)));
-        length += got;
+    // A piece at a time, as the reader takes a file: never a whole menu's bytes beside the open document.
+    ContentHash hash;
+    MenuLineCursor pieces(file, limit, &hash);
+    pieces.readToEnd();
+    if (pieces.failure() != MenuLineCursor::Failure::None) {
+        return std::nullopt;
     }
-    hash = pieces.result();
-    return true;
+    return ofReadFile(file, pieces.bytesRead(), hash.result());
 }
 
 QByteArray FileIdentity::hashOf(QByteArrayView bytes)
@@ -209,13 +195,12 @@ FileIdentity::Change FileIdentity::changeAt(const QString& path, FileIdentity* c
     if (!file.open(QIODevice::ReadOnly)) {
         return Change::Changed;
     }
-    // One byte more than the identity's length shows a file that has grown since it was looked at.
-    qint64 length = 0;
-    QByteArray bytesHash;
-    if (!hashPieces(file, std::min(m_size, maximumMenuFileSize) + 1, length, bytesHash) || bytesHash != m_hash) {
+    // A file that has grown past the identity's length since it was looked at is changed too.
+    const std::optional<FileIdentity> read = ofReadTo(file, std::min(m_size, maximumMenuFileSize));
+    if (!read || read->m_hash != m_hash) {
         return Change::Changed;
     }
-    const FileIdentity now = ofReadFile(file, length, bytesHash);
+    const FileIdentity now = *read;
     if (current != nullptr) {
         *current = now;
     }

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <optional>
+
 class QFileDevice;
 
 /// What a menu file was when the editor last read or wrote it: its length, its modification time to
@@ -34,8 +36,8 @@ public:
     /// The same for a file read in pieces, no longer all in memory: its `length` bytes hashed into
     /// `hash` (as hashOf gives it).
     static FileIdentity ofReadFile(const QFileDevice& file, qint64 length, const QByteArray& hash);
-    /// Reads the open `file` from where it stands to its end (or to one byte past the largest menu
-    /// file), a piece at a time, and gives its identity; a null identity when it cannot be read.
+    /// Reads the open `file` from where it stands to its end, a piece at a time, and gives its
+    /// identity; a null identity when it cannot be read or is larger than any menu file can be.
     static FileIdentity ofFileRead(QFileDevice& file);
     /// The same for a file open as the system's file descriptor `descriptor` (Unix: the writer's own
     /// new file; elsewhere only the length and the hash are known this way).
@@ -91,8 +93,9 @@ public:
 private:
     FileIdentity(qint64 size, qint64 modifiedNanoseconds, quint64 inode, quint64 device, QByteArray hash);
     static FileIdentity ofHashedDescriptor(int descriptor, qint64 length, const QByteArray& hash);
-    /// Hashes at most `wanted` bytes of `file` from where it stands; false when reading failed.
-    static bool hashPieces(QFileDevice& file, qint64 wanted, qint64& length, QByteArray& hash);
+    /// Reads the open `file` from where it stands to its end and gives its identity; none when it
+    /// cannot be read or holds more than `limit` bytes.
+    static std::optional<FileIdentity> ofReadTo(QFileDevice& file, qint64 limit);
 
     /// Whether the file's time lies so close to (or after) the moment the bytes were last known that a
     /// change within the same tick of the file system's clock could not have moved it.
