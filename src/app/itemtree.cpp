@@ -90,11 +90,11 @@ void ItemTree::addNodes(const QList<NewNode>& nodes)
     for (TreeNode* node : made) {
         TreeNode* parent = node->parent;
         if (parent != nullptr && !parent->expanded && NodeTree::depthOf(parent) < expandedLevels) {
-            parent->expanded = true;
+            tree.setExpandedMark(parent, true);
             toExpand.push_back(parent);
         }
         if (!node->children.empty() && !node->expanded && NodeTree::depthOf(node) < expandedLevels) {
-            node->expanded = true;
+            tree.setExpandedMark(node, true);
             toExpand.push_back(node);
         }
     }
@@ -584,12 +584,12 @@ void ItemTree::onCollapsed(const QModelIndex& index)
         Q_EMIT rootCollapsed();
         return;
     }
-    node->expanded = false;
+    m_model->nodes().setExpandedMark(node, false);
 }
 
 void ItemTree::onExpanded(const QModelIndex& index)
 {
     if (TreeNode* node = treeNode(index)) {
-        node->expanded = true;
+        m_model->nodes().setExpandedMark(node, true);
     }
 }

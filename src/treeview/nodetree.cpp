@@ -122,8 +122,12 @@ int NodeTree::itemOf(const TreeNode* node, const MenuDocument& document) const
         m_itemIndexFresh = false;
         found = itemIndex(document).value(node->key, -1);
     }
-    node->itemHint = bears(found) ? found : -1;
-    return node->itemHint;
+    const int hint = bears(found) ? found : -1;
+    if (hint != node->itemHint) {
+        node->itemHint = hint;
+        unsettle(node);
+    }
+    return hint;
 }
 
 QString NodeTree::textOf(const TreeNode* node, const MenuDocument& document) const
@@ -206,6 +210,7 @@ void NodeTree::deleteNode(TreeNode* node)
 
 void NodeTree::setOwnText(TreeNode* node, bool own, const QString& text)
 {
+    unsettle(node);
     node->hasOwnText = own;
     if (own) {
         m_ownTexts.insert(node, text);
@@ -216,7 +221,7 @@ void NodeTree::setOwnText(TreeNode* node, bool own, const QString& text)
 
 void NodeTree::registerNode(TreeNode* node)
 {
-    m_shapeSynced = false;
+    forgetSyncedShape();
     node->ordinal = int(m_nodes.size());
     m_nodes.push_back(node);
     m_byKey.insert(node->key, node);
@@ -224,7 +229,7 @@ void NodeTree::registerNode(TreeNode* node)
 
 void NodeTree::attach(TreeNode* node, TreeNode* parent, int row)
 {
-    m_shapeSynced = false;
+    forgetSyncedShape();
     node->parent = parent;
     parent->children.insert(parent->children.begin() + row, node);
     for (size_t r = size_t(row); r < parent->children.size(); ++r) {
@@ -234,7 +239,7 @@ void NodeTree::attach(TreeNode* node, TreeNode* parent, int row)
 
 void NodeTree::detach(TreeNode* node)
 {
-    m_shapeSynced = false;
+    forgetSyncedShape();
     TreeNode* parent = node->parent;
     parent->children.erase(parent->children.begin() + node->row);
     for (size_t r = size_t(node->row); r < parent->children.size(); ++r) {
@@ -252,7 +257,7 @@ void NodeTree::renumber()
 
 void NodeTree::deleteAll()
 {
-    m_shapeSynced = false;
+    forgetSyncedShape();
     m_syncedArray.clear();
     m_syncedItemOf.clear();
     m_nodes.clear();
@@ -536,15 +541,52 @@ std::vector<TreeNode*> NodeTree::settleMarks(std::vector<TreeNode*>* unmarked)
         depths[n] = depths[size_t(m_nodes[n]->parent->ordinal)] + 1;
     }
     for (TreeNode* node : m_nodes) {
-        const bool expanded = shouldExpand(node, depths[size_t(node->ordinal)]);
-        if (expanded && !node->expanded) {
-            expandNow.push_back(node);
-        } else if (!expanded && node->expanded && unmarked != nullptr) {
-            unmarked->push_back(node);
-        }
-        node->expanded = expanded;
+        settleMark(node, depths[size_t(node->ordinal)], expandNow, unmarked);
     }
     return expandNow;
+}
+
+std::vector<TreeNode*> NodeTree::settleMarksOf(const std::vector<TreeNode*>& nodes, std::vector<TreeNode*>* unmarked)
+{
+    std::vector<TreeNode*> expandNow;
+    for (TreeNode* node : nodes) {
+        settleMark(node, depthOf(node), expandNow, unmarked);
+    }
+    return expandNow;
+}
+
+void NodeTree::settleMark(TreeNode* node, int depth, std::vector<TreeNode*>& expandNow,
+                          std::vector<TreeNode*>* unmarked)
+{
+    const bool expanded = shouldExpand(node, depth);
+    if (expanded && !node->expanded) {
+        expandNow.push_back(node);
+    } else if (!expanded && node->expanded && unmarked != nullptr) {
+        unmarked->push_back(node);
+    }
+    node->expanded = expanded;
+}
+
+void NodeTree::setExpandedMark(TreeNode* node, bool expanded)
+{
+    if (node != nullptr && node->expanded != expanded) {
+        node->expanded = expanded;
+        unsettle(node);
+    }
+}
+
+void NodeTree::unsettle(const TreeNode* node) const
+{
+    if (!m_shapeSynced || m_allUnsettled) {
+        return;
+    }
+    // Past one entry per node, looking at every node is cheaper than keeping the list.
+    if (m_unsettled.size() >= m_nodes.size()) {
+        m_allUnsettled = true;
+        m_unsettled.clear();
+        return;
+    }
+    m_unsettled.push_back(node->ordinal);
 }
 
 void NodeTree::rememberSyncedShape(const MenuDocument& document)
@@ -556,6 +598,8 @@ void NodeTree::rememberSyncedShape(const MenuDocument& document)
         m_syncedItemOf[n] = m_nodes[n]->itemHint;
     }
     m_shapeSynced = true;
+    m_unsettled.clear();
+    m_allUnsettled = false;
 }
 
 bool NodeTree::keepsSyncedShape(const MenuDocument& document) const
@@ -587,21 +631,44 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
 {
     documentChanged();
     const auto& items = document.items;
-    // Captions can only differ where the two documents do not share their records.
-    std::vector<char> mayDiffer(size_t(items.size()), 0);
+    // Captions can only differ where the two documents do not share their records, and styles only
+    // where the document does not share them with the synced records; every other node still shows
+    // what the synced records make of it, unless the tree changed it since (m_unsettled). So an undo
+    // of a rename looks at the nodes of one chunk of records, not at 32,767 records.
+    std::vector<char> captionMayDiffer(size_t(items.size()), 0);
     for (const ItemRange& range : items.rangesDifferentFrom(before.items)) {
-        std::fill(mayDiffer.begin() + range.begin, mayDiffer.begin() + std::min(range.end, items.size()), 1);
+        std::fill(captionMayDiffer.begin() + range.begin, captionMayDiffer.begin() + std::min(range.end, items.size()),
+                  1);
+    }
+    std::vector<char> recordMayDiffer = captionMayDiffer;
+    for (const ItemRange& range : items.rangesDifferentFrom(m_syncedArray)) {
+        std::fill(recordMayDiffer.begin() + range.begin, recordMayDiffer.begin() + std::min(range.end, items.size()),
+                  1);
+    }
+    std::vector<char> recheck(m_nodes.size(), m_allUnsettled ? 1 : 0);
+    for (size_t n = 1; n < m_nodes.size(); ++n) {
+        if (recordMayDiffer[size_t(m_syncedItemOf[n])] != 0) {
+            recheck[n] = 1;
+        }
+    }
+    // The marks only the tree changed since; setting a text below adds to m_unsettled again.
+    const std::vector<int> unsettled = std::move(m_unsettled);
+    for (const int ordinal : unsettled) {
+        recheck[size_t(ordinal)] = 1;
     }
     std::vector<TreeNode*> changed;
     restoreRoot(document, changed);
     for (size_t n = 1; n < m_nodes.size(); ++n) {
+        if (recheck[n] == 0) {
+            continue;
+        }
         TreeNode* node = m_nodes[n];
         const int item = m_syncedItemOf[n];
         const MenuItem& shown = items.at(item);
         // A node that showed a text of its own or another item's caption is repainted, as is one
         // whose caption changed.
         bool differs = node->hasOwnText || node->itemHint != item
-            || (mayDiffer[size_t(item)] != 0
+            || (captionMayDiffer[size_t(item)] != 0
                 && (item >= before.items.size() || before.items.at(item).caption != shown.caption));
         node->itemHint = item;
         if (node->hasOwnText) {
@@ -616,9 +683,23 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
             changed.push_back(node);
         }
     }
-    std::vector<TreeNode*> expandNow = settleMarks(unmarked);
+    // Expanded marks follow the shape, which stands; only a mark the tree was told to change can differ.
+    std::vector<TreeNode*> expandNow;
+    if (m_allUnsettled) {
+        expandNow = settleMarks(unmarked);
+    } else {
+        std::vector<TreeNode*> marked;
+        for (size_t n = 0; n < m_nodes.size(); ++n) {
+            if (recheck[n] != 0) {
+                marked.push_back(m_nodes[n]);
+            }
+        }
+        expandNow = settleMarksOf(marked, unmarked);
+    }
     // The shape is the synced one: these records describe it as well, and the older ones can go.
     m_syncedArray = items;
+    m_unsettled.clear();
+    m_allUnsettled = false;
     announceChanged(changed);
     return expandNow;
 }
@@ -769,7 +850,7 @@ TreeNode* NodeTree::moveAmongSiblings(TreeNode* node, int offset)
     }
     // Two leaves trade what they show and their places in the collection, so that every key keeps
     // its node number and the view lays nothing out again.
-    m_shapeSynced = false;
+    forgetSyncedShape();
     std::swap(node->key, other->key);
     std::swap(node->itemHint, other->itemHint);
     std::swap(node->style, other->style);
@@ -794,6 +875,10 @@ void NodeTree::setText(TreeNode* node, const QString& text, const MenuDocument& 
         return;
     }
     if (node == root()) {
+        // The root shows no item's caption: when its text stands, nothing needs painting again.
+        if (node->hasOwnText && m_ownTexts.value(node) == text) {
+            return;
+        }
         setOwnText(node, true, text);
     } else {
         const int item = itemOf(node, document);
@@ -810,6 +895,7 @@ void NodeTree::setColour(TreeNode* node, NodeStyle::Colour colour)
         return;
     }
     node->style.colour = colour;
+    unsettle(node);
     if (m_observer != nullptr) {
         m_observer->nodesChanged(node->parent, node->row, node->row);
     }
@@ -830,6 +916,7 @@ void NodeTree::colorize(const MenuDocument& document)
         const NodeStyle style = item >= 0 ? NodeStyle::forItem(items.at(item)) : NodeStyle();
         if (style != node->style) {
             node->style = style;
+            unsettle(node);
             changed.push_back(node);
         }
     }

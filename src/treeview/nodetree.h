@@ -87,7 +87,12 @@ public:
     /// Makes the next syncTo compare every node with the document, as it does after the tree changed
     /// shape by other means, instead of trusting that the shape left by the last rebuild or sync
     /// still stands. Both give the same tree; tests compare them.
-    void forgetSyncedShape() { m_shapeSynced = false; }
+    void forgetSyncedShape()
+    {
+        m_shapeSynced = false;
+        m_unsettled.clear();
+        m_allUnsettled = false;
+    }
     /// The hide mode the tree was last rebuilt or synced for.
     int shownHideMode() const { return m_syncedHideMode; }
 
@@ -118,6 +123,9 @@ public:
     TreeNode* moveAmongSiblings(TreeNode* node, int offset);
     /// Lets `node` show `text` (its own text when it differs from its item's caption).
     void setText(TreeNode* node, const QString& text, const MenuDocument& document);
+    /// Marks `node` expanded or not, as the view shows it after the user opened or closed its branch;
+    /// a later sync marks it as a rebuild would again.
+    void setExpandedMark(TreeNode* node, bool expanded);
     /// Sets the colour of `node`; its bold type stays.
     void setColour(TreeNode* node, NodeStyle::Colour colour);
     /// Re-applies the node styles to every item node from `document`, without rebuilding. A node
@@ -159,6 +167,12 @@ private:
     /// Sets every node's expanded mark as a rebuild does (m_nodes in collection order, each parent
     /// before its children); returns the nodes newly marked and adds those unmarked to `unmarked`.
     std::vector<TreeNode*> settleMarks(std::vector<TreeNode*>* unmarked);
+    /// settleMarks for `nodes` alone, in their order.
+    std::vector<TreeNode*> settleMarksOf(const std::vector<TreeNode*>& nodes, std::vector<TreeNode*>* unmarked);
+    static void settleMark(TreeNode* node, int depth, std::vector<TreeNode*>& expandNow,
+                           std::vector<TreeNode*>* unmarked);
+    /// Notes that the tree changed what `node` shows or its mark since the last rebuild or sync.
+    void unsettle(const TreeNode* node) const;
     /// Emits nodesChanged for `changed`, in runs of siblings.
     void announceChanged(std::vector<TreeNode*>& changed);
     void deleteAll();
@@ -185,4 +199,9 @@ private:
     std::vector<int> m_syncedItemOf;
     /// Cleared by every change of shape other than a rebuild or a sync.
     bool m_shapeSynced = false;
+    /// While m_shapeSynced, every node shows what a rebuild makes of m_syncedArray (its item's
+    /// caption, style and expanded mark, with the item it was made for as its hint), except the
+    /// nodes the tree changed since: their ordinals, or all nodes once they would outnumber them.
+    mutable std::vector<int> m_unsettled;
+    mutable bool m_allUnsettled = false;
 };

@@ -106,6 +106,7 @@ public:
         if (parent == nullptr) {
             check(first == 0 && last == 0 && m_root != nullptr,
                   QStringLiteral("change of a top row that does not exist"));
+            ++changes;
             return;
         }
         Shadow* shadow = find(parent);
@@ -235,7 +236,7 @@ void patchAtRandom(NodeTree& tree, const MenuDocument& document, QRandomGenerato
         return;
     }
     TreeNode* node = tree.node(2 + int(random.bounded(count - 1)));
-    switch (random.bounded(7)) {
+    switch (random.bounded(8)) {
     case 0:
         tree.removeNode(node);
         break;
@@ -261,6 +262,10 @@ void patchAtRandom(NodeTree& tree, const MenuDocument& document, QRandomGenerato
                       document);
         break;
     }
+    case 6:
+        // The user opens or closes a branch in the view.
+        tree.setExpandedMark(node, random.bounded(2) == 0);
+        break;
     default:
         tree.colorize(document);
         break;
@@ -534,6 +539,11 @@ private Q_SLOTS:
                     patchAtRandom(trusting, document, random, made);
                     patchAtRandom(comparing, document, same, madeToo);
                 }
+                // Now and then the document changes without the tree being told, as a Paste that
+                // neither rebuilds nor recolours it; the tree then shows records it was not synced to.
+                if (random.bounded(3) == 0) {
+                    document = nextState(document, history, random);
+                }
                 const MenuDocument next = nextState(document, history, random);
                 std::vector<TreeNode*> trustingClosed;
                 std::vector<TreeNode*> comparingClosed;
@@ -564,6 +574,66 @@ private Q_SLOTS:
         shadow.changes = 0;
         QVERIFY(tree.syncTo(document, &document).empty());
         QCOMPARE(shadow.changes, 0);
+    }
+
+    void aNodeReadThroughAnotherDocumentIsLookedAtAgainBySync()
+    {
+        MenuDocument document;
+        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
+                           item(QStringLiteral("E2"), -1, 0, 3) };
+        NodeTree tree;
+        ShadowObserver shadow(tree);
+        tree.setObserver(&shadow);
+        tree.generate(document);
+        // The same records in another order: reading E2 through it moves the node's hint.
+        MenuDocument reordered = document;
+        reordered.items = { document.items.at(2), document.items.at(0), document.items.at(1) };
+        TreeNode* node = tree.nodeByKey(QStringLiteral("E2"));
+        QCOMPARE(tree.itemOf(node, reordered), 0);
+        shadow.changes = 0;
+        tree.syncTo(document, &document);
+        QCOMPARE(node->itemHint, 2);
+        QCOMPARE(shadow.changes, 1);
+        QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+    }
+
+    void syncAfterMoreChangesThanNodesLooksAtEveryNode()
+    {
+        MenuDocument document = TestMenus::randomMenu(7);
+        NodeTree tree;
+        tree.generate(document);
+        // Each node is recoloured several times, more changes than the tree has nodes.
+        for (int round = 0; round < 3; ++round) {
+            for (int n = 2; n <= tree.nodeCount(); ++n) {
+                tree.setColour(tree.node(n), NodeStyle::Colour((n + round) % 3));
+            }
+        }
+        tree.setExpandedMark(tree.node(2), !tree.node(2)->expanded);
+        tree.syncTo(document, &document);
+        NodeTree fresh;
+        fresh.generate(document);
+        QCOMPARE(describe(tree, document), describe(fresh, document));
+    }
+
+    void theRootIsRepaintedOnlyWhenItsTextChanges()
+    {
+        MenuDocument document = TestMenus::randomMenu(3);
+        NodeTree tree;
+        ShadowObserver shadow(tree);
+        tree.setObserver(&shadow);
+        tree.generate(document);
+        shadow.changes = 0;
+        tree.setText(tree.root(), QStringLiteral("Hidden items"), document);
+        QCOMPARE(shadow.changes, 1);
+        tree.setText(tree.root(), QStringLiteral("Hidden items"), document);
+        QCOMPARE(shadow.changes, 1);
+        QCOMPARE(tree.textOf(tree.root(), document), QStringLiteral("Hidden items"));
+        // An item node is told of every time: its caption may have changed in the document.
+        TreeNode* node = tree.node(2);
+        const QString caption = tree.textOf(node, document);
+        tree.setText(node, caption, document);
+        tree.setText(node, caption, document);
+        QCOMPARE(shadow.changes, 3);
     }
 
     void syncRepaintsOnlyNodesWhoseCaptionOrStyleChanged()
