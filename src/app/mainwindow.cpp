@@ -397,7 +397,11 @@ void MainWindow::updateSaveEntry()
 void MainWindow::updateUnsavedMarks()
 {
     for (const qint16 index : m_state.openDocumentIndexes()) {
-        editor(index)->setWindowModified(!m_state.document(index).saved);
+        // Qt announces a mark set again to the window's frame, which lays its title out anew.
+        const bool unsaved = !m_state.document(index).saved;
+        if (editor(index)->isWindowModified() != unsaved) {
+            editor(index)->setWindowModified(unsaved);
+        }
     }
 }
 

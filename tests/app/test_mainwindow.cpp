@@ -207,6 +207,30 @@ void checkEveryNode(MainWindow& window, qint16 index)
     }
 }
 
+/// Counts the events of one type a watched object receives.
+class EventCounter : public QObject
+{
+public:
+    EventCounter(QEvent::Type type, int& count)
+        : m_type(type)
+        , m_count(count)
+    {
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == m_type) {
+            ++m_count;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QEvent::Type m_type;
+    int& m_count;
+};
+
 } // namespace
 
 class TestMainWindow : public QObject
@@ -1080,6 +1104,14 @@ private Q_SLOTS:
         sandbox.trigger(QStringLiteral("mnuRedo"));
         QCOMPARE(editor->isWindowModified(), !window.state().document(index).saved);
         QVERIFY(marked());
+        // A second edit leaves the mark as it is, and the frame's title is not laid out again.
+        int markChanges = 0;
+        EventCounter counter(QEvent::ModifiedChange, markChanges);
+        editor->installEventFilter(&counter);
+        sandbox.trigger(QStringLiteral("mnuDuplicate"));
+        QVERIFY(marked());
+        QCOMPARE(markChanges, 0);
+        editor->removeEventFilter(&counter);
         sandbox.trigger(QStringLiteral("mnuSave"));
         QVERIFY(!editor->isWindowModified());
         QVERIFY(!frame->isWindowModified());
