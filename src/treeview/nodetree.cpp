@@ -651,8 +651,12 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
             recheck[n] = 1;
         }
     }
-    // The marks only the tree changed since; setting a text below adds to m_unsettled again.
-    const std::vector<int> unsettled = std::move(m_unsettled);
+    // The nodes the tree changed since, in collection order; setting a text below notes its node
+    // again, and the list is emptied once every node is settled.
+    std::vector<int> unsettled = std::move(m_unsettled);
+    m_unsettled.clear();
+    std::sort(unsettled.begin(), unsettled.end());
+    unsettled.erase(std::unique(unsettled.begin(), unsettled.end()), unsettled.end());
     for (const int ordinal : unsettled) {
         recheck[size_t(ordinal)] = 1;
     }
@@ -689,10 +693,9 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
         expandNow = settleMarks(unmarked);
     } else {
         std::vector<TreeNode*> marked;
-        for (size_t n = 0; n < m_nodes.size(); ++n) {
-            if (recheck[n] != 0) {
-                marked.push_back(m_nodes[n]);
-            }
+        marked.reserve(unsettled.size());
+        for (const int ordinal : unsettled) {
+            marked.push_back(m_nodes[size_t(ordinal)]);
         }
         expandNow = settleMarksOf(marked, unmarked);
     }
