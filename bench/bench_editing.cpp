@@ -213,7 +213,8 @@ void benchTreeEditing(QTextStream& out, int runs)
 {
     printHeader(out,
                 { QStringLiteral("shape"), QStringLiteral("refresh"), QStringLiteral("delete"), QStringLiteral("undo"),
-                  QStringLiteral("new"), QStringLiteral("undo"), QStringLiteral("link"), QStringLiteral("undo") });
+                  QStringLiteral("new"), QStringLiteral("undo"), QStringLiteral("redo"), QStringLiteral("link"),
+                  QStringLiteral("undo"), QStringLiteral("redo") });
     for (const MenuShape shape : benchedShapes()) {
         MenuGenerator::Options generatorOptions;
         generatorOptions.shape = shape;
@@ -256,37 +257,38 @@ void benchTreeEditing(QTextStream& out, int runs)
                 QCoreApplication::sendEvent(labelEditor, &escape);
             }
         };
-        const Timing created = timeWithUndo(
-            runs, [&bench] { bench.select(QStringLiteral("E20000")); },
-            [&session] {
-                session.run(EditOperations::newItem);
-                paint();
-            },
-            [&closeLabelEditor, &bench] {
-                closeLabelEditor();
-                bench.undo();
-            });
+        const auto selectForNewItem = [&bench] { bench.select(QStringLiteral("E20000")); };
+        const auto newItem = [&session] {
+            session.run(EditOperations::newItem);
+            paint();
+        };
+        const auto undoNewItem = [&closeLabelEditor, &bench] {
+            closeLabelEditor();
+            bench.undo();
+        };
+        const auto redo = [&bench] { bench.redo(); };
+        const Timing created = timeWithUndo(runs, selectForNewItem, newItem, undoNewItem);
+        const double createdRedo = timeRedo(runs, selectForNewItem, newItem, undoNewItem, redo);
 
         EditorWindow* editor = bench.editor();
         auto* button = editor->findChild<QPushButton*>(QStringLiteral("cmdChangeCopy"));
         const QString source = unlinkedKey(bench.document(), QString());
         const QString target = unlinkedKey(bench.document(), source);
-        const Timing linked = timeWithUndo(
-            runs,
-            [&bench, &source, button] {
-                bench.select(source);
-                button->setChecked(true);
-            },
-            [editor, tree, &target] {
-                editor->lstMenu_NodeClick(tree->nodeByKey(target));
-                paint();
-            },
-            undo);
+        const auto startLinkChoice = [&bench, &source, button] {
+            bench.select(source);
+            button->setChecked(true);
+        };
+        const auto chooseTarget = [editor, tree, &target] {
+            editor->lstMenu_NodeClick(tree->nodeByKey(target));
+            paint();
+        };
+        const Timing linked = timeWithUndo(runs, startLinkChoice, chooseTarget, undo);
+        const double linkedRedo = timeRedo(runs, startLinkChoice, chooseTarget, undo, redo);
 
         bench.checkNothingWasSaid();
         out << MenuGenerator::shapeName(shape).rightJustified(10) << cell(refresh) << cell(deleted.operation)
-            << cell(deleted.undo) << cell(created.operation) << cell(created.undo) << cell(linked.operation)
-            << cell(linked.undo) << "\n";
+            << cell(deleted.undo) << cell(created.operation) << cell(created.undo) << cell(createdRedo)
+            << cell(linked.operation) << cell(linked.undo) << cell(linkedRedo) << "\n";
         out.flush();
     }
 }
@@ -694,7 +696,7 @@ int main(int argc, char* argv[])
         }
         out << "32,767 items. refresh: Refresh List; delete: Delete of the branch; new: New Item up to\n"
                "its open label editor, in the menu less two leaves (a full one has no room); link: the\n"
-               "click that chooses a link target.\n";
+               "click that chooses a link target; redo: Redo after the Undo, a key's pause later.\n";
         benchTreeEditing(out, runs);
         out << "\n32,767 items. rename: a caption typed in the label editor and confirmed; paste: Paste of\n"
                "another item's record over the selected one; redo: Redo after the Undo, a key's pause later.\n";
