@@ -228,6 +228,15 @@ QStringList describe(const NodeTree& tree, const MenuDocument& document)
     return lines;
 }
 
+/// E0, E1 and E2, side by side at the top.
+MenuDocument threeTopLevelItems()
+{
+    MenuDocument document;
+    document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
+                       item(QStringLiteral("E2"), -1, 0, 3) };
+    return document;
+}
+
 /// A random change of the tree alone, as the editor's patches make them between rebuilds.
 void patchAtRandom(NodeTree& tree, const MenuDocument& document, QRandomGenerator& random, int& made)
 {
@@ -578,9 +587,7 @@ private Q_SLOTS:
 
     void aNodeReadThroughAnotherDocumentIsLookedAtAgainBySync()
     {
-        MenuDocument document;
-        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
-                           item(QStringLiteral("E2"), -1, 0, 3) };
+        const MenuDocument document = threeTopLevelItems();
         NodeTree tree;
         ShadowObserver shadow(tree);
         tree.setObserver(&shadow);
@@ -638,9 +645,7 @@ private Q_SLOTS:
 
     void syncRepaintsOnlyNodesWhoseCaptionOrStyleChanged()
     {
-        MenuDocument document;
-        document.items = { item(QStringLiteral("E0"), -1, 0, 1), item(QStringLiteral("E1"), -1, 0, 2),
-                           item(QStringLiteral("E2"), -1, 0, 3) };
+        const MenuDocument document = threeTopLevelItems();
         NodeTree tree;
         ShadowObserver shadow(tree);
         tree.setObserver(&shadow);
