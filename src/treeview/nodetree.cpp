@@ -548,9 +548,18 @@ std::vector<TreeNode*> NodeTree::settleMarks(std::vector<TreeNode*>* unmarked)
 
 std::vector<TreeNode*> NodeTree::settleMarksOf(const std::vector<TreeNode*>& nodes, std::vector<TreeNode*>* unmarked)
 {
+    // Past a few nodes, one pass over all is cheaper than a walk up from each of them.
+    if (nodes.size() * 8 > m_nodes.size()) {
+        return settleMarks(unmarked);
+    }
     std::vector<TreeNode*> expandNow;
     for (TreeNode* node : nodes) {
-        settleMark(node, depthOf(node), expandNow, unmarked);
+        // A mark asks only whether the node lies above expandedLevels, so the walk up stops there.
+        int depth = 0;
+        for (const TreeNode* above = node->parent; above != nullptr && depth < expandedLevels; above = above->parent) {
+            ++depth;
+        }
+        settleMark(node, depth, expandNow, unmarked);
     }
     return expandNow;
 }
@@ -672,8 +681,7 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
         // A node that showed a text of its own or another item's caption is repainted, as is one
         // whose caption changed.
         bool differs = node->hasOwnText || node->itemHint != item
-            || (captionMayDiffer[size_t(item)] != 0
-                && (item >= before.items.size() || before.items.at(item).caption != shown.caption));
+            || (captionMayDiffer[size_t(item)] != 0 && before.items.at(item).caption != shown.caption);
         node->itemHint = item;
         if (node->hasOwnText) {
             setOwnText(node, false);

@@ -123,8 +123,8 @@ public:
     TreeNode* moveAmongSiblings(TreeNode* node, int offset);
     /// Lets `node` show `text` (its own text when it differs from its item's caption).
     void setText(TreeNode* node, const QString& text, const MenuDocument& document);
-    /// Marks `node` expanded or not, as the view shows it after the user opened or closed its branch;
-    /// a later sync marks it as a rebuild would again.
+    /// Marks `node` expanded or not, as the view shows it once its branch was opened or closed (by
+    /// the user, or for copies that arrive); a later sync marks it as a rebuild would again.
     void setExpandedMark(TreeNode* node, bool expanded);
     /// Sets the colour of `node`; its bold type stays.
     void setColour(TreeNode* node, NodeStyle::Colour colour);
@@ -167,7 +167,7 @@ private:
     /// Sets every node's expanded mark as a rebuild does (m_nodes in collection order, each parent
     /// before its children); returns the nodes newly marked and adds those unmarked to `unmarked`.
     std::vector<TreeNode*> settleMarks(std::vector<TreeNode*>* unmarked);
-    /// settleMarks for `nodes` alone, in their order.
+    /// settleMarks for `nodes` alone, in their order (all nodes when they are many).
     std::vector<TreeNode*> settleMarksOf(const std::vector<TreeNode*>& nodes, std::vector<TreeNode*>* unmarked);
     static void settleMark(TreeNode* node, int depth, std::vector<TreeNode*>& expandNow,
                            std::vector<TreeNode*>* unmarked);
@@ -199,9 +199,10 @@ private:
     std::vector<int> m_syncedItemOf;
     /// Cleared by every change of shape other than a rebuild or a sync.
     bool m_shapeSynced = false;
-    /// While m_shapeSynced, every node shows what a rebuild makes of m_syncedArray (its item's
-    /// caption, style and expanded mark, with the item it was made for as its hint), except the
-    /// nodes the tree changed since: their ordinals, or all nodes once they would outnumber them.
+    /// While m_shapeSynced, every node has what a rebuild gives it from m_syncedArray (its item's
+    /// style, its expanded mark, no text of its own, and the item it was made for as its hint),
+    /// except the nodes the tree changed since: their ordinals, or all nodes once they would
+    /// outnumber them. Captions are read from the document and compared with the one shown before.
     mutable std::vector<int> m_unsettled;
     mutable bool m_allUnsettled = false;
 };

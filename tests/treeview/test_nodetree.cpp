@@ -606,9 +606,10 @@ private Q_SLOTS:
 
     void syncAfterMoreChangesThanNodesLooksAtEveryNode()
     {
-        MenuDocument document = TestMenus::randomMenu(7);
+        const MenuDocument document = TestMenus::chainMenu(4);
         NodeTree tree;
         tree.generate(document);
+        QVERIFY(!tree.node(2)->children.empty());
         // Each node is recoloured several times, more changes than the tree has nodes.
         for (int round = 0; round < 3; ++round) {
             for (int n = 2; n <= tree.nodeCount(); ++n) {
@@ -617,6 +618,28 @@ private Q_SLOTS:
         }
         tree.setExpandedMark(tree.node(2), !tree.node(2)->expanded);
         tree.syncTo(document, &document);
+        NodeTree fresh;
+        fresh.generate(document);
+        QCOMPARE(describe(tree, document), describe(fresh, document));
+    }
+
+    void syncInPlaceMarksNodesAroundTheExpandedDepthAsARebuild()
+    {
+        // A chain deeper than the levels a rebuild expands; three nodes about that depth have their
+        // marks turned, as a user would, and the sync turns them back.
+        const MenuDocument document = TestMenus::chainMenu(NodeTree::expandedLevels + 20);
+        NodeTree tree;
+        tree.generate(document);
+        for (int depth = NodeTree::expandedLevels - 1; depth <= NodeTree::expandedLevels + 1; ++depth) {
+            TreeNode* node = tree.node(depth + 1); // node 1 is the root, at depth 0
+            QCOMPARE(NodeTree::depthOf(node), depth);
+            tree.setExpandedMark(node, !node->expanded);
+        }
+        std::vector<TreeNode*> unmarked;
+        const std::vector<TreeNode*> marked = tree.syncTo(document, &document, &unmarked);
+        QCOMPARE(marked.size(), size_t(1));
+        QCOMPARE(NodeTree::depthOf(marked.front()), NodeTree::expandedLevels - 1);
+        QCOMPARE(unmarked.size(), size_t(2));
         NodeTree fresh;
         fresh.generate(document);
         QCOMPARE(describe(tree, document), describe(fresh, document));
