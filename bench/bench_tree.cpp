@@ -9,6 +9,8 @@
 #include "app/itemtree.h"
 #include "app/itemtreemodel.h"
 #include "editing/copylinks.h"
+#include "editing/itemdeletion.h"
+#include "model/itemlookup.h"
 #include "model/runtimeerror.h"
 #include "treeview/treeplan.h"
 
@@ -65,11 +67,13 @@ int main(int argc, char* argv[])
            "previous tree, building, expanding and styling); +layout: generate and the view's layout and\n"
            "paint of the shown window; colorize: ItemTree::colorize; clear: ItemTree::clearNodes;\n"
            "sync: ItemTree::syncTo between the menu and the menu with one item renamed, which share\n"
-           "their other items, as Undo and Redo of a rename; full sync: the same, every node compared.\n\n";
-    const QStringList headers { QStringLiteral("shape"),    QStringLiteral("nodes"),    QStringLiteral("plan 0"),
-                                QStringLiteral("plan 1"),   QStringLiteral("generate"), QStringLiteral("+layout"),
-                                QStringLiteral("colorize"), QStringLiteral("clear"),    QStringLiteral("sync"),
-                                QStringLiteral("full sync") };
+           "their other items, as Undo and Redo of a rename; full sync: the same, every node compared;\n"
+           "leaf sync: ItemTree::syncTo between the menu and the menu less one leaf, as Undo and Redo\n"
+           "of New Item (the window is not shown: the view's layout is not timed).\n\n";
+    const QStringList headers { QStringLiteral("shape"),     QStringLiteral("nodes"),    QStringLiteral("plan 0"),
+                                QStringLiteral("plan 1"),    QStringLiteral("generate"), QStringLiteral("+layout"),
+                                QStringLiteral("colorize"),  QStringLiteral("clear"),    QStringLiteral("sync"),
+                                QStringLiteral("full sync"), QStringLiteral("leaf sync") };
     for (const QString& header : headers) {
         out << header.rightJustified(11);
     }
@@ -126,6 +130,26 @@ int main(int argc, char* argv[])
                 runs, [&tree] { tree.treeModel()->nodes().forgetSyncedShape(); }, flip);
             document = original;
 
+            // Undo and Redo of New Item, in turn: a leaf halfway down the collection goes and comes back.
+            tree.generate();
+            MenuDocument leafless = document;
+            for (int n = tree.nodeCount() / 2; n <= tree.nodeCount(); ++n) {
+                const QString key = tree.keyOf(tree.node(n));
+                if (leafless.items.at(findItemByKey(leafless, key)).childCount == 0) {
+                    removeItemBranch(leafless, key);
+                    break;
+                }
+            }
+            bool isLeafless = false;
+            const auto flipLeaf = [&tree, &document, &original, &leafless, &isLeafless] {
+                isLeafless = !isLeafless;
+                document = isLeafless ? leafless : original;
+                tree.syncTo(isLeafless ? &original : &leafless);
+            };
+            const double leafSync = medianMilliseconds(
+                runs, [] {}, flipLeaf);
+            document = original;
+
             tree.show();
             const double shown = medianMilliseconds(
                 runs, [] {},
@@ -137,7 +161,7 @@ int main(int argc, char* argv[])
 
             out << row.name.rightJustified(11) << QString::number(planned + 1).rightJustified(11) << cell(plan0)
                 << cell(plan1) << cell(generate) << cell(shown) << cell(colorize) << cell(clear) << cell(sync)
-                << cell(fullSync) << "\n";
+                << cell(fullSync) << cell(leafSync) << "\n";
             out.flush();
         }
     } catch (const RunTimeError& error) {

@@ -377,35 +377,50 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         }
     }
 
-    // 1. Branches that hold no node of the target go first, each in one removal.
+    // 1. Branches that hold no node of the target go first, each in one removal. Only nodes that
+    // are not kept can go, so only they and their children are looked at: a walk of the whole tree
+    // would visit every node of a large menu to find the one leaf an Undo takes away.
     TreeNode* rootNode = root();
-    std::vector<char> kept(m_nodes.size(), 0);
-    std::vector<char> holdsKept(m_nodes.size(), 0);
+    const size_t nodeCount = m_nodes.size();
+    std::vector<char> kept(nodeCount, 0);
     kept[size_t(rootNode->ordinal)] = 1;
+    size_t keptCount = 1;
     for (const Target& target : targets) {
         if (target.node != nullptr) {
             kept[size_t(target.node->ordinal)] = 1;
-        }
-    }
-    const std::vector<TreeNode*> current = branchInPreOrder(rootNode);
-    for (auto it = current.rbegin(); it != current.rend(); ++it) {
-        const TreeNode* node = *it;
-        if (kept[size_t(node->ordinal)] != 0) {
-            holdsKept[size_t(node->ordinal)] = 1;
-        }
-        if (holdsKept[size_t(node->ordinal)] != 0 && node->parent != nullptr) {
-            holdsKept[size_t(node->parent->ordinal)] = 1;
+            ++keptCount;
         }
     }
     std::vector<TreeNode*> emptyBranches;
     // Old nodes that go only once the kept nodes below them have moved out (step 3); mostly none.
     bool keptHolders = false;
-    for (TreeNode* node : current) {
-        const size_t ordinal = size_t(node->ordinal);
-        if (node != rootNode && holdsKept[ordinal] == 0 && holdsKept[size_t(node->parent->ordinal)] != 0) {
-            emptyBranches.push_back(node);
-        } else if (holdsKept[ordinal] != 0 && kept[ordinal] == 0) {
-            keptHolders = true;
+    if (keptCount < nodeCount) {
+        // A node that is not kept holds a kept node when one of its children is kept, or holds one.
+        // Marking up from each such node stops at the first node marked: above a marked node that
+        // is not kept, every node up to a kept one is marked already.
+        std::vector<char> holdsKept(kept);
+        for (size_t n = 0; n < nodeCount; ++n) {
+            if (kept[n] != 0) {
+                continue;
+            }
+            TreeNode* node = m_nodes[n];
+            const bool hasKeptChild
+                = std::any_of(node->children.begin(), node->children.end(),
+                              [&kept](const TreeNode* child) { return kept[size_t(child->ordinal)] != 0; });
+            for (TreeNode* up = node; hasKeptChild && holdsKept[size_t(up->ordinal)] == 0; up = up->parent) {
+                holdsKept[size_t(up->ordinal)] = 1;
+            }
+        }
+        for (size_t n = 0; n < nodeCount; ++n) {
+            if (kept[n] != 0) {
+                continue;
+            }
+            TreeNode* node = m_nodes[n];
+            if (holdsKept[n] != 0) {
+                keptHolders = true;
+            } else if (holdsKept[size_t(node->parent->ordinal)] != 0) {
+                emptyBranches.push_back(node);
+            }
         }
     }
     std::vector<TreeNode*> gone;
@@ -464,7 +479,6 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     for (TreeNode* top : leftOver) {
         removeBranch(top, gone);
     }
-    finishRemovals(gone);
 
     // 4. Texts, styles and expanded marks as a rebuild sets them, and the collection in its order.
     // The item a kept node showed before: the one its hint names, as itemOf found it, while that
@@ -490,9 +504,11 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     restoreRoot(document, changed);
     m_nodes.clear();
     m_nodes.push_back(rootNode);
+    rootNode->ordinal = 0;
     for (size_t t = 0; t < targets.size(); ++t) {
         const Target& target = targets[t];
         TreeNode* node = target.node;
+        node->ordinal = int(m_nodes.size());
         m_nodes.push_back(node);
         if (fresh[t] != 0) {
             continue; // made from the document just now
@@ -516,7 +532,10 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
             changed.push_back(node);
         }
     }
-    renumber();
+    // The removed nodes left the collection as it was made again above.
+    for (TreeNode* node : gone) {
+        deleteNode(node);
+    }
     std::vector<TreeNode*> expandNow = settleMarks(unmarked);
     rememberSyncedShape(document);
     announceChanged(changed);
