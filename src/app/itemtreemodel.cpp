@@ -47,6 +47,10 @@ QColor colourOf(NodeStyle::Colour colour)
     return QColor(0, 0, 0);
 }
 
+/// A removal that changes the indexes of more nodes than this looks at every persistent index
+/// instead of at those nodes.
+constexpr size_t kFewChangedIndexes = 256;
+
 const MenuDocument& noDocument()
 {
     static const MenuDocument empty;
@@ -213,6 +217,7 @@ void ItemTreeModel::nodesAboutToBeRemoved(const TreeNode* parent, int first, int
     if (m_beforeRemoval) {
         m_beforeRemoval(parent, first, last);
     }
+    noteIndexesTheRemovalChanges(parent, first, last);
     // Rows leave as a change of layout, not as a removal of rows: before a removal the item model
     // walks from every persistent index (the view keeps one per expanded node) up to the top to
     // find those below the rows that go, which on a menu thousands of levels deep costs far more
@@ -221,19 +226,62 @@ void ItemTreeModel::nodesAboutToBeRemoved(const TreeNode* parent, int first, int
     Q_EMIT layoutAboutToBeChanged();
 }
 
+void ItemTreeModel::noteIndexesTheRemovalChanges(const TreeNode* parent, int first, int last)
+{
+    m_changedByRemoval.clear();
+    m_removalChangesMany = false;
+    // Only the rows that go, everything below them, and the siblings after them, which move up, get
+    // other indexes: an index names its row and its node, not its parent's row.
+    const auto& children = parent->children;
+    std::vector<const TreeNode*> pending(children.begin() + first, children.begin() + last + 1);
+    size_t noted = children.size() - size_t(first);
+    if (noted <= kFewChangedIndexes) {
+        for (size_t r = size_t(first); r < children.size(); ++r) {
+            m_changedByRemoval.emplace_back(children[r], indexOf(children[r]));
+        }
+    }
+    while (!pending.empty() && noted <= kFewChangedIndexes) {
+        const TreeNode* node = pending.back();
+        pending.pop_back();
+        noted += node->children.size();
+        if (noted > kFewChangedIndexes) {
+            break;
+        }
+        for (const TreeNode* child : node->children) {
+            m_changedByRemoval.emplace_back(child, indexOf(child));
+            pending.push_back(child);
+        }
+    }
+    if (noted > kFewChangedIndexes) {
+        // Past a few, looking up every persistent index costs less: a view keeps one for each
+        // expanded node and a handful more, and a menu with long lists of siblings has few open.
+        m_removalChangesMany = true;
+        m_changedByRemoval.clear();
+    }
+}
+
 void ItemTreeModel::nodesRemoved()
 {
     QModelIndexList from;
     QModelIndexList to;
-    const QModelIndexList persistent = persistentIndexList();
-    for (const QModelIndex& index : persistent) {
-        const TreeNode* node = nodeOf(index);
+    const auto noteChange = [this, &from, &to](const TreeNode* node, const QModelIndex& before) {
         const QModelIndex now = node == nullptr || node->ordinal < 0 ? QModelIndex() : indexOf(node);
-        if (now != index) {
-            from.append(index);
+        if (now != before) {
+            from.append(before);
             to.append(now);
         }
+    };
+    if (m_removalChangesMany) {
+        const QModelIndexList persistent = persistentIndexList();
+        for (const QModelIndex& index : persistent) {
+            noteChange(nodeOf(index), index);
+        }
+    } else {
+        for (const auto& [node, before] : m_changedByRemoval) {
+            noteChange(node, before);
+        }
     }
+    m_changedByRemoval.clear();
     changePersistentIndexList(from, to);
     Q_EMIT layoutChanged();
 }

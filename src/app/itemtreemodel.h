@@ -8,6 +8,8 @@
 #include <QFont>
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 struct MenuDocument;
 
@@ -80,6 +82,10 @@ private:
     void treeAboutToBeReset() override;
     void treeReset() override;
 
+    /// Notes, before children `first` .. `last` of `parent` go, the nodes whose indexes that changes
+    /// and their indexes now, unless there are many.
+    void noteIndexesTheRemovalChanges(const TreeNode* parent, int first, int last);
+
     NodeTree m_tree;
     std::function<const MenuDocument&()> m_documentSource;
     QFont m_boldFont;
@@ -87,4 +93,7 @@ private:
     QBrush m_highlightBrush;
     std::function<void(bool)> m_beforeShapeChange;
     std::function<void(const TreeNode*, int, int)> m_beforeRemoval;
+    /// What noteIndexesTheRemovalChanges found for the removal under way.
+    std::vector<std::pair<const TreeNode*, QModelIndex>> m_changedByRemoval;
+    bool m_removalChangesMany = false;
 };

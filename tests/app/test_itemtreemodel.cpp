@@ -357,6 +357,49 @@ private Q_SLOTS:
         }
     }
 
+    void persistentIndexesFollowTheirNodesWhenBranchesGo()
+    {
+        // Small random menus change few indexes per removal; a long list of siblings, or a long
+        // branch, changes many.
+        QList<MenuDocument> menus;
+        for (quint32 seed = 1; seed <= 60; ++seed) {
+            menus.append(TestMenus::randomMenu(seed));
+        }
+        MenuDocument wide;
+        for (int i = 0; i < 400; ++i) {
+            wide.items.append(
+                TestMenus::item(QStringLiteral("E%1").arg(i), -1, qint16(i % 2 == 0 ? 1 : 0), qint16(i + 1)));
+        }
+        for (int i = 0; i < 400; i += 2) {
+            wide.items.append(TestMenus::item(QStringLiteral("E%1").arg(400 + i), qint16(i), 0, 1));
+        }
+        wide.lastIndex = qint16(wide.items.size() - 1);
+        menus.append(wide);
+        menus.append(TestMenus::chainMenu(600));
+
+        QRandomGenerator random(1125);
+        for (const MenuDocument& document : std::as_const(menus)) {
+            ItemTree tree;
+            tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+            tree.generate();
+            QList<QPair<QString, QPersistentModelIndex>> held;
+            for (int n = 1; n <= tree.nodeCount(); ++n) {
+                held.append({ tree.keyOf(tree.node(n)), QPersistentModelIndex(tree.node(n)) });
+            }
+            for (int removal = 0; removal < 4 && tree.nodeCount() > 1; ++removal) {
+                tree.removeNode(tree.node(2 + int(random.bounded(tree.nodeCount() - 1))));
+                for (const auto& [key, index] : std::as_const(held)) {
+                    const QModelIndex now = tree.nodeByKey(key);
+                    QVERIFY2(
+                        QModelIndex(index) == now,
+                        qPrintable(QStringLiteral("the index held for %1 is %2, row %3")
+                                       .arg(key, index.isValid() ? QStringLiteral("valid") : QStringLiteral("invalid"))
+                                       .arg(index.row())));
+                }
+            }
+        }
+    }
+
     void nodeIdsAreSpreadOverAHashsBuckets()
     {
         // Item views keep expanded nodes in hashes of their indexes: ids that differ only in a few
