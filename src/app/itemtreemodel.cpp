@@ -253,7 +253,7 @@ void ItemTreeModel::noteIndexesTheRemovalChanges(const TreeNode* parent, int fir
         }
     }
     if (noted > kFewChangedIndexes) {
-        // Past a few, looking up every persistent index costs less: a view keeps one for each
+        // Past a few, the persistent indexes are likely the fewer: a view keeps one for each
         // expanded node and a handful more, and a menu with long lists of siblings has few open.
         m_removalChangesMany = true;
         m_changedByRemoval.clear();

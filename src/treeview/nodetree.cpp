@@ -377,9 +377,10 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         }
     }
 
-    // 1. Branches that hold no node of the target go first, each in one removal. Only nodes that
-    // are not kept can go, so only they and their children are looked at: a walk of the whole tree
-    // would visit every node of a large menu to find the one leaf an Undo takes away.
+    // 1. Branches that hold no node of the target go first, each in one removal, in collection
+    // order. Only nodes that are not kept can go, so only they and their children are looked at: a
+    // walk of the whole tree would visit every node of a large menu to find the one leaf an Undo
+    // takes away.
     TreeNode* rootNode = root();
     const size_t nodeCount = m_nodes.size();
     std::vector<char> kept(nodeCount, 0);
@@ -532,7 +533,8 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
             changed.push_back(node);
         }
     }
-    // The removed nodes left the collection as it was made again above.
+    // The removed nodes left the collection as it was made again above; deleting them only now
+    // spares a pass that would take them out of it and number it first.
     for (TreeNode* node : gone) {
         deleteNode(node);
     }

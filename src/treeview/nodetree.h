@@ -147,7 +147,8 @@ private:
     void detach(TreeNode* node);
     void registerNode(TreeNode* node);
     /// Takes `top` with its branch out of the tree and the key map; the nodes are added to `gone`
-    /// and leave the collection, and memory, with finishRemovals.
+    /// and leave the collection, and memory, with finishRemovals, or, in a sync, once the
+    /// collection is made again.
     void removeBranch(TreeNode* top, std::vector<TreeNode*>& gone);
     void finishRemovals(std::vector<TreeNode*>& gone);
     void renumber();

@@ -100,6 +100,49 @@ class TestItemTreeModel : public QObject
     Q_OBJECT
 
 private:
+    /// A persistent index of every node, with the node's key.
+    static QList<QPair<QString, QPersistentModelIndex>> indexesOfEveryNode(const ItemTree& tree)
+    {
+        QList<QPair<QString, QPersistentModelIndex>> held;
+        for (int n = 1; n <= tree.nodeCount(); ++n) {
+            held.append({ tree.keyOf(tree.node(n)), QPersistentModelIndex(tree.node(n)) });
+        }
+        return held;
+    }
+
+    /// The held indexes that no longer name the node of their key (or, for a key gone, are still valid).
+    static QStringList heldIndexProblems(const ItemTree& tree, const QList<QPair<QString, QPersistentModelIndex>>& held)
+    {
+        QStringList problems;
+        for (const auto& [key, index] : held) {
+            if (QModelIndex(index) != tree.nodeByKey(key)) {
+                problems.append(QStringLiteral("the index held for %1 is %2, row %3")
+                                    .arg(key, index.isValid() ? QStringLiteral("valid") : QStringLiteral("invalid"))
+                                    .arg(index.row()));
+            }
+        }
+        return problems;
+    }
+
+    /// Removes the nodes of `keys` in turn from a tree of `document`, checking after each removal the
+    /// persistent indexes held of every node.
+    static bool removalKeepsHeldIndexes(const MenuDocument& document, const QStringList& keys)
+    {
+        ItemTree tree;
+        tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+        tree.generate();
+        const QList<QPair<QString, QPersistentModelIndex>> held = indexesOfEveryNode(tree);
+        for (const QString& key : keys) {
+            tree.removeNode(tree.nodeByKey(key));
+            const QStringList problems = heldIndexProblems(tree, held);
+            if (!problems.isEmpty()) {
+                qWarning("after the removal of %s: %s", qPrintable(key), qPrintable(problems.first()));
+                return false;
+            }
+        }
+        return true;
+    }
+
     /// A new menu in the window of `sandbox` that holds a random menu of 2 to 39 items, its tree built.
     static qint16 openRandomMenu(QRandomGenerator& random, GuiSandbox& sandbox)
     {
@@ -359,12 +402,7 @@ private Q_SLOTS:
 
     void persistentIndexesFollowTheirNodesWhenBranchesGo()
     {
-        // Small random menus change few indexes per removal; a long list of siblings, or a long
-        // branch, changes many.
-        QList<MenuDocument> menus;
-        for (quint32 seed = 1; seed <= 60; ++seed) {
-            menus.append(TestMenus::randomMenu(seed));
-        }
+        // 400 top-level items, every other one with a child.
         MenuDocument wide;
         for (int i = 0; i < 400; ++i) {
             wide.items.append(
@@ -374,29 +412,44 @@ private Q_SLOTS:
             wide.items.append(TestMenus::item(QStringLiteral("E%1").arg(400 + i), qint16(i), 0, 1));
         }
         wide.lastIndex = qint16(wide.items.size() - 1);
-        menus.append(wide);
-        menus.append(TestMenus::chainMenu(600));
+        const MenuDocument chain = TestMenus::chainMenu(600);
+
+        // A removal changes the indexes of the rows that go, their branches and the siblings after
+        // them: up to 256 of them are told one by one, more through every persistent index.
+        QVERIFY(removalKeepsHeldIndexes(wide, { QStringLiteral("E0") })); // 400 rows after it
+        QVERIFY(removalKeepsHeldIndexes(wide, { QStringLiteral("E398") })); // a branch of 2, 2 rows
+        QVERIFY(removalKeepsHeldIndexes(chain, { QStringLiteral("E344") })); // a branch of 256
+        QVERIFY(removalKeepsHeldIndexes(chain, { QStringLiteral("E343") })); // a branch of 257
+        QVERIFY(removalKeepsHeldIndexes(chain, { QStringLiteral("E590"), QStringLiteral("E1") }));
 
         QRandomGenerator random(1125);
-        for (const MenuDocument& document : std::as_const(menus)) {
+        for (quint32 seed = 1; seed <= 60; ++seed) {
+            const MenuDocument document = TestMenus::randomMenu(seed);
             ItemTree tree;
             tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
             tree.generate();
-            QList<QPair<QString, QPersistentModelIndex>> held;
-            for (int n = 1; n <= tree.nodeCount(); ++n) {
-                held.append({ tree.keyOf(tree.node(n)), QPersistentModelIndex(tree.node(n)) });
+            QStringList keys;
+            for (int removal = 0; removal < 4; ++removal) {
+                keys.append(tree.keyOf(tree.node(2 + int(random.bounded(tree.nodeCount() - 1)))));
             }
-            for (int removal = 0; removal < 4 && tree.nodeCount() > 1; ++removal) {
-                tree.removeNode(tree.node(2 + int(random.bounded(tree.nodeCount() - 1))));
-                for (const auto& [key, index] : std::as_const(held)) {
-                    const QModelIndex now = tree.nodeByKey(key);
-                    QVERIFY2(
-                        QModelIndex(index) == now,
-                        qPrintable(QStringLiteral("the index held for %1 is %2, row %3")
-                                       .arg(key, index.isValid() ? QStringLiteral("valid") : QStringLiteral("invalid"))
-                                       .arg(index.row())));
-                }
-            }
+            QVERIFY(removalKeepsHeldIndexes(document, keys));
+        }
+    }
+
+    void persistentIndexesFollowTheirNodesThroughSyncs()
+    {
+        QRandomGenerator random(1126);
+        for (quint32 seed = 1; seed <= 60; ++seed) {
+            MenuDocument document = TestMenus::randomMenu(seed);
+            ItemTree tree;
+            tree.setDocumentSource([&document]() -> const MenuDocument& { return document; });
+            tree.generate();
+            const QList<QPair<QString, QPersistentModelIndex>> held = indexesOfEveryNode(tree);
+            // Another random menu shares many keys: their nodes stay, move, lose or gain branches.
+            const MenuDocument before = document;
+            document = TestMenus::randomMenu(seed + 1000 * random.bounded(1, 3));
+            tree.syncTo(&before);
+            QCOMPARE(heldIndexProblems(tree, held), QStringList());
         }
     }
 
