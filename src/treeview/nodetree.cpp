@@ -503,14 +503,19 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     };
     std::vector<TreeNode*> changed;
     restoreRoot(document, changed);
+    // The shape is final: each node's expanded mark is settled in the same pass, at the depth its
+    // target knows.
+    std::vector<TreeNode*> expandNow;
     m_nodes.clear();
     m_nodes.push_back(rootNode);
     rootNode->ordinal = 0;
+    settleMark(rootNode, 0, expandNow, unmarked);
     for (size_t t = 0; t < targets.size(); ++t) {
         const Target& target = targets[t];
         TreeNode* node = target.node;
         node->ordinal = int(m_nodes.size());
         m_nodes.push_back(node);
+        settleMark(node, target.depth, expandNow, unmarked);
         if (fresh[t] != 0) {
             continue; // made from the document just now
         }
@@ -538,7 +543,6 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     for (TreeNode* node : gone) {
         deleteNode(node);
     }
-    std::vector<TreeNode*> expandNow = settleMarks(unmarked);
     rememberSyncedShape(document);
     announceChanged(changed);
     return expandNow;
