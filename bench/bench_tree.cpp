@@ -20,6 +20,7 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -48,6 +49,24 @@ MenuDocument chainMenu(int depth)
     document.lastIndex = qint16(depth - 1);
     return document;
 }
+
+/// Shows `first` and `second` in turn, as Undo and Redo do: the document changes, then the tree
+/// syncs to it from the one before.
+struct Flip
+{
+    ItemTree& tree;
+    MenuDocument& document;
+    const MenuDocument& first;
+    const MenuDocument& second;
+    bool showsSecond = false;
+
+    void operator()()
+    {
+        showsSecond = !showsSecond;
+        document = showsSecond ? second : first;
+        tree.syncTo(showsSecond ? &first : &second);
+    }
+};
 
 struct Row
 {
@@ -120,16 +139,12 @@ int main(int argc, char* argv[])
             const MenuDocument original = document;
             MenuDocument renamed = document;
             renamed.items[renamed.items.size() / 2].caption = QStringLiteral("Renamed");
-            bool isRenamed = false;
-            const auto flip = [&tree, &document, &original, &renamed, &isRenamed] {
-                isRenamed = !isRenamed;
-                document = isRenamed ? renamed : original;
-                tree.syncTo(isRenamed ? &original : &renamed);
-            };
+            // One flip for both timings, so that the second goes on from the document the first left.
+            Flip flip { tree, document, original, renamed };
             const double sync = medianMilliseconds(
-                runs, [] {}, flip);
+                runs, [] {}, std::ref(flip));
             const double fullSync = medianMilliseconds(
-                runs, [&tree] { tree.treeModel()->nodes().forgetSyncedShape(); }, flip);
+                runs, [&tree] { tree.treeModel()->nodes().forgetSyncedShape(); }, std::ref(flip));
             document = original;
 
             // Undo and Redo of New Item, in turn: an item joins as the last child of the parent of the
@@ -153,14 +168,8 @@ int main(int argc, char* argv[])
             EditContext context { withNew, SelectedNode::of(tree.keyOf(halfway), tree.keyOf(halfway.parent())),
                                   EditArguments(), editing, window };
             createItem(context);
-            bool hasNew = false;
-            const auto flipNew = [&tree, &document, &withoutNew, &withNew, &hasNew] {
-                hasNew = !hasNew;
-                document = hasNew ? withNew : withoutNew;
-                tree.syncTo(hasNew ? &withoutNew : &withNew);
-            };
             const double newItemSync = medianMilliseconds(
-                runs, [] {}, flipNew);
+                runs, [] {}, Flip { tree, document, withoutNew, withNew });
             document = original;
 
             tree.show();
