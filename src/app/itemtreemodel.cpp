@@ -233,12 +233,13 @@ void ItemTreeModel::noteIndexesTheRemovalChanges(const TreeNode* parent, int fir
     // Only the rows that go, everything below them, and the siblings after them, which move up, get
     // other indexes: an index names its row and its node, not its parent's row.
     const auto& children = parent->children;
-    std::vector<const TreeNode*> pending(children.begin() + first, children.begin() + last + 1);
     size_t noted = children.size() - size_t(first);
+    std::vector<const TreeNode*> pending;
     if (noted <= kFewChangedIndexes) {
         for (size_t r = size_t(first); r < children.size(); ++r) {
             m_changedByRemoval.emplace_back(children[r], indexOf(children[r]));
         }
+        pending.assign(children.begin() + first, children.begin() + last + 1);
     }
     while (!pending.empty() && noted <= kFewChangedIndexes) {
         const TreeNode* node = pending.back();

@@ -382,8 +382,8 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     // walk of the whole tree would visit every node of a large menu to find the one leaf an Undo
     // takes away.
     TreeNode* rootNode = root();
-    const size_t nodeCount = m_nodes.size();
-    std::vector<char> kept(nodeCount, 0);
+    const size_t collectionSize = m_nodes.size();
+    std::vector<char> kept(collectionSize, 0);
     kept[size_t(rootNode->ordinal)] = 1;
     size_t keptCount = 1;
     for (const Target& target : targets) {
@@ -395,12 +395,12 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     std::vector<TreeNode*> emptyBranches;
     // Old nodes that go only once the kept nodes below them have moved out (step 3); mostly none.
     bool keptHolders = false;
-    if (keptCount < nodeCount) {
+    if (keptCount < collectionSize) {
         // A node that is not kept holds a kept node when one of its children is kept, or holds one.
         // Marking up from each such node stops at the first node marked: above a marked node that
         // is not kept, every node up to a kept one is marked already.
         std::vector<char> holdsKept(kept);
-        for (size_t n = 0; n < nodeCount; ++n) {
+        for (size_t n = 0; n < collectionSize; ++n) {
             if (kept[n] != 0) {
                 continue;
             }
@@ -412,7 +412,7 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
                 holdsKept[size_t(up->ordinal)] = 1;
             }
         }
-        for (size_t n = 0; n < nodeCount; ++n) {
+        for (size_t n = 0; n < collectionSize; ++n) {
             if (kept[n] != 0) {
                 continue;
             }

@@ -645,6 +645,30 @@ private Q_SLOTS:
         QCOMPARE(describe(tree, document), describe(fresh, document));
     }
 
+    void syncOfANewShapeMarksNodesAroundTheExpandedDepthAsARebuild()
+    {
+        // As above, but the chain also ends a level earlier, so the sync builds the new shape.
+        const MenuDocument document = TestMenus::chainMenu(NodeTree::expandedLevels + 20);
+        MenuDocument shorter = document;
+        shorter.items[shorter.items.size() - 2].childCount = 0;
+        NodeTree tree;
+        tree.generate(document);
+        for (int depth = NodeTree::expandedLevels - 1; depth <= NodeTree::expandedLevels + 1; ++depth) {
+            TreeNode* node = tree.node(depth + 1);
+            QCOMPARE(NodeTree::depthOf(node), depth);
+            tree.setExpandedMark(node, !node->expanded);
+        }
+        std::vector<TreeNode*> unmarked;
+        const std::vector<TreeNode*> marked = tree.syncTo(shorter, &document, &unmarked);
+        QCOMPARE(tree.nodeCount(), NodeTree::expandedLevels + 20);
+        QCOMPARE(marked.size(), size_t(1));
+        QCOMPARE(NodeTree::depthOf(marked.front()), NodeTree::expandedLevels - 1);
+        QCOMPARE(unmarked.size(), size_t(2));
+        NodeTree fresh;
+        fresh.generate(shorter);
+        QCOMPARE(describe(tree, shorter), describe(fresh, shorter));
+    }
+
     void theRootIsRepaintedOnlyWhenItsTextChanges()
     {
         MenuDocument document = TestMenus::randomMenu(3);
