@@ -97,6 +97,7 @@ rm -rf "$build_dir/package"
 deb=$(ls "$build_dir"/package/kelveditor_*.deb)
 dpkg-deb -I "$deb"
 dpkg-deb -f "$deb" Depends | grep -q 'libqt6widgets6' || fail "the package does not depend on the Qt libraries"
+dpkg-deb -f "$deb" Depends | grep -q 'qt6-base-abi (= ' || fail "the package does not depend on the exact Qt release it was built with"
 dpkg-deb -c "$deb"
 unpacked=$(mktemp -d)
 dpkg-deb -x "$deb" "$unpacked"

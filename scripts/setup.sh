@@ -6,7 +6,7 @@ set -euo pipefail
 # Besides the build and the tests: the manual pages, and the checks of the installed files and of the package (scripts/check-package.sh);
 # clang, its sanitizer and libFuzzer runtimes (libclang-rt-dev) and llvm's symbolizer serve the
 # sanitizer build and the fuzz targets.
-packages=(cmake g++ make qt6-base-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils
+packages=(cmake g++ make qt6-base-dev qt6-base-private-dev qt6-base-dev-tools libgl-dev xvfb xauth fp-utils
     help2man gzip desktop-file-utils appstream shared-mime-info xdg-utils libglib2.0-bin dpkg-dev file
     clang libclang-rt-dev llvm)
 missing=()

@@ -5,6 +5,7 @@
 #include "app/plaintooltip.h"
 #include "app/shapechange.h"
 #include "app/treebranchstyle.h"
+#include "app/treerowslayout.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
 
@@ -17,6 +18,7 @@
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QFont>
+#include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -249,6 +251,18 @@ void ItemTree::withExpandedStateAside(const std::function<void()>& change)
     }
     change();
     expandMarkedNodes();
+}
+
+void ItemTree::doItemsLayout()
+{
+    const auto rowHeight = [this](const QModelIndex& index) { return indexRowSizeHint(index); };
+    if (!TreeRowsLayout::layOut(*this, *m_model, rowHeight)) {
+        QTreeView::doItemsLayout();
+        return;
+    }
+    // The rest of the view's own layout, past its rows.
+    QAbstractItemView::doItemsLayout();
+    header()->doItemsLayout();
 }
 
 QString ItemTree::fullPath(const QModelIndex& node) const

@@ -135,6 +135,10 @@ public:
     /// The tooltip of `node`; empty when it has none.
     QString toolTipOf(const QModelIndex& node) const;
 
+    /// Lays out the rows from the nodes in one walk (see TreeRowsLayout) where the view's own layout
+    /// would ask the model row by row.
+    void doItemsLayout() override;
+
 Q_SIGNALS:
     /// A label edit has started on the node `key` (BeforeLabelEdit).
     void labelEditStarted(const QString& key);

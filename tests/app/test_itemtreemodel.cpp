@@ -1,5 +1,6 @@
 #include "editing/randommenu.h"
 #include "guisandbox.h"
+#include "laidoutrows.h"
 #include "treeview/testmenus.h"
 
 #include "app/editorwindow.h"
@@ -321,6 +322,8 @@ private Q_SLOTS:
                     runRandomOperation(random, sandbox, index);
                     QVERIFY2(shapeProblem(*tree).isEmpty(), qPrintable(shapeProblem(*tree)));
                     QVERIFY2(expandedStateProblem(*tree).isEmpty(), qPrintable(expandedStateProblem(*tree)));
+                    const QString rowsProblem = LaidOutRows::disagreement(*tree);
+                    QVERIFY2(rowsProblem.isEmpty(), qPrintable(rowsProblem));
                     continue;
                 }
                 if (choice < 8) {
@@ -332,6 +335,9 @@ private Q_SLOTS:
                 QVERIFY2(shapeProblem(*tree).isEmpty(), qPrintable(shapeProblem(*tree)));
                 QCOMPARE(shown(*tree), rebuilt(document));
                 QVERIFY2(expandedStateProblem(*tree).isEmpty(), qPrintable(expandedStateProblem(*tree)));
+                // The rows the tree laid out itself, and those the view made of them, are the view's own.
+                const QString rowsProblem = LaidOutRows::disagreement(*tree);
+                QVERIFY2(rowsProblem.isEmpty(), qPrintable(rowsProblem));
                 if (tree->nodeCount() > 1) {
                     QCOMPARE(tree->currentIndex(), tree->node(2));
                 }
@@ -386,6 +392,9 @@ private Q_SLOTS:
                 QVERIFY2(shapeProblem(*tree).isEmpty(), qPrintable(shapeProblem(*tree)));
                 QCOMPARE(shown(*tree), rebuilt(document));
                 QVERIFY2(expandedStateProblem(*tree).isEmpty(), qPrintable(expandedStateProblem(*tree)));
+                // The rows the tree laid out itself, and those the view made of them, are the view's own.
+                const QString rowsProblem = LaidOutRows::disagreement(*tree);
+                QVERIFY2(rowsProblem.isEmpty(), qPrintable(rowsProblem));
                 if (tree->nodeCount() > 1) {
                     QCOMPARE(tree->currentIndex(), tree->node(2));
                     QCOMPARE(tree->selectionModel()->selectedIndexes(), QModelIndexList { tree->node(2) });

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class ItemTree;
+class QTreeView;
+
+/// Reads the rows a tree view has laid out, for tests of the item tree's own row layout.
+namespace LaidOutRows {
+
+/// One line per row the view has laid out, in order, with all it keeps of the row (its node, parent
+/// row, level, whether it is expanded, has children, has siblings after it, how many rows lie below
+/// it, its height and spanning), then the row height the view assumes and the expanded nodes it
+/// remembers.
+QStringList of(const QTreeView& view);
+
+/// How the rows of `tree` as they stand (laid out by the tree, then changed by the view itself), and
+/// as the tree lays them out afresh, differ from the rows the tree view's own layout gives; empty
+/// when all three are equal. The view is left laid out by its own layout.
+QString disagreement(ItemTree& tree);
+
+} // namespace LaidOutRows
