@@ -5,7 +5,7 @@
 #include "app/plaintooltip.h"
 #include "app/shapechange.h"
 #include "app/treebranchstyle.h"
-#include "app/treerowslayout.h"
+#include "app/treerows.h"
 #include "model/menudocument.h"
 #include "treeview/hidemode.h"
 
@@ -35,6 +35,7 @@
 ItemTree::ItemTree(QWidget* parent)
     : QTreeView(parent)
     , m_model(new ItemTreeModel(this))
+    , m_rows(*this, *m_model, [this] { scheduleDelayedItemsLayout(); })
 {
     setModel(m_model);
     setHeaderHidden(true);
@@ -57,6 +58,7 @@ ItemTree::ItemTree(QWidget* parent)
     updateFonts();
     m_model->setBeforeRemoval(
         [this](const TreeNode* above, int first, int last) { beforeBranchesGo(above, first, last); });
+    m_rows.listen(*m_model);
     connect(this, &QTreeView::collapsed, this, &ItemTree::onCollapsed);
     connect(this, &QTreeView::expanded, this, &ItemTree::onExpanded);
 }
@@ -100,7 +102,7 @@ void ItemTree::addNodes(const QList<NewNode>& nodes)
             toExpand.push_back(node);
         }
     }
-    expandNodes(toExpand);
+    m_rows.expand(toExpand);
 }
 
 void ItemTree::removeNode(const QModelIndex& node)
@@ -186,32 +188,6 @@ void ItemTree::forgetGoneNodes()
     }
 }
 
-void ItemTree::expandNodes(const std::vector<TreeNode*>& nodes)
-{
-    if (nodes.empty()) {
-        return;
-    }
-    // With a layout pending, expanding only notes each node; the layout then runs once.
-    scheduleDelayedItemsLayout();
-    const QSignalBlocker noExpandSignals(this);
-    for (const TreeNode* node : nodes) {
-        expand(m_model->indexOf(node));
-    }
-}
-
-void ItemTree::expandMarkedNodes()
-{
-    std::vector<TreeNode*> marked;
-    const NodeTree& tree = m_model->nodes();
-    for (int n = 1; n <= tree.nodeCount(); ++n) {
-        TreeNode* node = tree.node(n);
-        if (node->expanded) {
-            marked.push_back(node); // a node without children now keeps its mark for the ones to come
-        }
-    }
-    expandNodes(marked);
-}
-
 void ItemTree::beforeBranchesGo(const TreeNode* parent, int first, int last)
 {
     const std::vector<const TreeNode*> going = NodeTree::branchesOf(parent, first, last);
@@ -224,17 +200,7 @@ void ItemTree::beforeBranchesGo(const TreeNode* parent, int first, int last)
             closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
         }
     }
-    // The view cleans its memory of expanded nodes only after rows were removed as such; nodes that
-    // leave with a change of layout would stay in it, and every later layout would wade through them.
-    // With a layout pending (it follows the change anyway), shutting a node only strikes it from there.
-    const QSignalBlocker noCollapseSignals(this);
-    scheduleDelayedItemsLayout();
-    for (const TreeNode* node : going) {
-        const QModelIndex index = m_model->indexOf(node);
-        if (isExpanded(index)) {
-            collapse(index);
-        }
-    }
+    m_rows.nodesAboutToGo(parent, first, last, going);
 }
 
 void ItemTree::withExpandedStateAside(const std::function<void()>& change)
@@ -250,19 +216,30 @@ void ItemTree::withExpandedStateAside(const std::function<void()>& change)
         collapseAll();
     }
     change();
-    expandMarkedNodes();
+    m_rows.expandMarked();
 }
 
 void ItemTree::doItemsLayout()
 {
-    const auto rowHeight = [this](const QModelIndex& index) { return indexRowSizeHint(index); };
-    if (!TreeRowsLayout::layOut(*this, *m_model, rowHeight)) {
+    if (!m_rows.layOut([this](const QModelIndex& index) { return indexRowSizeHint(index); })) {
         QTreeView::doItemsLayout();
         return;
     }
     // The rest of the view's own layout, past its rows.
     QAbstractItemView::doItemsLayout();
     header()->doItemsLayout();
+}
+
+void ItemTree::rowsInserted(const QModelIndex& parent, int start, int end)
+{
+    if (!m_rows.rowsInserted(parent, start, end)) {
+        QTreeView::rowsInserted(parent, start, end);
+        return;
+    }
+    // The rest of the view's own insertion, past its rows, and what it does after expanding a node.
+    QAbstractItemView::rowsInserted(parent, start, end);
+    updateGeometries();
+    viewport()->update();
 }
 
 QString ItemTree::fullPath(const QModelIndex& node) const
@@ -285,7 +262,7 @@ void ItemTree::generate()
         const QSignalBlocker noCollapseSignals(this);
         m_model->nodes().generate(document());
     }
-    expandMarkedNodes();
+    m_rows.expandMarked();
 }
 
 void ItemTree::regenerate()
@@ -329,7 +306,7 @@ void ItemTree::syncTo(const MenuDocument* before)
     std::vector<TreeNode*> toCollapse;
     const std::vector<TreeNode*> toExpand = m_model->nodes().syncTo(document(), before, &toCollapse);
     if (setAside) {
-        expandMarkedNodes();
+        m_rows.expandMarked();
     } else {
         // The view kept its expanded nodes; those whose mark the tree took back are closed too.
         const QSignalBlocker noCollapseSignals(this);
@@ -338,7 +315,7 @@ void ItemTree::syncTo(const MenuDocument* before)
         }
     }
     forgetGoneNodes();
-    expandNodes(toExpand);
+    m_rows.expand(toExpand);
 }
 
 void ItemTree::showRootText(int hideMode)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/itemtreemodel.h"
+#include "app/treerows.h"
 #include "treeview/nodestyle.h"
 #include "treeview/nodetree.h"
 
@@ -135,8 +136,8 @@ public:
     /// The tooltip of `node`; empty when it has none.
     QString toolTipOf(const QModelIndex& node) const;
 
-    /// Lays out the rows from the nodes in one walk (see TreeRowsLayout) where the view's own layout
-    /// would ask the model row by row.
+    /// Lays out the rows from the nodes in one walk (see TreeRows) where the view's own layout would
+    /// ask the model row by row.
     void doItemsLayout() override;
 
 Q_SIGNALS:
@@ -175,6 +176,8 @@ protected:
     void dropEvent(QDropEvent* event) override;
     void commitData(QWidget* editor) override;
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+    /// Adds the rows in place where it can (see TreeRows) instead of laying out every row again.
+    void rowsInserted(const QModelIndex& parent, int start, int end) override;
 
 private:
     const MenuDocument& document() const { return m_model->document(); }
@@ -184,10 +187,6 @@ private:
     /// Children `first` .. `last` of `parent` are about to go with their branches: a label edit of one
     /// of their nodes is dropped, and the view forgets which of them it shows expanded.
     void beforeBranchesGo(const TreeNode* parent, int first, int last);
-    /// Expands `nodes` in the view; the view lays the tree out once, afterwards.
-    void expandNodes(const std::vector<TreeNode*>& nodes);
-    /// Expands every node marked expanded (after the view forgot them).
-    void expandMarkedNodes();
     /// Runs `change`, a change of the tree's shape, with the view's expanded state set aside and
     /// given back afterwards.
     void withExpandedStateAside(const std::function<void()>& change);
@@ -198,6 +197,7 @@ private:
     void requestMenuAtCurrentNode();
 
     ItemTreeModel* m_model = nullptr;
+    TreeRows m_rows;
     /// The node the mouse was pressed on, and where and with which button: a drag may start from it.
     QString m_pressKey;
     QPoint m_pressPos;

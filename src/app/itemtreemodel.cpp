@@ -222,7 +222,8 @@ void ItemTreeModel::nodesAboutToBeRemoved(const TreeNode* parent, int first, int
     // walks from every persistent index (the view keeps one per expanded node) up to the top to
     // find those below the rows that go, which on a menu thousands of levels deep costs far more
     // than the change itself, even for a single leaf. Here only the indexes that change are told,
-    // and a node knows whether it went. The view lays its rows out again either way.
+    // and a node knows whether it went. The view takes out the rows (see setAfterRemoval) or lays
+    // them all out again.
     Q_EMIT layoutAboutToBeChanged();
 }
 
@@ -284,6 +285,9 @@ void ItemTreeModel::nodesRemoved()
     }
     m_changedByRemoval.clear();
     changePersistentIndexList(from, to);
+    if (m_afterRemoval) {
+        m_afterRemoval();
+    }
     Q_EMIT layoutChanged();
 }
 

@@ -60,6 +60,9 @@ public:
     {
         m_beforeRemoval = std::move(hook);
     }
+    /// Heard once the nodes announced to the removal hook went and the persistent indexes follow,
+    /// just before the view is told that the layout changed, so that it can take their rows out first.
+    void setAfterRemoval(std::function<void()> hook) { m_afterRemoval = std::move(hook); }
 
     QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex& child) const override;
@@ -93,6 +96,7 @@ private:
     QBrush m_highlightBrush;
     std::function<void(bool)> m_beforeShapeChange;
     std::function<void(const TreeNode*, int, int)> m_beforeRemoval;
+    std::function<void()> m_afterRemoval;
     /// What noteIndexesTheRemovalChanges found for the removal under way.
     std::vector<std::pair<const TreeNode*, QModelIndex>> m_changedByRemoval;
     bool m_removalChangesMany = false;

@@ -61,4 +61,9 @@ QString disagreement(ItemTree& tree)
     return QString();
 }
 
+bool isLayoutDue(const QTreeView& view)
+{
+    return static_cast<const QTreeViewPrivate*>(QObjectPrivate::get(&view))->delayedPendingLayout;
+}
+
 } // namespace LaidOutRows

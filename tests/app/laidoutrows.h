@@ -20,4 +20,7 @@ QStringList of(const QTreeView& view);
 /// when all three are equal. The view is left laid out by its own layout.
 QString disagreement(ItemTree& tree);
 
+/// Whether `view` is due to lay out all its rows again.
+bool isLayoutDue(const QTreeView& view);
+
 } // namespace LaidOutRows

@@ -3,7 +3,7 @@
 
 #include "app/itemtree.h"
 #include "app/itemtreemodel.h"
-#include "app/treerowslayout.h"
+#include "app/treerows.h"
 #include "model/menudocument.h"
 
 #include <QRandomGenerator>
@@ -42,10 +42,11 @@ bool rowsAgree(ItemTree& tree)
 
 } // namespace
 
-/// The item tree lays out its rows from its nodes; the tree view's own layout, from the model row by
-/// row, is the reference it must match in every detail, as the view goes on from those rows (it
-/// expands and collapses nodes in them, finds rows, paints them).
-class TestTreeRowsLayout : public QObject
+/// The item tree lays out its rows from its nodes and changes them in place as nodes come and go; the
+/// tree view's own layout, from the model row by row, is the reference they must match in every
+/// detail, as the view goes on from those rows (it expands and collapses nodes in them, finds rows,
+/// paints them).
+class TestTreeRows : public QObject
 {
     Q_OBJECT
 
@@ -58,7 +59,7 @@ private Q_SLOTS:
             MenuDocument document = TestMenus::randomMenu(seed);
             document.hideMode = int(random.bounded(4));
             const auto tree = treeOf(document);
-            QVERIFY(TreeRowsLayout::applies(*tree, *tree->treeModel()));
+            QVERIFY(TreeRows::applies(*tree, *tree->treeModel()));
             QVERIFY2(rowsAgree(*tree), "after a rebuild");
             laidOutRows += int(LaidOutRows::of(*tree).size());
             if (tree->nodeCount() == 0) {
@@ -121,6 +122,57 @@ private Q_SLOTS:
         }
     }
 
+    void rowsChangeInPlaceWhenNodesComeAndGo()
+    {
+        QRandomGenerator random(251125);
+        int made = 0;
+        int changes = 0;
+        for (quint32 seed = 1; seed <= 150; ++seed) {
+            MenuDocument document = TestMenus::randomMenu(seed);
+            const auto tree = treeOf(document);
+            QVERIFY2(rowsAgree(*tree), "after a rebuild");
+            for (int step = 0; step < 14 && tree->nodeCount() > 1; ++step) {
+                const QModelIndex node = tree->node(2 + int(random.bounded(tree->nodeCount() - 1)));
+                const QModelIndex parent = anyNode(random, *tree);
+                switch (random.bounded(4)) {
+                case 0:
+                    tree->removeNode(node);
+                    // Rows that go are taken out in place: no layout of every row is due.
+                    QVERIFY(!LaidOutRows::isLayoutDue(*tree));
+                    ++changes;
+                    break;
+                case 1: {
+                    const QString key = QStringLiteral("N%1").arg(made++);
+                    QVERIFY(tree->addNode(tree->keyOf(parent), key, key).isValid());
+                    QVERIFY(!LaidOutRows::isLayoutDue(*tree)); // nor for a row added
+                    ++changes;
+                    break;
+                }
+                case 2: {
+                    // Added, then moved up to be a first or middle child: each changes the rows around
+                    // it differently.
+                    const QString key = QStringLiteral("N%1").arg(made++);
+                    QVERIFY(tree->addNode(tree->keyOf(parent), key, key).isValid());
+                    const int rows = tree->model()->rowCount(parent);
+                    if (rows > 1) {
+                        tree->moveAmongSiblings(tree->nodeByKey(key), -int(random.bounded(1, rows)));
+                    }
+                    break;
+                }
+                default:
+                    if (random.bounded(2) == 0) {
+                        tree->collapse(node);
+                    } else {
+                        tree->expand(node);
+                    }
+                    break;
+                }
+                QVERIFY2(rowsAgree(*tree), "after a node came or went");
+            }
+        }
+        QVERIFY(changes > 600);
+    }
+
     void rowsAreTheViewsOwnOnADeepChain()
     {
         // Deeper than the levels a rebuild expands, so that open and shut nodes alternate below.
@@ -142,7 +194,7 @@ private Q_SLOTS:
         QVERIFY(tree->nodeCount() > 3);
         const QModelIndex hidden = tree->node(3);
         tree->setRowHidden(hidden.row(), hidden.parent(), true);
-        QVERIFY(!TreeRowsLayout::applies(*tree, *tree->treeModel()));
+        QVERIFY(!TreeRows::applies(*tree, *tree->treeModel()));
         QVERIFY2(rowsAgree(*tree), "after a row was hidden");
         const QString hiddenId = QString::number(hidden.internalId()) + QLatin1Char(' ');
         for (const QString& row : LaidOutRows::of(*tree)) {
@@ -151,5 +203,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestTreeRowsLayout)
-#include "test_treerowslayout.moc"
+QTEST_MAIN(TestTreeRows)
+#include "test_treerows.moc"
