@@ -65,8 +65,11 @@ ItemTree::ItemTree(QWidget* parent)
 
 ItemTree::~ItemTree()
 {
-    // What the view signals while it goes must not reach the window any more.
+    // What the view signals while it goes must not reach the window any more, nor what the model
+    // tells of removals reach the rows, which go before the model.
     disconnect(this, nullptr, nullptr, nullptr);
+    m_model->setBeforeRemoval({});
+    m_model->setAfterRemoval({});
 }
 
 NodeStyle ItemTree::styleOf(const QModelIndex& node) const
@@ -302,17 +305,18 @@ void ItemTree::syncTo(const MenuDocument* before)
             collapseAll();
         }
     });
-    const auto hearNothingMore = qScopeGuard([this] { m_model->setBeforeShapeChange({}); });
+    m_rows.limitRemovalsInPlace(8);
+    const auto hearNothingMore = qScopeGuard([this] {
+        m_model->setBeforeShapeChange({});
+        m_rows.limitRemovalsInPlace(-1);
+    });
     std::vector<TreeNode*> toCollapse;
     const std::vector<TreeNode*> toExpand = m_model->nodes().syncTo(document(), before, &toCollapse);
     if (setAside) {
         m_rows.expandMarked();
     } else {
         // The view kept its expanded nodes; those whose mark the tree took back are closed too.
-        const QSignalBlocker noCollapseSignals(this);
-        for (const TreeNode* node : toCollapse) {
-            collapse(m_model->indexOf(node));
-        }
+        m_rows.collapse(toCollapse);
     }
     forgetGoneNodes();
     m_rows.expand(toExpand);

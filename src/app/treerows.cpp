@@ -76,8 +76,7 @@ QTreeViewItem rowOf(const ItemTreeModel& model, const TreeNode* node, int parent
     return row;
 }
 
-/// Assistive tools count the rows; when their number changed they read the tree again, as after
-/// the view's own layout.
+/// Assistive tools count the rows: when their number changed, they are told to read the tree again.
 void tellAssistiveTools(QTreeView& view)
 {
 #if QT_CONFIG(accessibility)
@@ -204,9 +203,12 @@ void TreeRows::nodesAboutToGo(const TreeNode* parent, int first, int last, const
     }
     m_toGo.reset();
     RowsToGo found;
-    if (isLayoutDue() || !applies() || !findRowsToGo(parent, first, last, found)) {
+    if (m_removalsInPlaceLeft == 0 || isLayoutDue() || !applies() || !findRowsToGo(parent, first, last, found)) {
         m_scheduleLayout();
         return;
+    }
+    if (m_removalsInPlaceLeft > 0) {
+        --m_removalsInPlaceLeft;
     }
     m_toGo = found;
 }
@@ -217,6 +219,8 @@ bool TreeRows::findRowsToGo(const TreeNode* parent, int first, int last, RowsToG
     const QList<QTreeViewItem>& rows = d->viewItems;
     found.parent = parent;
     found.first = first;
+    found.firstNode = parent->children[size_t(first)];
+    found.layouts = m_layouts;
     found.parentRow = d->viewIndex(m_model.indexOf(parent));
     if (found.parentRow < 0 || !rows[found.parentRow].expanded) {
         found.shown = false;
@@ -250,13 +254,18 @@ bool TreeRows::takeOutRowsToGo()
     m_toGo.reset();
     QTreeViewPrivate* d = privateOf(m_view);
     const TreeNode* parent = toGo.parent;
+    if (toGo.layouts != m_layouts || isLayoutDue()) {
+        return false; // the rows no longer stand as they were found
+    }
     if (!toGo.shown) {
         if (toGo.parentRow >= 0) {
             d->viewItems[toGo.parentRow].hasChildren = !parent->children.empty();
         }
     } else {
         // The later siblings moved up; their rows follow the ones that go.
-        if (!reindexSiblings(parent, size_t(toGo.first), toGo.firstRow + toGo.rowCount)) {
+        if (toGo.firstRow + toGo.rowCount > d->viewItems.size()
+            || !shows(d->viewItems[toGo.firstRow], m_model, toGo.firstNode)
+            || !reindexSiblings(parent, size_t(toGo.first), toGo.firstRow + toGo.rowCount)) {
             return false;
         }
         d->removeViewItems(toGo.firstRow, toGo.rowCount);
@@ -280,7 +289,9 @@ void TreeRows::layoutChanged()
     if (m_layouts == m_layoutsAtChange) {
         // Unless something asked for the rows meanwhile and they were all laid out again, the view's
         // due layout is called off: the item view's part of a layout does just that, and sets the
-        // scroll bars for the rows.
+        // scroll bars for the rows and moves an open label editor with its row. The header's layout,
+        // which a full layout also runs, is not missed: the one column's header is hidden and keeps
+        // its size.
         m_view.QAbstractItemView::doItemsLayout();
     }
 }
@@ -368,9 +379,25 @@ void TreeRows::expand(const std::vector<TreeNode*>& nodes)
         m_scheduleLayout();
     }
     const QSignalBlocker noExpandSignals(&m_view);
+    // Nodes the program expands open at once, even where the style animates what the user opens.
+    const bool animated = m_view.isAnimated();
+    m_view.setAnimated(false);
     for (const TreeNode* node : nodes) {
         m_view.expand(m_model.indexOf(node));
     }
+    m_view.setAnimated(animated);
+}
+
+void TreeRows::collapse(const std::vector<TreeNode*>& nodes)
+{
+    const QSignalBlocker noCollapseSignals(&m_view);
+    // As for expand: nodes the program collapses close at once.
+    const bool animated = m_view.isAnimated();
+    m_view.setAnimated(false);
+    for (const TreeNode* node : nodes) {
+        m_view.collapse(m_model.indexOf(node));
+    }
+    m_view.setAnimated(animated);
 }
 
 void TreeRows::expandMarked()

@@ -55,6 +55,10 @@ public:
     /// out once the nodes went, before the view hears of it; otherwise the view is due to lay out its
     /// rows afresh.
     void nodesAboutToGo(const TreeNode* parent, int first, int last, const std::vector<const TreeNode*>& going);
+    /// Takes the rows of at most `count` removals out in place from now on (-1: of every removal);
+    /// past those, the view lays out every row once, afterwards. Each removal in place costs time in
+    /// the number of rows, so a change that removes many branches at once lays out instead.
+    void limitRemovalsInPlace(int count) { m_removalsInPlaceLeft = count; }
 
     /// Rows `first` .. `last` were inserted under `parent`: adds them in place and returns true when
     /// the parent's children are shown and the rows stand (the caller then completes the insertion as
@@ -64,6 +68,8 @@ public:
     /// Expands `nodes` in the view, without a word. A few are expanded among rows that stand, each
     /// adding its own rows; past those, the view lays out every row once, afterwards.
     void expand(const std::vector<TreeNode*>& nodes);
+    /// Collapses `nodes` in the view, without a word.
+    void collapse(const std::vector<TreeNode*>& nodes);
     /// Expands every node marked expanded (after the view forgot them).
     void expandMarked();
 
@@ -82,6 +88,10 @@ private:
         int rowCount = 0;
         /// The row of the sibling just before the first node that goes; -1 when it is the first child.
         int previousRow = -1;
+        /// The first node that goes, and how many times every row had been laid out when its row was
+        /// found: the rows are taken out only while they still stand as they were found.
+        const TreeNode* firstNode = nullptr;
+        quint64 layouts = 0;
     };
 
     /// Finds the rows of the children `first` .. `last` of `parent` among rows that stand, checking
@@ -103,6 +113,7 @@ private:
     const ItemTreeModel& m_model;
     std::function<void()> m_scheduleLayout;
     std::optional<RowsToGo> m_toGo;
+    int m_removalsInPlaceLeft = -1;
     /// Rows were brought up to date in place since the view last heard of a change of layout.
     bool m_changedInPlace = false;
     /// How many times every row was laid out, here or by the view; and how many at the last change

@@ -2,6 +2,7 @@
 
 #include "app/itemtree.h"
 
+#include <QScrollBar>
 #include <QTreeView>
 #include <QtWidgets/private/qtreeview_p.h>
 
@@ -28,7 +29,9 @@ QStringList of(const QTreeView& view)
                          .arg(row.total)
                          .arg(row.height));
     }
-    lines.append(QStringLiteral("row height %1").arg(d->defaultItemHeight));
+    lines.append(QStringLiteral("row height %1, scroll range %2")
+                     .arg(d->defaultItemHeight)
+                     .arg(view.verticalScrollBar()->maximum()));
     QStringList expanded;
     for (const QPersistentModelIndex& index : d->expandedIndexes) {
         expanded.append(index.isValid() ? QString::number(index.internalId()) : QStringLiteral("gone"));
@@ -46,6 +49,9 @@ QString disagreement(ItemTree& tree)
     const QStringList quick = of(tree);
     tree.QTreeView::doItemsLayout();
     const QStringList own = of(tree);
+    if (own.last().contains(QLatin1String("gone"))) {
+        return QStringLiteral("the view remembers expanded nodes that went: ") + own.last();
+    }
     for (const auto& [name, rows] : { std::pair { "standing", standing }, std::pair { "quick", quick } }) {
         if (rows != own) {
             qsizetype line = 0;
@@ -64,6 +70,17 @@ QString disagreement(ItemTree& tree)
 bool isLayoutDue(const QTreeView& view)
 {
     return static_cast<const QTreeViewPrivate*>(QObjectPrivate::get(&view))->delayedPendingLayout;
+}
+
+bool isAnimating(const QTreeView& view)
+{
+#if QT_CONFIG(animation)
+    const auto* d = static_cast<const QTreeViewPrivate*>(QObjectPrivate::get(&view));
+    return d->animatedOperation.state() == QAbstractAnimation::Running;
+#else
+    Q_UNUSED(view);
+    return false;
+#endif
 }
 
 } // namespace LaidOutRows

@@ -6,6 +6,8 @@
 #include "app/treerows.h"
 #include "model/menudocument.h"
 
+#include <QHash>
+#include <QPair>
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -27,6 +29,56 @@ std::unique_ptr<ItemTree> treeOf(const MenuDocument& document)
 QModelIndex anyNode(QRandomGenerator& random, const ItemTree& tree)
 {
     return tree.node(1 + int(random.bounded(tree.nodeCount())));
+}
+
+/// A menu of `items`, each a key and its parent's key (empty: the top level), parents first; the
+/// children of an item take siblingOrder 1, 2, 3 ... in the order they are given.
+MenuDocument menuOf(const QList<QPair<QString, QString>>& items)
+{
+    QList<MenuItem> made;
+    QHash<QString, int> indexOf;
+    for (const auto& [key, parentKey] : items) {
+        const int parent = parentKey.isEmpty() ? -1 : indexOf.value(parentKey);
+        qint16 order = 1;
+        for (const MenuItem& earlier : made) {
+            order = qint16(order + (earlier.parent == parent ? 1 : 0));
+        }
+        if (parent >= 0) {
+            ++made[parent].childCount;
+        }
+        indexOf.insert(key, int(made.size()));
+        made.append(TestMenus::item(key, qint16(parent), 0, order));
+    }
+    MenuDocument document;
+    document.items = MenuItemArray(made);
+    document.lastIndex = qint16(made.size() - 1);
+    return document;
+}
+
+/// A submenu E0 of `count` items E1 ... E`count`; E3 has a child, X.
+MenuDocument submenuOf(int count)
+{
+    QList<QPair<QString, QString>> items { { QStringLiteral("E0"), QString() } };
+    for (int i = 1; i <= count; ++i) {
+        items.append({ QStringLiteral("E%1").arg(i), QStringLiteral("E0") });
+    }
+    items.append({ QStringLiteral("X"), QStringLiteral("E3") });
+    return menuOf(items);
+}
+
+/// submenuOf(`count`) without the items `gone` (X goes with E3).
+MenuDocument submenuWithout(int count, const QStringList& gone)
+{
+    QList<QPair<QString, QString>> items { { QStringLiteral("E0"), QString() } };
+    for (int i = 1; i <= count; ++i) {
+        if (!gone.contains(QStringLiteral("E%1").arg(i))) {
+            items.append({ QStringLiteral("E%1").arg(i), QStringLiteral("E0") });
+        }
+    }
+    if (!gone.contains(QStringLiteral("E3"))) {
+        items.append({ QStringLiteral("X"), QStringLiteral("E3") });
+    }
+    return menuOf(items);
 }
 
 /// Whether the rows of `tree` agree with the tree view's own layout (see LaidOutRows::disagreement);
@@ -173,6 +225,93 @@ private Q_SLOTS:
         QVERIFY(changes > 600);
     }
 
+    void firstMiddleAndLastChildrenComeAndGoInPlace()
+    {
+        // As Undo and Redo bring a node back or take it away: the first child, one in the middle with
+        // a child of its own, the last, and several at once.
+        const MenuDocument full = submenuOf(5);
+        const QList<QStringList> removals { { QStringLiteral("E1") },
+                                            { QStringLiteral("E3") },
+                                            { QStringLiteral("E5") },
+                                            { QStringLiteral("E1"), QStringLiteral("E3"), QStringLiteral("E5") },
+                                            { QStringLiteral("E2"), QStringLiteral("E3"), QStringLiteral("E4"),
+                                              QStringLiteral("E5") } };
+        for (const QStringList& gone : removals) {
+            const QByteArray what = gone.join(QLatin1Char(' ')).toUtf8();
+            const MenuDocument less = submenuWithout(5, gone);
+            MenuDocument shown = full;
+            ItemTree tree;
+            tree.setDocumentSource([&shown]() -> const MenuDocument& { return shown; });
+            tree.generate();
+            QVERIFY2(rowsAgree(tree), "after a rebuild");
+            shown = less;
+            tree.syncTo(&full);
+            QVERIFY2(!LaidOutRows::isLayoutDue(tree), what.constData());
+            QVERIFY2(tree.nodeByKey(gone.first()) == QModelIndex(), what.constData());
+            QVERIFY2(rowsAgree(tree), what.constData());
+            shown = full;
+            tree.syncTo(&less);
+            QVERIFY2(!LaidOutRows::isLayoutDue(tree), what.constData());
+            QVERIFY2(tree.isExpanded(tree.nodeByKey(QStringLiteral("E3"))), what.constData());
+            QVERIFY2(rowsAgree(tree), what.constData());
+        }
+    }
+
+    void manyBranchesGoingAtOnceAreLaidOutOnce()
+    {
+        // Each removal in place costs time in the number of rows: many in one change are laid out once.
+        const MenuDocument full = submenuOf(12);
+        QStringList gone;
+        for (int i = 1; i <= 12; ++i) {
+            gone.append(QStringLiteral("E%1").arg(i));
+        }
+        gone.removeLast();
+        MenuDocument shown = full;
+        ItemTree tree;
+        tree.setDocumentSource([&shown]() -> const MenuDocument& { return shown; });
+        tree.generate();
+        QVERIFY2(rowsAgree(tree), "after a rebuild");
+        shown = submenuWithout(12, gone);
+        tree.syncTo(&full);
+        QVERIFY(LaidOutRows::isLayoutDue(tree));
+        QVERIFY2(rowsAgree(tree), "after eleven branches went");
+        QCOMPARE(tree.model()->rowCount(tree.nodeByKey(QStringLiteral("E0"))), 1);
+        // The next change goes in place again.
+        shown = full;
+        tree.syncTo(nullptr);
+        QVERIFY2(rowsAgree(tree), "after they came back");
+        const MenuDocument withoutOne = submenuWithout(12, { QStringLiteral("E7") });
+        shown = withoutOne;
+        tree.syncTo(nullptr);
+        QVERIFY(!LaidOutRows::isLayoutDue(tree));
+        QVERIFY2(rowsAgree(tree), "after one went");
+    }
+
+    void nodesTheTreeCollapsesCloseWithoutAnimation()
+    {
+        // Undo of a New Item under a leaf: the leaf loses its only child and closes.
+        const MenuDocument full = submenuOf(3);
+        MenuDocument shown = full;
+        ItemTree tree;
+        tree.setDocumentSource([&shown]() -> const MenuDocument& { return shown; });
+        tree.generate();
+        tree.resize(300, 400);
+        tree.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&tree));
+        tree.setAnimated(true);
+        QVERIFY2(rowsAgree(tree), "after a rebuild");
+        QVERIFY(tree.isExpanded(tree.nodeByKey(QStringLiteral("E3"))));
+        MenuDocument withoutX = full;
+        withoutX.items.removeLast();
+        withoutX.items[3].childCount = 0; // E3
+        shown = withoutX;
+        tree.syncTo(&full);
+        QVERIFY(!tree.isExpanded(tree.nodeByKey(QStringLiteral("E3"))));
+        QVERIFY(!LaidOutRows::isAnimating(tree));
+        QVERIFY(tree.isAnimated());
+        QVERIFY2(rowsAgree(tree), "after the leaf lost its child");
+    }
+
     void rowsAreTheViewsOwnOnADeepChain()
     {
         // Deeper than the levels a rebuild expands, so that open and shut nodes alternate below.
@@ -185,6 +324,25 @@ private Q_SLOTS:
         tree->expand(tree->nodeByKey(QStringLiteral("E40")));
         tree->expand(tree->node(ItemTree::expandedLevels + 50));
         QVERIFY2(rowsAgree(*tree), "after expansions");
+    }
+
+    void nodesTheTreeExpandsOpenWithoutAnimation()
+    {
+        const MenuDocument chain = TestMenus::chainMenu(5);
+        const auto tree = treeOf(chain);
+        tree->resize(300, 400);
+        tree->show();
+        QVERIFY(QTest::qWaitForWindowExposed(tree.get()));
+        tree->setAnimated(true); // as some styles have it for what the user opens
+        QVERIFY2(rowsAgree(*tree), "after a rebuild");
+        // A copied branch arrives expanded, among rows that stand.
+        tree->addNodes({ { QStringLiteral("E2"), QStringLiteral("N0"), QStringLiteral("copy") },
+                         { QStringLiteral("N0"), QStringLiteral("M0"), QStringLiteral("inner") } });
+        QVERIFY(!LaidOutRows::isLayoutDue(*tree));
+        QVERIFY(tree->isExpanded(tree->nodeByKey(QStringLiteral("N0"))));
+        QVERIFY(!LaidOutRows::isAnimating(*tree));
+        QVERIFY(tree->isAnimated());
+        QVERIFY2(rowsAgree(*tree), "after a branch was added");
     }
 
     void theViewLaysOutItselfAroundAHiddenRow()
