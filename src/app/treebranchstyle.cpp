@@ -62,7 +62,8 @@ bool TreeBranchStyle::drawsNothing(const QStyleOption* option, const QWidget* wi
     const qreal ratio = widget != nullptr ? widget->devicePixelRatioF() : 1.0;
     const BranchPart part { qint64(option->state),     size.width(),           size.height(),
                             qint64(option->direction), qRound64(ratio * 1000), option->palette.cacheKey() };
-    const QByteArray key(reinterpret_cast<const char*>(&part), sizeof(part));
+    // Looked up without a copy: a deep tree paints a branch part for every level of every row.
+    const QByteArray key = QByteArray::fromRawData(reinterpret_cast<const char*>(&part), sizeof(part));
     const auto found = m_blank.constFind(key);
     if (found != m_blank.constEnd()) {
         return found.value();
@@ -92,6 +93,6 @@ bool TreeBranchStyle::drawsNothing(const QStyleOption* option, const QWidget* wi
     if (m_blank.size() >= keptBranchParts) {
         m_blank.clear();
     }
-    m_blank.insert(key, blank);
+    m_blank.insert(QByteArray(key.constData(), key.size()), blank);
     return blank;
 }
