@@ -322,7 +322,8 @@ void NodeTree::generate(const MenuDocument& document)
 std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const MenuDocument* before,
                                         std::vector<TreeNode*>* unmarked)
 {
-    if (root() == nullptr) {
+    // A rebuild, with every node it marks expanded to be expanded.
+    const auto rebuild = [this, &document] {
         generate(document);
         std::vector<TreeNode*> expanded;
         for (TreeNode* node : m_nodes) {
@@ -331,6 +332,9 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
             }
         }
         return expanded;
+    };
+    if (root() == nullptr) {
+        return rebuild();
     }
     if (before != nullptr && before->items.size() == document.items.size() && keepsSyncedShape(document)) {
         return refreshInPlace(document, *before, unmarked);
@@ -348,7 +352,11 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     for (const PlannedItem& planned : plan) {
         const QString& key = items.at(planned.item).key;
         if (targetOfKey.contains(key)) {
-            continue;
+            // Items that share a key, or bear the root's, come only from a damaged document (the
+            // reader and the editor give every item a key of its own). A rebuild shows the first the
+            // tree reaches, with the others' children under it; the steps below assume that each
+            // branch of new nodes lies together, which shared keys break, so the tree is built anew.
+            return rebuild();
         }
         int parent = -1;
         if (planned.parentItem >= 0) {

@@ -281,6 +281,18 @@ void patchAtRandom(NodeTree& tree, const MenuDocument& document, QRandomGenerato
     }
 }
 
+/// `document` with one to three items given the key of another item, or the root's.
+MenuDocument withSharedKeys(MenuDocument document, QRandomGenerator& random)
+{
+    const int count = int(document.items.size());
+    for (int shared = count == 0 ? 0 : int(random.bounded(1, 4)); shared > 0; --shared) {
+        const QString key
+            = random.bounded(4) == 0 ? NodeTree::rootKey() : document.items.at(qsizetype(random.bounded(count))).key;
+        document.items[qsizetype(random.bounded(count))].key = key;
+    }
+    return document;
+}
+
 /// A second menu sharing keys with `document`: its own random menu, or `document` with some items
 /// gone, moved, renamed, relinked or hidden otherwise.
 MenuDocument otherMenu(const MenuDocument& document, quint32 seed, QRandomGenerator& random)
@@ -511,6 +523,33 @@ private Q_SLOTS:
             const MenuDocument other = otherMenu(document, seed, random);
             const bool knowsBefore = random.bounded(2) == 0;
             tree.syncTo(other, knowsBefore ? &document : nullptr);
+
+            NodeTree fresh;
+            fresh.generate(other);
+            QCOMPARE(describe(tree, other), describe(fresh, other));
+            QCOMPARE(shadow.outline(), outlineOf(tree));
+            QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
+        }
+    }
+
+    void syncEndsAsARebuildWouldWhereItemsShareKeys()
+    {
+        // A damaged menu may give several items one key, even the root's: the first the tree reaches
+        // shows, and the others' children hang under it.
+        QRandomGenerator random(1125);
+        int made = 0;
+        for (quint32 seed = 1; seed <= 400; ++seed) {
+            MenuDocument document = withSharedKeys(TestMenus::randomMenu(seed), random);
+            document.hideMode = int(random.bounded(4));
+            NodeTree tree;
+            ShadowObserver shadow(tree);
+            tree.setObserver(&shadow);
+            tree.generate(document);
+            if (random.bounded(2) == 0) {
+                patchAtRandom(tree, document, random, made);
+            }
+            const MenuDocument other = withSharedKeys(otherMenu(document, seed, random), random);
+            tree.syncTo(other, random.bounded(2) == 0 ? &document : nullptr);
 
             NodeTree fresh;
             fresh.generate(other);
