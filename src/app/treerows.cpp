@@ -378,24 +378,23 @@ void TreeRows::expand(const std::vector<TreeNode*>& nodes)
     if (nodes.size() > fewNodes || isLayoutDue()) {
         m_scheduleLayout();
     }
-    const QSignalBlocker noExpandSignals(&m_view);
-    // Nodes the program expands open at once, even where the style animates what the user opens.
-    const bool animated = m_view.isAnimated();
-    m_view.setAnimated(false);
-    for (const TreeNode* node : nodes) {
-        m_view.expand(m_model.indexOf(node));
-    }
-    m_view.setAnimated(animated);
+    setExpandedAtOnce(nodes, true);
 }
 
 void TreeRows::collapse(const std::vector<TreeNode*>& nodes)
 {
-    const QSignalBlocker noCollapseSignals(&m_view);
-    // As for expand: nodes the program collapses close at once.
+    setExpandedAtOnce(nodes, false);
+}
+
+void TreeRows::setExpandedAtOnce(const std::vector<TreeNode*>& nodes, bool expanded)
+{
+    const QSignalBlocker noSignals(&m_view);
+    // Nodes the program opens or closes do so at once, even where the style animates what the user
+    // opens and closes.
     const bool animated = m_view.isAnimated();
     m_view.setAnimated(false);
     for (const TreeNode* node : nodes) {
-        m_view.collapse(m_model.indexOf(node));
+        m_view.setExpanded(m_model.indexOf(node), expanded);
     }
     m_view.setAnimated(animated);
 }

@@ -105,6 +105,8 @@ private:
     /// Takes out the rows of the nodes announced to nodesAboutToGo, which went; false when they were
     /// not found or no longer match their nodes.
     bool takeOutRowsToGo();
+    /// Expands (`expanded`) or collapses `nodes` in the view, without a word and without animation.
+    void setExpandedAtOnce(const std::vector<TreeNode*>& nodes, bool expanded);
     /// The model told the view that its layout changed, which makes the view due to lay out every row:
     /// when the rows were taken out in place and no layout ran since, that layout is called off.
     void layoutChanged();
