@@ -341,7 +341,7 @@ bool TreeRows::rowsInserted(const QModelIndex& parentIndex, int first, int last)
     return true;
 }
 
-bool TreeRows::reindexSiblings(const TreeNode* parent, size_t firstChild, int row) const
+bool TreeRows::reindexSiblings(const TreeNode* parent, size_t firstChild, int row)
 {
     QList<QTreeViewItem>& rows = privateOf(m_view)->viewItems;
     const auto& children = parent->children;
@@ -360,7 +360,7 @@ bool TreeRows::reindexSiblings(const TreeNode* parent, size_t firstChild, int ro
     return true;
 }
 
-void TreeRows::addToTotals(int row, int delta) const
+void TreeRows::addToTotals(int row, int delta)
 {
     QList<QTreeViewItem>& rows = privateOf(m_view)->viewItems;
     for (; row >= 0; row = rows[row].parentItem) {

@@ -99,9 +99,9 @@ private:
     bool findRowsToGo(const TreeNode* parent, int first, int last, RowsToGo& found) const;
     /// Points the rows of `parent`'s children from `firstChild` on, starting at row `row`, at their
     /// current indexes; false (and nothing changed) when a row is not the node's.
-    bool reindexSiblings(const TreeNode* parent, size_t firstChild, int row) const;
+    bool reindexSiblings(const TreeNode* parent, size_t firstChild, int row);
     /// Adds `delta` to the total of row `row` and of every row above it.
-    void addToTotals(int row, int delta) const;
+    void addToTotals(int row, int delta);
     /// Takes out the rows of the nodes announced to nodesAboutToGo, which went; false when they were
     /// not found or no longer match their nodes.
     bool takeOutRowsToGo();
