@@ -3,6 +3,7 @@
 #include "app/pathlabel.h"
 
 #include "app/plaintooltip.h"
+#include "app/shapedtextdelegate.h"
 #include "core/tooltiptexts.h"
 #include "editing/itempanel.h"
 
@@ -45,6 +46,8 @@ ItemSidePanel::ItemSidePanel(QWidget* parent)
     m_lstCommand->viewport()->installEventFilter(this);
     m_lstCommand->installEventFilter(this);
     m_lstCommand->setContextMenuPolicy(Qt::DefaultContextMenu);
+    // Showing another item fills the list anew, and the list measures every line each time.
+    m_lstCommand->setItemDelegate(new ShapedTextDelegate(m_lstCommand));
 
     // The copy-command link: the check box switches it, the field names the target item (a double
     // click follows the link) and the button starts choosing a target in the tree.

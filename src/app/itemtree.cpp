@@ -4,6 +4,7 @@
 #include "app/paintingsuspended.h"
 #include "app/plaintooltip.h"
 #include "app/shapechange.h"
+#include "app/shapedtextdelegate.h"
 #include "app/treebranchstyle.h"
 #include "app/treerows.h"
 #include "model/menudocument.h"
@@ -51,6 +52,8 @@ ItemTree::ItemTree(QWidget* parent)
     setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
     TreeBranchStyle::installOn(this);
+    // Every Undo and scroll paints the same captions again: each is shaped once, not on every paint.
+    setItemDelegate(new ShapedTextDelegate(this));
     // The nesting of submenus must be visible at a glance: the style's own indentation and expand
     // markers, on the root too. A narrower indentation leaves the markers as dots.
     resetIndentation();

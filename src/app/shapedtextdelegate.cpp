@@ -1,0 +1,253 @@
+#include "shapedtextdelegate.h"
+
+#include <QApplication>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyle>
+#include <QTextLayout>
+#include <QTextOption>
+
+namespace {
+
+/// The most shaped lines kept: several screens of rows. All go when more are needed.
+constexpr qsizetype keptLineLimit = 256;
+/// The most fonts told apart; a view shows its own font and a bold one.
+constexpr qsizetype keptFontLimit = 8;
+
+/// The style that draws for `style`, through any proxies.
+const QStyle* drawingStyle(const QStyle* style)
+{
+    while (const auto* proxy = qobject_cast<const QProxyStyle*>(style)) {
+        if (proxy->baseStyle() == nullptr || proxy->baseStyle() == style) {
+            break;
+        }
+        style = proxy->baseStyle();
+    }
+    return style;
+}
+
+/// Lays `layout` out as one line of `width`, from the top.
+QTextLine layOutOneLine(QTextLayout& layout, int width)
+{
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    if (line.isValid()) {
+        line.setLineWidth(width);
+        line.setPosition(QPointF(0, 0));
+    }
+    layout.endLayout();
+    return line;
+}
+
+/// Texts the style splits or elides by rules of its own: more than one line, or text variants.
+bool isSingleLine(const QString& text)
+{
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n') || c == QChar::LineSeparator || c == QChar::ParagraphSeparator || c == QChar(0x9c)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+ShapedTextDelegate::ShapedTextDelegate(QObject* parent)
+    : QStyledItemDelegate(parent)
+{
+}
+
+ShapedTextDelegate::~ShapedTextDelegate() = default;
+
+bool ShapedTextDelegate::RowKey::operator==(const RowKey& other) const
+{
+    return text == other.text && font == other.font && size == other.size && alignment == other.alignment
+        && direction == other.direction && elideMode == other.elideMode
+        && decorationPosition == other.decorationPosition && decorationSelected == other.decorationSelected
+        && state == other.state;
+}
+
+void ShapedTextDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    const QWidget* widget = option.widget;
+    const QStyle* style = widget != nullptr ? widget->style() : QApplication::style();
+    const bool fusion = drawsLikeFusion(style);
+    if (fusion && !option.rect.isValid()) {
+        // A row indented past the view's edge: Fusion draws nothing there, after shaping the text.
+        return;
+    }
+    QStyleOptionViewItem row = option;
+    initStyleOption(&row, index);
+    // Where the selection shows behind the text only, Fusion sizes it to the text.
+    const bool selectionFitsText = !row.showDecorationSelected && (row.state & QStyle::State_Selected);
+    if (!fusion || !showsOneLine(row) || selectionFitsText || (row.state & QStyle::State_Editing)) {
+        style->drawControl(QStyle::CE_ItemViewItem, &row, painter, widget);
+        return;
+    }
+    const ShapedLine& line = shapedLine(row, style);
+
+    // The style draws the row's background, selection and hover, without text or focus frame.
+    QStyleOptionViewItem bare = row;
+    bare.text.clear();
+    bare.state &= ~QStyle::State_HasFocus;
+    style->drawControl(QStyle::CE_ItemViewItem, &bare, painter, widget);
+
+    painter->save();
+    painter->setClipRect(row.rect);
+    QPalette::ColorGroup group = (row.state & QStyle::State_Enabled) ? QPalette::Normal : QPalette::Disabled;
+    if (group == QPalette::Normal && !(row.state & QStyle::State_Active)) {
+        group = QPalette::Inactive;
+    }
+    painter->setPen(
+        row.palette.color(group, (row.state & QStyle::State_Selected) ? QPalette::HighlightedText : QPalette::Text));
+    if (line.layout != nullptr) {
+        line.layout->draw(painter, QPointF(row.rect.topLeft()) + line.position);
+    }
+    if (row.state & QStyle::State_HasFocus) {
+        drawFocusFrame(painter, row, style);
+    }
+    painter->restore();
+}
+
+bool ShapedTextDelegate::drawsLikeFusion(const QStyle* style) const
+{
+    if (style != m_style.data() || m_style.isNull()) {
+        // Another style places text by other rules: what was shaped for this one goes.
+        m_style = style;
+        m_styleIsFusion = style != nullptr
+            && drawingStyle(style)->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) == 0;
+        forgetRows();
+    }
+    return m_styleIsFusion;
+}
+
+bool ShapedTextDelegate::showsOneLine(const QStyleOptionViewItem& option)
+{
+    constexpr auto otherParts = QStyleOptionViewItem::WrapText | QStyleOptionViewItem::HasCheckIndicator
+        | QStyleOptionViewItem::HasDecoration;
+    return (option.features & QStyleOptionViewItem::HasDisplay) && !(option.features & otherParts)
+        && !option.text.isEmpty() && isSingleLine(option.text);
+}
+
+QSize ShapedTextDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    const QVariant given = index.data(Qt::SizeHintRole);
+    if (given.isValid()) {
+        return qvariant_cast<QSize>(given);
+    }
+    QStyleOptionViewItem row = option;
+    initStyleOption(&row, index);
+    const QWidget* widget = row.widget;
+    const QStyle* style = widget != nullptr ? widget->style() : QApplication::style();
+    if (!drawsLikeFusion(style) || !showsOneLine(row)) {
+        return style->sizeFromContents(QStyle::CT_ItemViewItem, &row, QSize(), widget);
+    }
+    // Without wrapping, the size of the row does not depend on the place it is asked for.
+    RowKey key = keyOf(row);
+    key.size = QSize();
+    key.state = int(row.state);
+    const auto kept = m_sizes.constFind(key);
+    if (kept != m_sizes.constEnd()) {
+        return kept.value();
+    }
+    if (m_sizes.size() >= keptLineLimit) {
+        m_sizes.clear();
+    }
+    return m_sizes.insert(key, style->sizeFromContents(QStyle::CT_ItemViewItem, &row, QSize(), widget)).value();
+}
+
+ShapedTextDelegate::RowKey ShapedTextDelegate::keyOf(const QStyleOptionViewItem& option) const
+{
+    RowKey key;
+    key.text = option.text;
+    key.font = fontNumber(option.font);
+    key.size = option.rect.size();
+    key.alignment = int(option.displayAlignment);
+    key.direction = int(option.direction);
+    key.elideMode = int(option.textElideMode);
+    key.decorationPosition = int(option.decorationPosition);
+    key.decorationSelected = option.showDecorationSelected;
+    return key;
+}
+
+const ShapedTextDelegate::ShapedLine& ShapedTextDelegate::shapedLine(const QStyleOptionViewItem& option,
+                                                                     const QStyle* style) const
+{
+    const RowKey key = keyOf(option);
+    const auto kept = m_lines.constFind(key);
+    if (kept != m_lines.constEnd()) {
+        return kept.value();
+    }
+    if (m_lines.size() >= keptLineLimit) {
+        m_lines.clear();
+    }
+    return m_lines.insert(key, shape(option, style)).value();
+}
+
+ShapedTextDelegate::ShapedLine ShapedTextDelegate::shape(const QStyleOptionViewItem& option, const QStyle* style) const
+{
+    // The text's box within the row, as the style places it, less the margins it keeps from the box.
+    const QRect box = style->subElementRect(QStyle::SE_ItemViewItemText, &option, option.widget);
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, option.widget) + 1;
+    const QRect textBox = box.adjusted(margin, 0, -margin, 0);
+
+    QTextOption textOption;
+    textOption.setWrapMode(QTextOption::ManualWrap);
+    textOption.setTextDirection(option.direction);
+    textOption.setAlignment(QStyle::visualAlignment(option.direction, option.displayAlignment));
+
+    // The whole text on one line, aligned in the box as the style aligns it.
+    QTextLayout whole(option.text, option.font);
+    whole.setTextOption(textOption);
+    const QTextLine wholeLine = layOutOneLine(whole, textBox.width());
+    const QRect aligned = QStyle::alignedRect(Qt::LayoutDirectionAuto, option.displayAlignment,
+                                              whole.boundingRect().size().toSize(), textBox);
+    ShapedLine shaped;
+    shaped.position = QPointF(textBox.x(), aligned.top()) - QPointF(option.rect.topLeft());
+    if (!wholeLine.isValid() || wholeLine.height() + aligned.top() <= textBox.top()) {
+        return shaped; // no room for the line: the style draws nothing either
+    }
+    // A line wider than its box is elided as the style elides it.
+    QString text = option.text;
+    if (wholeLine.naturalTextWidth() > textBox.width()) {
+        text = QFontMetricsF(option.font).elidedText(text, option.textElideMode, textBox.width());
+    }
+    shaped.layout = std::make_shared<QTextLayout>(text, option.font);
+    shaped.layout->setTextOption(textOption);
+    layOutOneLine(*shaped.layout, textBox.width());
+    return shaped;
+}
+
+int ShapedTextDelegate::fontNumber(const QFont& font) const
+{
+    const qsizetype known = m_fonts.indexOf(font);
+    if (known >= 0) {
+        return int(known);
+    }
+    if (m_fonts.size() >= keptFontLimit) {
+        forgetRows();
+    }
+    m_fonts.append(font);
+    return int(m_fonts.size() - 1);
+}
+
+void ShapedTextDelegate::drawFocusFrame(QPainter* painter, const QStyleOptionViewItem& option,
+                                        const QStyle* style) const
+{
+    QStyleOptionFocusRect frame;
+    frame.QStyleOption::operator=(option);
+    frame.rect = style->subElementRect(QStyle::SE_ItemViewItemFocusRect, &option, option.widget);
+    frame.state |= QStyle::State_KeyboardFocusChange | QStyle::State_Item;
+    const QPalette::ColorGroup group = (option.state & QStyle::State_Enabled) ? QPalette::Normal : QPalette::Disabled;
+    frame.backgroundColor
+        = option.palette.color(group, (option.state & QStyle::State_Selected) ? QPalette::Highlight : QPalette::Window);
+    style->drawPrimitive(QStyle::PE_FrameFocusRect, &frame, painter, option.widget);
+}
+
+void ShapedTextDelegate::forgetRows() const
+{
+    m_fonts.clear();
+    m_lines.clear();
+    m_sizes.clear();
+}
