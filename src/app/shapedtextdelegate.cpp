@@ -1,9 +1,10 @@
 #include "shapedtextdelegate.h"
 
+#include "app/treebranchstyle.h"
+
 #include <QApplication>
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QProxyStyle>
 #include <QStyle>
 #include <QTextLayout>
 #include <QTextOption>
@@ -15,14 +16,13 @@ constexpr qsizetype keptLineLimit = 256;
 /// The most fonts told apart; a view shows its own font and a bold one.
 constexpr qsizetype keptFontLimit = 8;
 
-/// The style that draws for `style`, through any proxies.
+/// The style that draws the rows of `style`: the application's own style under the item tree's
+/// proxy, which changes nothing but the drawing of blank branch parts. Any other proxy may draw rows
+/// its own way, so it counts as a style of its own.
 const QStyle* drawingStyle(const QStyle* style)
 {
-    while (const auto* proxy = qobject_cast<const QProxyStyle*>(style)) {
-        if (proxy->baseStyle() == nullptr || proxy->baseStyle() == style) {
-            break;
-        }
-        style = proxy->baseStyle();
+    if (const auto* tree = qobject_cast<const TreeBranchStyle*>(style)) {
+        return tree->baseStyle();
     }
     return style;
 }
@@ -40,11 +40,15 @@ QTextLine layOutOneLine(QTextLayout& layout, int width)
     return line;
 }
 
-/// Texts the style splits or elides by rules of its own: more than one line, or text variants.
+/// Separates the variants of a text of which eliding picks the longest that fits.
+constexpr QChar textVariantSeparator(0x9c);
+
+/// Whether `text` is one line with no text variants; the style splits other texts into lines or
+/// elides them by rules of its own. (A view shows a line break as a line separator.)
 bool isSingleLine(const QString& text)
 {
     for (const QChar c : text) {
-        if (c == QLatin1Char('\n') || c == QChar::LineSeparator || c == QChar::ParagraphSeparator || c == QChar(0x9c)) {
+        if (c == QChar::LineSeparator || c == QChar::ParagraphSeparator || c == textVariantSeparator) {
             return false;
         }
     }
@@ -65,7 +69,7 @@ bool ShapedTextDelegate::RowKey::operator==(const RowKey& other) const
     return text == other.text && font == other.font && size == other.size && alignment == other.alignment
         && direction == other.direction && elideMode == other.elideMode
         && decorationPosition == other.decorationPosition && decorationSelected == other.decorationSelected
-        && state == other.state;
+        && state == other.state && dotsPerInch == other.dotsPerInch;
 }
 
 void ShapedTextDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
@@ -79,7 +83,8 @@ void ShapedTextDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     }
     QStyleOptionViewItem row = option;
     initStyleOption(&row, index);
-    // Where the selection shows behind the text only, Fusion sizes it to the text.
+    // Where a selected row shows its selection behind the text only, the style may size it to the
+    // text, which the row drawn without its text would not show.
     const bool selectionFitsText = !row.showDecorationSelected && (row.state & QStyle::State_Selected);
     if (!fusion || !showsOneLine(row) || selectionFitsText || (row.state & QStyle::State_Editing)) {
         style->drawControl(QStyle::CE_ItemViewItem, &row, painter, widget);
@@ -94,7 +99,7 @@ void ShapedTextDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     style->drawControl(QStyle::CE_ItemViewItem, &bare, painter, widget);
 
     painter->save();
-    painter->setClipRect(row.rect);
+    painter->setClipRect(row.rect, Qt::IntersectClip);
     QPalette::ColorGroup group = (row.state & QStyle::State_Enabled) ? QPalette::Normal : QPalette::Disabled;
     if (group == QPalette::Normal && !(row.state & QStyle::State_Active)) {
         group = QPalette::Inactive;
@@ -105,7 +110,7 @@ void ShapedTextDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
         line.layout->draw(painter, QPointF(row.rect.topLeft()) + line.position);
     }
     if (row.state & QStyle::State_HasFocus) {
-        drawFocusFrame(painter, row, style);
+        drawFocusFrame(painter, row, line.focusFrame.translated(row.rect.topLeft()), style);
     }
     painter->restore();
 }
@@ -162,6 +167,7 @@ ShapedTextDelegate::RowKey ShapedTextDelegate::keyOf(const QStyleOptionViewItem&
     RowKey key;
     key.text = option.text;
     key.font = fontNumber(option.font);
+    key.dotsPerInch = option.fontMetrics.fontDpi();
     key.size = option.rect.size();
     key.alignment = int(option.displayAlignment);
     key.direction = int(option.direction);
@@ -205,6 +211,8 @@ ShapedTextDelegate::ShapedLine ShapedTextDelegate::shape(const QStyleOptionViewI
                                               whole.boundingRect().size().toSize(), textBox);
     ShapedLine shaped;
     shaped.position = QPointF(textBox.x(), aligned.top()) - QPointF(option.rect.topLeft());
+    shaped.focusFrame = style->subElementRect(QStyle::SE_ItemViewItemFocusRect, &option, option.widget)
+                            .translated(-option.rect.topLeft());
     if (!wholeLine.isValid() || wholeLine.height() + aligned.top() <= textBox.top()) {
         return shaped; // no room for the line: the style draws nothing either
     }
@@ -232,12 +240,13 @@ int ShapedTextDelegate::fontNumber(const QFont& font) const
     return int(m_fonts.size() - 1);
 }
 
-void ShapedTextDelegate::drawFocusFrame(QPainter* painter, const QStyleOptionViewItem& option,
+void ShapedTextDelegate::drawFocusFrame(QPainter* painter, const QStyleOptionViewItem& option, const QRect& frameRect,
                                         const QStyle* style) const
 {
+    // The focus frame as the style draws it over a row, after its text.
     QStyleOptionFocusRect frame;
     frame.QStyleOption::operator=(option);
-    frame.rect = style->subElementRect(QStyle::SE_ItemViewItemFocusRect, &option, option.widget);
+    frame.rect = frameRect;
     frame.state |= QStyle::State_KeyboardFocusChange | QStyle::State_Item;
     const QPalette::ColorGroup group = (option.state & QStyle::State_Enabled) ? QPalette::Normal : QPalette::Disabled;
     frame.backgroundColor

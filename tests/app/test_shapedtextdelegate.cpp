@@ -23,10 +23,11 @@
 namespace {
 
 /// Characters captions are made of: a menu file's own, spaces, an ampersand, letters of scripts
-/// written right to left and a combining accent.
+/// written right to left, a combining accent, and now and then a line break, a paragraph separator
+/// or a text-variant separator, which the style handles by rules of its own.
 const QString captionCharacters = QStringLiteral("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
                                                  "      &&..--__()[]$%\u00e9\u00fc\u00df\u20ac\u0153\u2026"
-                                                 "\u05d0\u05d1\u0627\u0644\u0301\t");
+                                                 "\u05d0\u05d1\u0627\u0644\u0301\t\n\u2029\u009c");
 
 QString randomText(QRandomGenerator& random)
 {
@@ -45,11 +46,13 @@ struct Row
     QModelIndex index;
 };
 
-/// Draws `row` by `delegate` on a plain ground of its own; what it shows.
-QImage drawn(const QAbstractItemDelegate& delegate, const Row& row)
+/// Draws `row` by `delegate` on a plain ground of its own, at `ratio` device pixels per pixel; what
+/// it shows.
+QImage drawn(const QAbstractItemDelegate& delegate, const Row& row, qreal ratio = 1)
 {
-    QImage image(std::max(row.option.rect.width(), 40) + 8, row.option.rect.height() + 8,
-                 QImage::Format_ARGB32_Premultiplied);
+    const QSize size(std::max(row.option.rect.width(), 40) + 8, row.option.rect.height() + 8);
+    QImage image((QSizeF(size) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
     image.fill(Qt::white);
     QPainter painter(&image);
     QStyleOptionViewItem option = row.option;
@@ -72,6 +75,10 @@ Row randomRow(QRandomGenerator& random, QStandardItemModel& model, const QWidget
     if (random.bounded(2) == 0) {
         item->setForeground(QColor::fromRgb(random.generate() & 0xffffff));
     }
+    if (random.bounded(4) == 0) {
+        // A see-through ground such as the drop highlight.
+        item->setBackground(QColor::fromRgba((random.generate() & 0xffffff) | 0x5a000000));
+    }
     model.appendRow(item);
     Row row;
     row.index = item->index();
@@ -92,8 +99,8 @@ Row randomRow(QRandomGenerator& random, QStandardItemModel& model, const QWidget
             QStyleOptionViewItem::Bottom };
     row.option.decorationPosition = positions[random.bounded(4)];
     row.option.showDecorationSelected = random.bounded(2) == 0;
-    const QStyle::State states[] = { QStyle::State_Selected, QStyle::State_HasFocus, QStyle::State_Active,
-                                     QStyle::State_Enabled, QStyle::State_MouseOver };
+    const QStyle::State states[] = { QStyle::State_Selected, QStyle::State_HasFocus,  QStyle::State_Active,
+                                     QStyle::State_Enabled,  QStyle::State_MouseOver, QStyle::State_Editing };
     row.option.state = QStyle::State_None;
     for (const QStyle::State state : states) {
         if (random.bounded(2) == 0) {
@@ -139,8 +146,8 @@ private Q_SLOTS:
         QTest::newRow("windows") << QStringLiteral("Windows");
     }
 
-    /// Any text, font, colour, size and state; drawn and measured twice, the second time from what
-    /// was kept.
+    /// Any text, font, colour, ground, size and state, on screens of any resolution; drawn and
+    /// measured twice, the second time from what was kept.
     void rowsLookAsTheStyleDrawsThem()
     {
         QFETCH(QString, styleName);
@@ -152,11 +159,19 @@ private Q_SLOTS:
         const QStyledItemDelegate styled;
         const ShapedTextDelegate shaped;
         QRandomGenerator random(20261125);
+        const qreal ratios[] = { 1, 1, 1.25, 1.5, 2 };
         for (int run = 0; run < 3000; ++run) {
             const Row row = randomRow(random, model, *view);
-            const QImage expected = drawn(styled, row);
-            QCOMPARE(drawn(shaped, row), expected);
-            QCOMPARE(drawn(shaped, row), expected);
+            const qreal ratio = ratios[random.bounded(5)];
+            const QImage expected = drawn(styled, row, ratio);
+            if (drawn(styled, row, ratio) != expected) {
+                // Now and then the style draws the frame of a row being edited otherwise the second
+                // time; such a row cannot be compared.
+                QVERIFY(row.option.state & QStyle::State_Editing);
+                continue;
+            }
+            QCOMPARE(drawn(shaped, row, ratio), expected);
+            QCOMPARE(drawn(shaped, row, ratio), expected);
             const QSize expectedSize = styled.sizeHint(row.option, row.index);
             QCOMPARE(shaped.sizeHint(row.option, row.index), expectedSize);
             QCOMPARE(shaped.sizeHint(row.option, row.index), expectedSize);
@@ -228,7 +243,7 @@ private Q_SLOTS:
     }
 
     /// The item tree draws its captions, bold and coloured ones among them, through shaped lines,
-    /// and shows exactly what the style would show.
+    /// and shows exactly what the style would show, with the drop highlight too.
     void theItemTreeLooksAsTheStyleDrawsIt()
     {
         QRandomGenerator random(7);
@@ -246,6 +261,9 @@ private Q_SLOTS:
                 tree->resize(220, 400);
                 tree->show();
                 tree->setCurrentIndex(tree->node(std::min(3, tree->nodeCount())));
+                if (seed % 2 == 0) {
+                    tree->setDropHighlight(tree->node(std::min(2, tree->nodeCount())));
+                }
             }
             const auto* delegate = qobject_cast<ShapedTextDelegate*>(shapedTree.itemDelegate());
             QVERIFY(delegate != nullptr);
@@ -264,7 +282,10 @@ private Q_SLOTS:
             panel.linked = run % 3 == 0; // a linked item's commands are greyed out
             panel.linkTarget = QStringLiteral("4");
             for (int line = random.bounded(30); line > 0; --line) {
-                panel.commandLines.append(QStringLiteral("%1=%2").arg(randomText(random), randomText(random)));
+                // A command is one line of a menu file.
+                QString command = QStringLiteral("%1=%2").arg(randomText(random), randomText(random));
+                command.remove(QLatin1Char('\n')).remove(QChar(0x2029)).remove(QChar(0x9c));
+                panel.commandLines.append(command);
             }
             ItemSidePanel shapedPanel;
             ItemSidePanel styledPanel;
