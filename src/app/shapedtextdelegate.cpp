@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The most shaped lines kept: several screens of rows. All go when more are needed.
+/// The most shaped lines, and row sizes, kept: several screens of rows. All go when more are needed.
 constexpr qsizetype keptLineLimit = 256;
 /// The most fonts told apart; a view shows its own font and a bold one.
 constexpr qsizetype keptFontLimit = 8;
@@ -25,6 +25,21 @@ const QStyle* drawingStyle(const QStyle* style)
         return tree->baseStyle();
     }
     return style;
+}
+
+/// What `kept` holds for `key`, made by `make` when it holds nothing; a full `kept` forgets all it held
+/// first.
+template <typename Kept, typename Make>
+const typename Kept::mapped_type& keptOrMade(Kept& kept, const typename Kept::key_type& key, Make make)
+{
+    const auto found = kept.constFind(key);
+    if (found != kept.constEnd()) {
+        return found.value();
+    }
+    if (kept.size() >= keptLineLimit) {
+        kept.clear();
+    }
+    return kept.insert(key, make()).value();
 }
 
 /// Lays `layout` out as one line of `width`, from the top.
@@ -152,14 +167,8 @@ QSize ShapedTextDelegate::sizeHint(const QStyleOptionViewItem& option, const QMo
     RowKey key = keyOf(row);
     key.size = QSize();
     key.state = int(row.state);
-    const auto kept = m_sizes.constFind(key);
-    if (kept != m_sizes.constEnd()) {
-        return kept.value();
-    }
-    if (m_sizes.size() >= keptLineLimit) {
-        m_sizes.clear();
-    }
-    return m_sizes.insert(key, style->sizeFromContents(QStyle::CT_ItemViewItem, &row, QSize(), widget)).value();
+    return keptOrMade(m_sizes, key,
+                      [&] { return style->sizeFromContents(QStyle::CT_ItemViewItem, &row, QSize(), widget); });
 }
 
 ShapedTextDelegate::RowKey ShapedTextDelegate::keyOf(const QStyleOptionViewItem& option) const
@@ -180,15 +189,7 @@ ShapedTextDelegate::RowKey ShapedTextDelegate::keyOf(const QStyleOptionViewItem&
 const ShapedTextDelegate::ShapedLine& ShapedTextDelegate::shapedLine(const QStyleOptionViewItem& option,
                                                                      const QStyle* style) const
 {
-    const RowKey key = keyOf(option);
-    const auto kept = m_lines.constFind(key);
-    if (kept != m_lines.constEnd()) {
-        return kept.value();
-    }
-    if (m_lines.size() >= keptLineLimit) {
-        m_lines.clear();
-    }
-    return m_lines.insert(key, shape(option, style)).value();
+    return keptOrMade(m_lines, keyOf(option), [&] { return shape(option, style); });
 }
 
 ShapedTextDelegate::ShapedLine ShapedTextDelegate::shape(const QStyleOptionViewItem& option, const QStyle* style) const
