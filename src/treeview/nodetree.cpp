@@ -221,7 +221,7 @@ void NodeTree::setOwnText(TreeNode* node, bool own, const QString& text)
 
 void NodeTree::registerNode(TreeNode* node)
 {
-    forgetSyncedShape();
+    shapeChanged();
     node->ordinal = int(m_nodes.size());
     m_nodes.push_back(node);
     m_byKey.insert(node->key, node);
@@ -229,7 +229,7 @@ void NodeTree::registerNode(TreeNode* node)
 
 void NodeTree::attach(TreeNode* node, TreeNode* parent, int row)
 {
-    forgetSyncedShape();
+    shapeChanged();
     node->parent = parent;
     parent->children.insert(parent->children.begin() + row, node);
     for (size_t r = size_t(row); r < parent->children.size(); ++r) {
@@ -239,7 +239,7 @@ void NodeTree::attach(TreeNode* node, TreeNode* parent, int row)
 
 void NodeTree::detach(TreeNode* node)
 {
-    forgetSyncedShape();
+    shapeChanged();
     TreeNode* parent = node->parent;
     parent->children.erase(parent->children.begin() + node->row);
     for (size_t r = size_t(node->row); r < parent->children.size(); ++r) {
@@ -257,7 +257,7 @@ void NodeTree::renumber()
 
 void NodeTree::deleteAll()
 {
-    forgetSyncedShape();
+    shapeChanged();
     m_syncedArray.clear();
     m_syncedItemOf.clear();
     m_nodes.clear();
@@ -343,38 +343,88 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     const auto& items = document.items;
     const std::vector<PlannedItem> plan = planTreeItems(document, document.hideMode);
 
+    // Where the document still shares an item's record with the records of the last rebuild or
+    // sync, the node that showed that record and was not changed since shows it still: it needs no
+    // key read to be found and no comparison to be left as it is.
+    std::vector<char> recordMayDiffer(size_t(items.size()), 0);
+    for (const ItemRange& range : items.rangesDifferentFrom(m_syncedArray)) {
+        std::fill(recordMayDiffer.begin() + range.begin, recordMayDiffer.begin() + std::min(range.end, items.size()),
+                  1);
+    }
+    std::vector<char> captionMayDiffer(size_t(items.size()), before == nullptr ? 1 : 0);
+    if (before != nullptr) {
+        for (const ItemRange& range : items.rangesDifferentFrom(before->items)) {
+            std::fill(captionMayDiffer.begin() + range.begin,
+                      captionMayDiffer.begin() + std::min(range.end, items.size()), 1);
+        }
+    }
+    // Each node is first looked for where its hint points; a node found there bears the item's key
+    // or is not the item's.
+    std::vector<TreeNode*> nodeOfHint(size_t(items.size()), nullptr);
+    for (size_t n = 1; n < m_nodes.size(); ++n) {
+        const int hint = m_nodes[n]->itemHint;
+        if (hint >= 0 && hint < int(items.size())) {
+            nodeOfHint[size_t(hint)] = m_nodes[n];
+        }
+    }
+
     // What generate would build, node by node, with the nodes that already bear the keys.
+    TreeNode* rootNode = root();
+    const size_t collectionSize = m_nodes.size();
+    // The nodes the target keeps, by ordinal; the root stays.
+    std::vector<char> kept(collectionSize, 0);
+    kept[size_t(rootNode->ordinal)] = 1;
+    size_t keptCount = 1;
     std::vector<Target> targets;
     targets.reserve(plan.size());
-    KeyMap<int> targetOfKey;
-    targetOfKey.reserve(int(document.lastIndex) + 1);
-    targetOfKey.insert(rootKey(), -1);
+    std::vector<int> targetOfItem(size_t(items.size()), -1);
+    // Targets whose node shows its item's record as it was, caption and style alike.
+    std::vector<char> keepsLook;
+    keepsLook.reserve(plan.size());
+    KeyMap<char> newKeys;
     for (const PlannedItem& planned : plan) {
-        const QString& key = items.at(planned.item).key;
-        if (targetOfKey.contains(key)) {
-            // Items that share a key, or bear the root's, come only from a damaged document (the
-            // reader and the editor give every item a key of its own). A rebuild shows the first the
-            // tree reaches, with the others' children under it; the steps below assume that each
-            // branch of new nodes lies together, which shared keys break, so the tree is built anew.
-            return rebuild();
-        }
-        int parent = -1;
-        if (planned.parentItem >= 0) {
-            const QString& parentKey = items.at(planned.parentItem).key;
-            if (!targetOfKey.contains(parentKey)) {
-                continue;
+        TreeNode* node = nodeOfHint[size_t(planned.item)];
+        const bool showsRecord
+            = node != nullptr && node->showsSyncedRecord && recordMayDiffer[size_t(planned.item)] == 0;
+        if (!showsRecord) {
+            const QString& key = items.at(planned.item).key;
+            if (node == nullptr || node->key != key) {
+                node = nodeByKey(key);
             }
-            parent = targetOfKey.value(parentKey, -1);
+            if (node == nullptr) {
+                // Items that share a key, or bear the root's, come only from a damaged document (the
+                // reader and the editor give every item a key of its own). A rebuild shows the first
+                // the tree reaches, with the others' children under it; the steps below assume that
+                // each branch of new nodes lies together, which shared keys break, so the tree is
+                // built anew. Keys that a node bears clash when two items claim the node (below).
+                if (newKeys.contains(key)) {
+                    return rebuild();
+                }
+                newKeys.insert(key, 1);
+            }
         }
-        targetOfKey.insert(key, int(targets.size()));
+        if (node != nullptr) {
+            if (kept[size_t(node->ordinal)] != 0) {
+                return rebuild(); // a second item with the key of this node, or the root's
+            }
+            kept[size_t(node->ordinal)] = 1;
+            ++keptCount;
+        }
+        // Every planned item's parent is planned before it, and with distinct keys none is left out.
+        const int parent = planned.parentItem < 0 ? -1 : targetOfItem[size_t(planned.parentItem)];
+        targetOfItem[size_t(planned.item)] = int(targets.size());
         Target target;
-        target.node = nodeByKey(key);
+        target.node = node;
         target.item = planned.item;
         target.parent = parent;
         target.end = int(targets.size()) + 1;
         target.allNew = target.node == nullptr;
         target.depth = parent < 0 ? 1 : targets[size_t(parent)].depth + 1;
         targets.push_back(target);
+        keepsLook.push_back(showsRecord && node->itemHint == planned.item && !node->hasOwnText
+                                    && captionMayDiffer[size_t(planned.item)] == 0
+                                ? 1
+                                : 0);
     }
     for (int t = int(targets.size()) - 1; t >= 0; --t) {
         const Target& target = targets[size_t(t)];
@@ -389,17 +439,6 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     // order. Only nodes that are not kept can go, so only they and their children are looked at: a
     // walk of the whole tree would visit every node of a large menu to find the one leaf an Undo
     // takes away.
-    TreeNode* rootNode = root();
-    const size_t collectionSize = m_nodes.size();
-    std::vector<char> kept(collectionSize, 0);
-    kept[size_t(rootNode->ordinal)] = 1;
-    size_t keptCount = 1;
-    for (const Target& target : targets) {
-        if (target.node != nullptr) {
-            kept[size_t(target.node->ordinal)] = 1;
-            ++keptCount;
-        }
-    }
     std::vector<TreeNode*> emptyBranches;
     // Old nodes that go only once the kept nodes below them have moved out (step 3); mostly none.
     bool keptHolders = false;
@@ -474,8 +513,9 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     }
 
     // 3. What is left of the old tree holds no target node any more.
-    const auto isKept = [&targetOfKey, rootNode](const TreeNode* node) {
-        return node == rootNode || targetOfKey.value(node->key, -1) >= 0;
+    // Nodes made in step 2 joined the collection after the old ones.
+    const auto isKept = [&kept, collectionSize](const TreeNode* node) {
+        return size_t(node->ordinal) >= collectionSize || kept[size_t(node->ordinal)] != 0;
     };
     std::vector<TreeNode*> leftOver;
     if (keptHolders) {
@@ -526,6 +566,9 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
         settleMark(node, target.depth, expandNow, unmarked);
         if (fresh[t] != 0) {
             continue; // made from the document just now
+        }
+        if (keepsLook[t] != 0) {
+            continue; // its record, caption and style are the ones it showed
         }
         const MenuItem& item = items.at(target.item);
         bool differs = before == nullptr || node->hasOwnText;
@@ -619,6 +662,7 @@ void NodeTree::setExpandedMark(TreeNode* node, bool expanded)
 
 void NodeTree::unsettle(const TreeNode* node) const
 {
+    node->showsSyncedRecord = false;
     if (!m_shapeSynced || m_allUnsettled) {
         return;
     }
@@ -638,6 +682,7 @@ void NodeTree::rememberSyncedShape(const MenuDocument& document)
     m_syncedItemOf.resize(m_nodes.size());
     for (size_t n = 0; n < m_nodes.size(); ++n) {
         m_syncedItemOf[n] = m_nodes[n]->itemHint;
+        m_nodes[n]->showsSyncedRecord = true;
     }
     m_shapeSynced = true;
     m_unsettled.clear();
@@ -727,6 +772,7 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
         if (differs) {
             changed.push_back(node);
         }
+        node->showsSyncedRecord = true;
     }
     // Expanded marks follow the shape, which stands; only a mark the tree was told to change can differ.
     std::vector<TreeNode*> expandNow;
@@ -894,7 +940,7 @@ TreeNode* NodeTree::moveAmongSiblings(TreeNode* node, int offset)
     }
     // Two leaves trade what they show and their places in the collection, so that every key keeps
     // its node number and the view lays nothing out again.
-    forgetSyncedShape();
+    shapeChanged();
     std::swap(node->key, other->key);
     std::swap(node->itemHint, other->itemHint);
     std::swap(node->style, other->style);

@@ -84,14 +84,15 @@ public:
                                   std::vector<TreeNode*>* unmarked = nullptr);
     /// Removes every node.
     void clear();
-    /// Makes the next syncTo compare every node with the document, as it does after the tree changed
-    /// shape by other means, instead of trusting that the shape left by the last rebuild or sync
-    /// still stands. Both give the same tree; tests compare them.
+    /// Makes the next syncTo compare every node with the document, instead of trusting that the
+    /// shape and the looks left by the last rebuild or sync still stand where nothing changed them.
+    /// Both give the same tree; tests compare them.
     void forgetSyncedShape()
     {
-        m_shapeSynced = false;
-        m_unsettled.clear();
-        m_allUnsettled = false;
+        shapeChanged();
+        for (TreeNode* node : m_nodes) {
+            node->showsSyncedRecord = false;
+        }
     }
     /// The hide mode the tree was last rebuilt or synced for.
     int shownHideMode() const { return m_syncedHideMode; }
@@ -139,6 +140,13 @@ public:
     static std::vector<const TreeNode*> branchesOf(const TreeNode* parent, int first, int last);
 
 private:
+    /// Notes a change of shape other than a rebuild or a sync: the next sync compares the shape.
+    void shapeChanged()
+    {
+        m_shapeSynced = false;
+        m_unsettled.clear();
+        m_allUnsettled = false;
+    }
     TreeNode* newNode(const QString& key, TreeNode* parent);
     void deleteNode(TreeNode* node);
     /// Lets `node` show `text`, or its item's caption again when `own` is false.

@@ -28,4 +28,8 @@ struct TreeNode
     bool expanded = false;
     /// The node shows a text of its own (kept by its tree) rather than its item's caption.
     bool hasOwnText = false;
+    /// The node shows what a rebuild makes of the record of item itemHint in the records its tree
+    /// was last rebuilt or synced from: that record's style and caption, and no text of its own.
+    /// Cleared by every change the tree makes to the node itself.
+    mutable bool showsSyncedRecord = false;
 };

@@ -29,6 +29,26 @@ public:
 
     /// The shadow's shape as lines of keys, each indented by its depth.
     QStringList outline() const { return m_root ? outlineOf(m_root) : QStringList(); }
+    /// The shadow's shape with what each row showed when the shadow last heard of it, read through
+    /// `document`; while no document is set, rows are not read.
+    QStringList looks() const { return m_root ? looksOf(m_root) : QStringList(); }
+    /// The tree's shape with what each row shows now, as looks() gives it.
+    QStringList looksNow() const
+    {
+        QStringList lines;
+        if (m_tree.root() != nullptr) {
+            appendLooks(m_tree.root(), 0, lines);
+        }
+        return lines;
+    }
+    const MenuDocument* document = nullptr;
+    /// Reads every row again, as a view does when it paints them all.
+    void readAgain()
+    {
+        for (const auto& shadow : m_shadows) {
+            shadow->look = lookOf(shadow->node);
+        }
+    }
     QStringList failures;
 
     void nodesAboutToBeInserted(const TreeNode* parent, int first, int last) override
@@ -106,12 +126,21 @@ public:
         if (parent == nullptr) {
             check(first == 0 && last == 0 && m_root != nullptr,
                   QStringLiteral("change of a top row that does not exist"));
+            if (m_root != nullptr) {
+                m_root->look = lookOf(m_root->node);
+            }
             ++changes;
             return;
         }
         Shadow* shadow = find(parent);
         check(shadow != nullptr && first >= 0 && first <= last && last < int(shadow->children.size()),
               QStringLiteral("change of rows that do not exist"));
+        if (shadow != nullptr && first >= 0 && last < int(shadow->children.size())) {
+            for (int row = first; row <= last; ++row) {
+                Shadow* changed = shadow->children.at(size_t(row));
+                changed->look = lookOf(changed->node);
+            }
+        }
         ++changes;
     }
     void treeAboutToBeReset() override { }
@@ -131,6 +160,8 @@ private:
         const TreeNode* node = nullptr;
         Shadow* parent = nullptr;
         std::vector<Shadow*> children;
+        /// What the row showed when the shadow last heard of it.
+        QString look;
     };
     struct Pending
     {
@@ -156,6 +187,7 @@ private:
         Shadow* copy = m_shadows.back().get();
         copy->node = node;
         copy->parent = parent;
+        copy->look = lookOf(node);
         m_byNode[node] = copy;
         for (const TreeNode* child : node->children) {
             copy->children.push_back(copyOf(child, copy));
@@ -168,6 +200,32 @@ private:
         for (Shadow* child : shadow->children) {
             forget(child);
         }
+    }
+    /// A row's text, colour and bold type, as a view reads them.
+    QString lookOf(const TreeNode* node) const
+    {
+        if (document == nullptr) {
+            return QString();
+        }
+        return QStringLiteral("'%1' %2%3")
+            .arg(m_tree.textOf(node, *document))
+            .arg(int(node->style.colour))
+            .arg(node->style.bold ? QStringLiteral("b") : QString());
+    }
+    void appendLooks(const TreeNode* node, int depth, QStringList& lines) const
+    {
+        lines.append(QString(depth, QLatin1Char(' ')) + node->key + QLatin1Char(' ') + lookOf(node));
+        for (const TreeNode* child : node->children) {
+            appendLooks(child, depth + 1, lines);
+        }
+    }
+    static QStringList looksOf(const Shadow* shadow, int depth = 0)
+    {
+        QStringList lines { QString(depth, QLatin1Char(' ')) + shadow->node->key + QLatin1Char(' ') + shadow->look };
+        for (const Shadow* child : shadow->children) {
+            lines += looksOf(child, depth + 1);
+        }
+        return lines;
     }
     /// The shadow's shape, each node named by the key its node bears now: what a view reads again
     /// when it hears that a row changed.
@@ -328,6 +386,33 @@ MenuDocument otherMenu(const MenuDocument& document, quint32 seed, QRandomGenera
         other.items.removeLast();
     }
     return other;
+}
+
+/// `document` with one more item, as New Item adds it: the last child of a random item, or of the
+/// top level. Its key goes to `key` and its parent's to `parentKey` ("Root" for the top level).
+MenuDocument withNewItem(const MenuDocument& document, QRandomGenerator& random, QString& key, QString& parentKey)
+{
+    MenuDocument next = document;
+    const int count = int(next.items.size());
+    const int parent = int(random.bounded(count + 1)) - 1;
+    qint16 order = 1;
+    if (parent >= 0) {
+        MenuItem& parentItem = next.items[qsizetype(parent)];
+        order = ++parentItem.childCount;
+        parentKey = parentItem.key;
+    } else {
+        for (const MenuItem& other : std::as_const(next.items)) {
+            if (other.parent == -1) {
+                order = qMax(order, qint16(other.siblingOrder + 1));
+            }
+        }
+        parentKey = NodeTree::rootKey();
+    }
+    key = QStringLiteral("E%1").arg(100000 + random.bounded(800000));
+    MenuItem added = item(key, qint16(parent), 0, order);
+    added.caption = QStringLiteral("New Item");
+    next.items.append(added);
+    return next;
 }
 
 /// The keys of `nodes`, for comparing what two trees ask the view to expand or close.
@@ -574,6 +659,7 @@ private Q_SLOTS:
             NodeTree trusting;
             NodeTree comparing;
             ShadowObserver shadow(trusting);
+            shadow.document = &document;
             trusting.setObserver(&shadow);
             trusting.generate(document);
             comparing.generate(document);
@@ -587,12 +673,25 @@ private Q_SLOTS:
                     patchAtRandom(trusting, document, random, made);
                     patchAtRandom(comparing, document, same, madeToo);
                 }
+                // Now and then an item is added as New Item adds it: to the document, and to the tree
+                // as one node, so that the sync after it, like its Undo, starts from a patched tree.
+                if (random.bounded(4) == 0) {
+                    QString key;
+                    QString parentKey;
+                    document = withNewItem(document, random, key, parentKey);
+                    history.push_back(document);
+                    trusting.addNode(parentKey, key, QStringLiteral("New Item"), document);
+                    comparing.addNode(parentKey, key, QStringLiteral("New Item"), document);
+                }
                 // Now and then the document changes without the tree being told, as a Paste that
-                // neither rebuilds nor recolours it; the tree then shows records it was not synced to.
+                // neither rebuilds nor recolours it; the tree then shows records it was not synced to,
+                // and the view paints them all.
                 if (random.bounded(3) == 0) {
                     document = nextState(document, history, random);
+                    shadow.readAgain();
                 }
                 const MenuDocument next = nextState(document, history, random);
+                shadow.document = &next;
                 std::vector<TreeNode*> trustingClosed;
                 std::vector<TreeNode*> comparingClosed;
                 const std::vector<TreeNode*> trustingOpened = trusting.syncTo(next, &document, &trustingClosed);
@@ -605,8 +704,11 @@ private Q_SLOTS:
                 fresh.generate(next);
                 QCOMPARE(describe(trusting, next), describe(fresh, next));
                 QCOMPARE(shadow.outline(), outlineOf(trusting));
+                // Every row whose text or style changed was announced.
+                QCOMPARE(shadow.looks(), shadow.looksNow());
                 QVERIFY2(shadow.failures.isEmpty(), qPrintable(shadow.failures.join(u'\n')));
                 document = next;
+                shadow.document = &document;
                 history.push_back(next);
             }
         }
