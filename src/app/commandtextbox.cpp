@@ -79,8 +79,23 @@ CommandTextBox::CommandTextBox(QWidget* parent)
     setLineWrapMode(QPlainTextEdit::NoWrap);
     QFont font(QStringLiteral("Courier New"));
     font.setStyleHint(QFont::TypeWriter);
-    if (!QFontInfo(font).exactMatch()) {
+    // Where Courier New is missing, or stands for a font that is not fixed-pitch (fontconfig may
+    // alias it to one), the columns of a command line would not line up: the system's fixed font
+    // serves, or else the first common fixed-pitch family the system has.
+    const QFontInfo chosen(font);
+    if (!chosen.exactMatch() || !chosen.fixedPitch()) {
         font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        for (const QString& family :
+             { QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Liberation Mono"), QStringLiteral("Noto Mono") }) {
+            if (QFontInfo(font).fixedPitch()) {
+                break;
+            }
+            QFont candidate(family, font.pointSize());
+            candidate.setStyleHint(QFont::TypeWriter);
+            if (QFontInfo(candidate).exactMatch()) {
+                font = candidate;
+            }
+        }
     }
     setFont(font);
     document()->setDefaultFont(font);
