@@ -10,6 +10,8 @@
 #include <QDir>
 
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <utility>
 
 namespace {
@@ -45,10 +47,29 @@ UndoManager::UndoManager(DocumentList& documents, HistoryTable& histories, QStri
 {
 }
 
+struct UndoManager::StartSignal
+{
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool now = false;
+};
+
 UndoManager::~UndoManager()
 {
     if (m_autosave.valid()) {
+        startAutosaveNow();
         m_autosave.wait();
+    }
+}
+
+void UndoManager::startAutosaveNow()
+{
+    if (m_autosaveStart) {
+        {
+            const std::lock_guard<std::mutex> lock(m_autosaveStart->mutex);
+            m_autosaveStart->now = true;
+        }
+        m_autosaveStart->wake.notify_one();
     }
 }
 
@@ -68,18 +89,29 @@ void UndoManager::saveUndoState(qint16 index, bool clearRedo)
     document.saved = false;
     // The autosave file holds the state before the edit: the caller changes the document only after,
     // in its own copy, while this one is written.
-    m_autosave = std::async(std::launch::async, [state = MenuDocument(document), path = autosavePath(index)] {
-        try {
-            writeMenuFile(state, path);
-        } catch (const RunTimeError& error) {
-            throw autosaveError(error, path);
-        }
-    });
+    m_autosaveStart = std::make_shared<StartSignal>();
+    m_autosave = std::async(std::launch::async, writeAutosave, m_autosaveStart, m_autosaveDelay, MenuDocument(document),
+                            autosavePath(index));
+}
+
+void UndoManager::writeAutosave(const std::shared_ptr<StartSignal>& start, std::chrono::milliseconds delay,
+                                const MenuDocument& state, const QString& path)
+{
+    {
+        std::unique_lock<std::mutex> lock(start->mutex);
+        start->wake.wait_for(lock, delay, [&start] { return start->now; });
+    }
+    try {
+        writeMenuFile(state, path);
+    } catch (const RunTimeError& error) {
+        throw autosaveError(error, path);
+    }
 }
 
 void UndoManager::completeAutosave()
 {
     if (m_autosave.valid()) {
+        startAutosaveNow();
         m_autosave.get();
     }
 }

@@ -3,11 +3,14 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <chrono>
 #include <future>
+#include <memory>
 
 class DocumentList;
 class HistoryMenu;
 class HistoryTable;
+struct MenuDocument;
 
 /// Records and restores whole-document states of the open documents, keeps the Undo and Redo menu
 /// entries in step and writes each document's autosave file. Documents and histories are addressed
@@ -15,12 +18,19 @@ class HistoryTable;
 ///
 /// The autosave file of a recorded state is written on a second thread while the editor goes on:
 /// the state is a copy that no edit touches, and writing a large menu takes longer than most edits.
-/// The next recorded state waits for it, so files are written in the order of their states, and a
-/// write that failed fails the edit that comes to wait for it (completeAutosave throws), which then
-/// takes the error path and undoes the edit whose file could not be written.
+/// The write starts a moment later (defaultAutosaveDelay), so that it does not compete with the
+/// work and paint that show the change, or at once when something waits for it. The next recorded
+/// state waits for it, so files are written in the order of their states, and a write that failed
+/// fails the edit that comes to wait for it (completeAutosave throws), which then takes the error
+/// path and undoes the edit whose file could not be written.
 class UndoManager final
 {
 public:
+    /// How long an autosave file waits before it is written, unless something waits for it: longer
+    /// than an Undo, a Redo or most edits take to show on a large menu, far shorter than a pause
+    /// between two keys.
+    static constexpr std::chrono::milliseconds defaultAutosaveDelay { 60 };
+
     /// `autosaveFolder` is the folder that receives the autosave files (the program's folder).
     UndoManager(DocumentList& documents, HistoryTable& histories, QString autosaveFolder, HistoryMenu& menu);
 
@@ -44,6 +54,8 @@ public:
     bool isAutosavePending() const { return m_autosave.valid(); }
     /// Whether completeAutosave would return (or throw) at once.
     bool isAutosaveFinished() const;
+    /// Sets how long the next autosave files wait before they are written.
+    void setAutosaveDelay(std::chrono::milliseconds delay) { m_autosaveDelay = delay; }
     /// Records the current state of document `index` as the newest redo state (used by Undo).
     void saveRedoState(qint16 index);
 
@@ -67,6 +79,16 @@ private:
     HistoryTable& m_histories;
     QString m_autosaveFolder;
     HistoryMenu& m_menu;
-    /// The autosave file being written, if any.
+    /// What lets an autosave write start before its delay is over.
+    struct StartSignal;
+    /// Writes `state` to `path` once `delay` is over or `start` is given.
+    static void writeAutosave(const std::shared_ptr<StartSignal>& start, std::chrono::milliseconds delay,
+                              const MenuDocument& state, const QString& path);
+    /// Starts the pending autosave write at once, when it waits for its delay.
+    void startAutosaveNow();
+
+    std::chrono::milliseconds m_autosaveDelay = defaultAutosaveDelay;
+    /// The autosave file being written, if any, and what starts its write.
     std::future<void> m_autosave;
+    std::shared_ptr<StartSignal> m_autosaveStart;
 };

@@ -4,10 +4,12 @@
 #include "model/runtimeerror.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <chrono>
 #include <memory>
 
 namespace {
@@ -229,6 +231,36 @@ private Q_SLOTS:
         HistoryFixture& h = *m_history;
         QCOMPARE(h.undoManager.autosavePath(12),
                  QDir(m_history->folder.path()).filePath(QStringLiteral("menuAutoSave12.ini")));
+    }
+
+    void anAutosaveFileWaitsForItsDelayUnlessWaitedFor()
+    {
+        HistoryFixture& h = *m_history;
+        const qint16 index = h.openDocument(2);
+        const QByteArray expected = menuFileBytes(h.document(index));
+        // A delay far longer than this test: the write must not start on its own, and must start at
+        // once when the edit, or the end of the editor, waits for it.
+        h.undoManager.setAutosaveDelay(std::chrono::minutes(2));
+        h.undoManager.saveUndoState(index, true);
+        QTest::qWait(100);
+        QVERIFY(!h.undoManager.isAutosaveFinished());
+        QVERIFY(!QFile::exists(h.undoManager.autosavePath(index)));
+        QElapsedTimer waited;
+        waited.start();
+        h.undoManager.completeAutosave();
+        QVERIFY(waited.elapsed() < 60 * 1000);
+        QCOMPARE(fileBytes(h.undoManager.autosavePath(index)), expected);
+
+        // The editor closes with a write still waiting for its delay: it is written before the end.
+        h.document(index).items[0].caption = QStringLiteral("Edited");
+        const QByteArray edited = menuFileBytes(h.document(index));
+        auto closing = std::make_unique<UndoManager>(h.documents, h.histories, h.folder.path(), h.menu);
+        closing->setAutosaveDelay(std::chrono::minutes(2));
+        closing->saveUndoState(index, true);
+        waited.restart();
+        closing.reset();
+        QVERIFY(waited.elapsed() < 60 * 1000);
+        QCOMPARE(fileBytes(h.undoManager.autosavePath(index)), edited);
     }
 
     void aFailedAutosaveWriteThrowsOnceTheEditWaitsForIt()
