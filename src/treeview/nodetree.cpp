@@ -27,6 +27,14 @@ std::vector<TreeNode*> branchInPreOrder(TreeNode* top)
     return result;
 }
 
+/// Sets flags[i] for every index i of `items` where `items` may hold another record than `other`.
+void markRecordsDifferentFrom(std::vector<char>& flags, const MenuItemArray& items, const MenuItemArray& other)
+{
+    for (const ItemRange& range : items.rangesDifferentFrom(other)) {
+        std::fill(flags.begin() + range.begin, flags.begin() + std::min(range.end, items.size()), 1);
+    }
+}
+
 /// The text a rebuilt tree's root shows until the editor tells it the hide mode.
 QString plainRootText()
 {
@@ -347,16 +355,10 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     // sync, the node that showed that record and was not changed since shows it still: it needs no
     // key read to be found and no comparison to be left as it is.
     std::vector<char> recordMayDiffer(size_t(items.size()), 0);
-    for (const ItemRange& range : items.rangesDifferentFrom(m_syncedArray)) {
-        std::fill(recordMayDiffer.begin() + range.begin, recordMayDiffer.begin() + std::min(range.end, items.size()),
-                  1);
-    }
+    markRecordsDifferentFrom(recordMayDiffer, items, m_syncedArray);
     std::vector<char> captionMayDiffer(size_t(items.size()), before == nullptr ? 1 : 0);
     if (before != nullptr) {
-        for (const ItemRange& range : items.rangesDifferentFrom(before->items)) {
-            std::fill(captionMayDiffer.begin() + range.begin,
-                      captionMayDiffer.begin() + std::min(range.end, items.size()), 1);
-        }
+        markRecordsDifferentFrom(captionMayDiffer, items, before->items);
     }
     // Each node is first looked for where its hint points; a node found there bears the item's key
     // or is not the item's.
@@ -723,15 +725,9 @@ std::vector<TreeNode*> NodeTree::refreshInPlace(const MenuDocument& document, co
     // what the synced records make of it, unless the tree changed it since (m_unsettled). So an undo
     // of a rename looks at the nodes of one chunk of records, not at 32,767 records.
     std::vector<char> captionMayDiffer(size_t(items.size()), 0);
-    for (const ItemRange& range : items.rangesDifferentFrom(before.items)) {
-        std::fill(captionMayDiffer.begin() + range.begin, captionMayDiffer.begin() + std::min(range.end, items.size()),
-                  1);
-    }
+    markRecordsDifferentFrom(captionMayDiffer, items, before.items);
     std::vector<char> recordMayDiffer = captionMayDiffer;
-    for (const ItemRange& range : items.rangesDifferentFrom(m_syncedArray)) {
-        std::fill(recordMayDiffer.begin() + range.begin, recordMayDiffer.begin() + std::min(range.end, items.size()),
-                  1);
-    }
+    markRecordsDifferentFrom(recordMayDiffer, items, m_syncedArray);
     std::vector<char> recheck(m_nodes.size(), m_allUnsettled ? 1 : 0);
     for (size_t n = 1; n < m_nodes.size(); ++n) {
         if (recordMayDiffer[size_t(m_syncedItemOf[n])] != 0) {
