@@ -27,8 +27,9 @@ class UndoManager final
 {
 public:
     /// How long an autosave file waits before it is written, unless something waits for it: longer
-    /// than an Undo, a Redo or most edits take to show on a large menu, far shorter than a pause
-    /// between two keys.
+    /// than an Undo, a Redo or most edits take to show on a large menu, shorter than the pause a
+    /// user leaves between two edits. Edits repeated by a key held down come sooner; each then waits
+    /// for the file of the one before.
     static constexpr std::chrono::milliseconds defaultAutosaveDelay { 60 };
 
     /// `autosaveFolder` is the folder that receives the autosave files (the program's folder).

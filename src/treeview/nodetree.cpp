@@ -31,7 +31,9 @@ std::vector<TreeNode*> branchInPreOrder(TreeNode* top)
 void markRecordsDifferentFrom(std::vector<char>& flags, const MenuItemArray& items, const MenuItemArray& other)
 {
     for (const ItemRange& range : items.rangesDifferentFrom(other)) {
-        std::fill(flags.begin() + range.begin, flags.begin() + std::min(range.end, items.size()), 1);
+        if (range.begin < items.size()) {
+            std::fill(flags.begin() + range.begin, flags.begin() + std::min(range.end, items.size()), 1);
+        }
     }
 }
 
@@ -383,7 +385,9 @@ std::vector<TreeNode*> NodeTree::syncTo(const MenuDocument& document, const Menu
     // Targets whose node shows its item's record as it was, caption and style alike.
     std::vector<char> keepsLook;
     keepsLook.reserve(plan.size());
+    // The root's key counts as taken, also when the root bears another (a tree begun by addNode).
     KeyMap<char> newKeys;
+    newKeys.insert(rootKey(), 1);
     for (const PlannedItem& planned : plan) {
         TreeNode* node = nodeOfHint[size_t(planned.item)];
         const bool showsRecord
@@ -684,7 +688,8 @@ void NodeTree::rememberSyncedShape(const MenuDocument& document)
     m_syncedItemOf.resize(m_nodes.size());
     for (size_t n = 0; n < m_nodes.size(); ++n) {
         m_syncedItemOf[n] = m_nodes[n]->itemHint;
-        m_nodes[n]->showsSyncedRecord = true;
+        // The root shows a text of its own, not a record.
+        m_nodes[n]->showsSyncedRecord = n > 0;
     }
     m_shapeSynced = true;
     m_unsettled.clear();

@@ -238,9 +238,9 @@ private Q_SLOTS:
         HistoryFixture& h = *m_history;
         const qint16 index = h.openDocument(2);
         const QByteArray expected = menuFileBytes(h.document(index));
-        // A delay far longer than this test: the write must not start on its own, and must start at
-        // once when the edit, or the end of the editor, waits for it.
-        h.undoManager.setAutosaveDelay(std::chrono::minutes(2));
+        // A delay longer than this test: the write must not start on its own, and must start at once
+        // when the edit, or the end of the editor, waits for it.
+        h.undoManager.setAutosaveDelay(std::chrono::seconds(20));
         h.undoManager.saveUndoState(index, true);
         QTest::qWait(100);
         QVERIFY(!h.undoManager.isAutosaveFinished());
@@ -248,18 +248,18 @@ private Q_SLOTS:
         QElapsedTimer waited;
         waited.start();
         h.undoManager.completeAutosave();
-        QVERIFY(waited.elapsed() < 60 * 1000);
+        QVERIFY(waited.elapsed() < 10 * 1000);
         QCOMPARE(fileBytes(h.undoManager.autosavePath(index)), expected);
 
         // The editor closes with a write still waiting for its delay: it is written before the end.
         h.document(index).items[0].caption = QStringLiteral("Edited");
         const QByteArray edited = menuFileBytes(h.document(index));
         auto closing = std::make_unique<UndoManager>(h.documents, h.histories, h.folder.path(), h.menu);
-        closing->setAutosaveDelay(std::chrono::minutes(2));
+        closing->setAutosaveDelay(std::chrono::seconds(20));
         closing->saveUndoState(index, true);
         waited.restart();
         closing.reset();
-        QVERIFY(waited.elapsed() < 60 * 1000);
+        QVERIFY(waited.elapsed() < 10 * 1000);
         QCOMPARE(fileBytes(h.undoManager.autosavePath(index)), edited);
     }
 
